@@ -1,0 +1,25 @@
+# How every translation unit of Wegslot is compiled. Warnings are errors on both compilers.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+add_library(wegslot_options INTERFACE)
+target_compile_options(wegslot_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror
+  -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wswitch-enum -Wcast-qual
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough
+  -Wdouble-promotion -Wundef)
+target_include_directories(wegslot_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
+
+if(WEGSLOT_SANITIZE)
+  target_compile_options(wegslot_options INTERFACE
+    -fsanitize=${WEGSLOT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(wegslot_options INTERFACE -fsanitize=${WEGSLOT_SANITIZE})
+endif()

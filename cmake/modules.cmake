@@ -1,0 +1,63 @@
+# The modules of src/ and what each may use. tools/layers reads the same calls and
+# refuses an include that they do not allow, so this is the one table of the architecture.
+
+# wegslot_module(NAME
+#   FILES ...      headers and sources, relative to src/
+#   TESTS ...      unit tests of the module, beside the code
+#   USES ...       modules whose headers may be included (and what they use in turn)
+#   LIBRARIES ...  external libraries, seen by this module's sources only)
+function(wegslot_module name)
+  cmake_parse_arguments(arg "" "" "FILES;TESTS;USES;LIBRARIES" ${ARGN})
+  set(uses ${arg_USES})
+  list(TRANSFORM uses PREPEND wegslot_)
+
+  set(sources ${arg_FILES})
+  list(FILTER sources INCLUDE REGEX "\\.cpp$")
+  if(sources)
+    add_library(wegslot_${name} STATIC ${arg_FILES})
+    target_link_libraries(wegslot_${name} PUBLIC ${uses} PRIVATE wegslot_options ${arg_LIBRARIES})
+    target_include_directories(wegslot_${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+  else()
+    add_library(wegslot_${name} INTERFACE)
+    target_sources(wegslot_${name} PRIVATE ${arg_FILES})
+    target_link_libraries(wegslot_${name} INTERFACE ${uses})
+    target_include_directories(wegslot_${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")
+  endif()
+
+  if(BUILD_TESTING AND arg_TESTS)
+    wegslot_test(${name}_test LABEL unit FILES ${arg_TESTS} USES ${name} support)
+  endif()
+endfunction()
+
+# wegslot_program(NAME OUTPUT ... FILES ... USES ... LIBRARIES ...)
+function(wegslot_program name)
+  cmake_parse_arguments(arg "" "OUTPUT" "FILES;USES;LIBRARIES" ${ARGN})
+  set(uses ${arg_USES})
+  list(TRANSFORM uses PREPEND wegslot_)
+  add_executable(${name} ${arg_FILES})
+  target_link_libraries(${name} PRIVATE wegslot_options ${uses} ${arg_LIBRARIES})
+  set_target_properties(${name} PROPERTIES
+    OUTPUT_NAME ${arg_OUTPUT}
+    RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endfunction()
+
+# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...])
+# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to.
+function(wegslot_test name)
+  cmake_parse_arguments(arg "" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
+  set(uses ${arg_USES})
+  list(TRANSFORM uses PREPEND wegslot_)
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${arg_FILES})
+  target_link_libraries(${name} PRIVATE wegslot_options ${uses} ${arg_LIBRARIES} GTest::gtest_main)
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  if(arg_WRAPPER)
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
+  endif()
+  gtest_discover_tests(${name}
+    TEST_PREFIX "${arg_LABEL}/"
+    DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT})
+endfunction()

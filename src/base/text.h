@@ -1,0 +1,28 @@
+// Text of the core: numbers and dates that no locale touches, and the few questions about
+// UTF-8 that names from the air raise.
+#pragma once
+
+#include "base/time.h"
+
+#include <string>
+#include <string_view>
+
+namespace wegslot {
+
+/// The shortest decimal form that reads back as `number`; whole numbers without a fraction.
+/// Never in exponent form below 1e15 in size.
+[[nodiscard]] std::string decimal(double number);
+
+/// "2026-11-15 23:50:00 +0000": UTC, the fraction of a second dropped.
+[[nodiscard]] std::string utcText(TimePoint instant);
+
+/// "2026-11-15 23:50:00" in the process's time zone, the fraction of a second dropped.
+[[nodiscard]] std::string localText(TimePoint instant);
+
+[[nodiscard]] bool isUtf8(std::string_view bytes);
+
+/// `text` (UTF-8) without the blanks, separators, control and format characters at both ends:
+/// the categories Z*, Cc and Cf of Unicode 15.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+} // namespace wegslot
