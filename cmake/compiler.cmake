@@ -15,7 +15,9 @@ target_compile_options(wegslot_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror
   -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wswitch-enum -Wcast-qual
   -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wimplicit-fallthrough
-  -Wdouble-promotion -Wundef)
+  -Wdouble-promotion -Wundef
+  # Designated initializers leave out on purpose what has its neutral value.
+  -Wno-missing-field-initializers)
 target_include_directories(wegslot_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 
 if(WEGSLOT_SANITIZE)

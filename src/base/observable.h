@@ -34,7 +34,7 @@ public:
     }
 
     /// Tells `listener` of every later assignment, in the order of subscribing.
-    [[nodiscard]] Subscription onChange(Listener listener) {
+    [[nodiscard]] Subscription onChange(Listener listener) const {
         const auto entry = std::make_shared<Entry>(Entry{std::move(listener)});
         listeners_->push_back(entry);
         return Subscription{[list = std::weak_ptr(listeners_), entry] {
@@ -46,7 +46,7 @@ public:
     }
 
     /// As `onChange`, and also delivers the current value before returning.
-    [[nodiscard]] Subscription follow(Listener listener) {
+    [[nodiscard]] Subscription follow(Listener listener) const {
         listener(value_);
         return onChange(std::move(listener));
     }

@@ -1,0 +1,28 @@
+// The port to the floating countdown that warns before a lock. It only shows and reports the
+// cancel; when to show, hide and lock is the monitor's business.
+#pragma once
+
+#include "base/time.h"
+
+#include <functional>
+#include <string>
+
+namespace wegslot {
+
+class WarningHUD {
+public:
+    WarningHUD() = default;
+    WarningHUD(const WarningHUD&) = delete;
+    WarningHUD& operator=(const WarningHUD&) = delete;
+    virtual ~WarningHUD() = default;
+
+    /// Replaces any panel on screen. `deadline` is on the clock that never steps; `total` is
+    /// the full length of the countdown; `onCancel` is called once for each press.
+    virtual void show(TimePoint deadline, Seconds total, const std::string& message,
+                      std::function<void()> onCancel) = 0;
+
+    /// Harmless when there is no panel.
+    virtual void hide() = 0;
+};
+
+} // namespace wegslot

@@ -1,0 +1,102 @@
+// The heart of the application. Once a second it looks at the keys, the radio, the screen, the
+// pauses and the settings, and decides which phase the system is in; entering the away
+// condition warns and then locks. After a lock it waits until the keys have been near again.
+#pragma once
+
+#include "base/clock.h"
+#include "base/observable.h"
+#include "base/scheduler.h"
+#include "hud/warning_hud.h"
+#include "model/settings.h"
+#include "monitor/key_state.h"
+#include "monitor/pause.h"
+#include "monitor/phase.h"
+#include "monitor/presence.h"
+#include "monitor/rule_fold.h"
+#include "monitor/session_events.h"
+#include "platform/activity_detector.h"
+#include "platform/lock_controller.h"
+#include "scanner/scanner.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace wegslot {
+
+class Monitor {
+public:
+    static constexpr Nanoseconds tickInterval = std::chrono::seconds{1};
+
+    /// How long the platform may take to confirm a lock. A locker shows within half a second;
+    /// the rest is for a machine under load.
+    static constexpr Nanoseconds confirmationTimeout = std::chrono::seconds{5};
+
+    /// What the monitor needs of the world around the core.
+    struct Platform {
+        const Clock& clock;
+        Scheduler& scheduler;
+        SessionEvents& session;
+        ActivityDetector& activity;
+        LockController& lock;
+    };
+
+    /// `hud` is the monitor's from here on; everything else must outlive it.
+    Monitor(Settings& settings, Scanner& scanner, Platform platform,
+            std::unique_ptr<WarningHUD> hud);
+
+    Monitor(const Monitor&) = delete;
+    Monitor& operator=(const Monitor&) = delete;
+
+    [[nodiscard]] const Observable<Phase>& phase() const { return phase_; }
+
+    [[nodiscard]] const Observable<KeyStates>& keyStates() const { return keyStates_; }
+
+    /// True while the present snooze was asked for by the user.
+    [[nodiscard]] const Observable<bool>& snoozeIsManual() const { return snooze_.isManual(); }
+
+    /// Locks at once, whatever the phase.
+    void lockNow();
+
+    /// Pauses for `duration` (any double; a past end is no pause) and judges at once.
+    void pause(Seconds duration);
+
+    /// Ends any pause and judges at once.
+    void resume();
+
+    /// The user dismissed the countdown: pauses for ten minutes. Nothing outside a countdown.
+    void cancelWarning();
+
+private:
+    void tick();
+    void watch(const std::vector<KeyDevice>& keys);
+    void set(Phase next);
+    /// Hides the panel and sets the phase: every phase but a warning shows none.
+    void rest(Phase next);
+    /// Starts over: nothing is locked until the keys have been near.
+    void rearm();
+    void awaitConfirmation(TimePoint now);
+    void pauseFor(const PauseReason& reason);
+    void warn(TimePoint now);
+    void enabledChanged(bool enabled);
+    void screenChanged(SessionEvent event);
+    [[nodiscard]] bool isOutOfService() const;
+    [[nodiscard]] Nanoseconds wallOffset() const;
+
+    Settings& settings_;
+    Scanner& scanner_;
+    Platform platform_;
+    std::unique_ptr<WarningHUD> hud_;
+    Observable<Phase> phase_{wegslot::phase::WaitingForReturn{}};
+    Observable<KeyStates> keyStates_;
+    Presence presence_;
+    Snooze snooze_;
+    bool screenLocked_ = false;
+    std::optional<TimePoint> lockRequestedAt_;
+    /// Gone with the monitor: a panel that outlives it has nobody to report to.
+    std::shared_ptr<Monitor*> self_ = std::make_shared<Monitor*>(this);
+    std::vector<Subscription> subscriptions_;
+    Timer timer_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,41 @@
+// The port to what the user is doing. Asked at most once a second, and only while the keys are
+// away. Every failure gives the harmless answer: idle for ever, no camera, no microphone.
+#pragma once
+
+#include "base/time.h"
+
+#include <limits>
+#include <optional>
+#include <string>
+
+namespace wegslot {
+
+class ActivityDetector {
+public:
+    static constexpr Seconds unknownIdle{std::numeric_limits<double>::infinity()};
+
+    ActivityDetector() = default;
+    ActivityDetector(const ActivityDetector&) = delete;
+    ActivityDetector& operator=(const ActivityDetector&) = delete;
+    virtual ~ActivityDetector() = default;
+
+    /// Since the last key or mouse input; `unknownIdle` when it cannot be told.
+    [[nodiscard]] virtual Seconds idleSeconds() = 0;
+
+    [[nodiscard]] virtual bool cameraInUse() = 0;
+
+    /// The display name of the first application that records; nothing when none does.
+    [[nodiscard]] virtual std::optional<std::string> microphoneUser() = 0;
+};
+
+/// Answers neutrally: for a desktop whose activity cannot be observed.
+class UnknownActivity final : public ActivityDetector {
+public:
+    [[nodiscard]] Seconds idleSeconds() override { return unknownIdle; }
+
+    [[nodiscard]] bool cameraInUse() override { return false; }
+
+    [[nodiscard]] std::optional<std::string> microphoneUser() override { return std::nullopt; }
+};
+
+} // namespace wegslot

@@ -1,0 +1,101 @@
+// The world around the core, as a trace or a test tells it: the screen, the user's hands, the
+// camera and microphone, the lock and the warning panel. Each keeps what it was told and
+// reports what it was asked.
+#pragma once
+
+#include "base/clock.h"
+#include "base/observable.h"
+#include "hud/warning_hud.h"
+#include "monitor/session_events.h"
+#include "platform/activity_detector.h"
+#include "platform/lock_controller.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace wegslot {
+
+class ReplayedSession final : public SessionEvents {
+public:
+    void tell(SessionEvent event) { events_.set(event); }
+
+    [[nodiscard]] Subscription observe(std::function<void(SessionEvent)> listener) override {
+        return events_.onChange(std::move(listener));
+    }
+
+private:
+    Observable<SessionEvent> events_;
+};
+
+class ReplayedActivity final : public ActivityDetector {
+public:
+    explicit ReplayedActivity(const Clock& clock) : clock_(clock) {}
+
+    /// The user touches keyboard or mouse now; before the first touch the idle time is unknown.
+    void touch() { lastInput_ = clock_.now(); }
+
+    void setCamera(bool inUse) { camera_ = inUse; }
+
+    void setMicrophone(std::optional<std::string> user) { microphone_ = std::move(user); }
+
+    [[nodiscard]] Seconds idleSeconds() override {
+        return lastInput_ ? Seconds{clock_.now() - *lastInput_} : unknownIdle;
+    }
+
+    [[nodiscard]] bool cameraInUse() override { return camera_; }
+
+    [[nodiscard]] std::optional<std::string> microphoneUser() override { return microphone_; }
+
+private:
+    const Clock& clock_;
+    std::optional<TimePoint> lastInput_;
+    bool camera_ = false;
+    std::optional<std::string> microphone_;
+};
+
+/// Calls a listener for each request and never refuses.
+class RecordedLock final : public ScreenLock {
+public:
+    explicit RecordedLock(std::function<void()> listener) : listener_(std::move(listener)) {}
+
+    void request(std::function<void()>) override { listener_(); }
+
+private:
+    std::function<void()> listener_;
+};
+
+/// What a warning panel shows.
+struct Warning {
+    TimePoint deadline;
+    Seconds total;
+    std::string message;
+    std::function<void()> onCancel;
+};
+
+/// Calls a listener when a panel appears (with it) and when one that was showing goes (with
+/// null).
+class RecordedHud final : public WarningHUD {
+public:
+    using Listener = std::function<void(const Warning*)>;
+
+    explicit RecordedHud(Listener listener) : listener_(std::move(listener)) {}
+
+    void show(TimePoint deadline, Seconds total, const std::string& message,
+              std::function<void()> onCancel) override {
+        const Warning warning{deadline, total, message, std::move(onCancel)};
+        showing_ = true;
+        listener_(&warning);
+    }
+
+    void hide() override {
+        if (std::exchange(showing_, false)) listener_(nullptr);
+    }
+
+private:
+    Listener listener_;
+    bool showing_ = false;
+};
+
+} // namespace wegslot

@@ -1,0 +1,86 @@
+#include "scanner/device_table.h"
+
+#include <algorithm>
+
+namespace wegslot {
+namespace {
+
+// Weaker than any radio hears, so that devices without a signal come last.
+constexpr Dbm unheard{-200.0};
+
+void fillFrom(SeenDevice& device, const SeenDevice& other) {
+    if (!device.name) device.name = other.name;
+    if (!device.model) device.model = other.model;
+    if (!device.continuityType) device.continuityType = other.continuityType;
+    device.lastSeen = std::max(device.lastSeen, other.lastSeen);
+}
+
+} // namespace
+
+SeenDevice& DeviceTable::addSample(const Uuid& id, int rssi, TimePoint now) {
+    Entry& entry = entries_[id];
+    entry.samples.add(now, rssi);
+    entry.device.id = id;
+    entry.device.lastSeen = now;
+    return entry.device;
+}
+
+SeenDevice* DeviceTable::find(const Uuid& id) {
+    const auto found = entries_.find(id);
+    return found == entries_.end() ? nullptr : &found->second.device;
+}
+
+const SeenDevice* DeviceTable::find(const Uuid& id) const {
+    const auto found = entries_.find(id);
+    return found == entries_.end() ? nullptr : &found->second.device;
+}
+
+std::optional<Dbm> DeviceTable::smoothedRSSI(const Uuid& id, Nanoseconds window,
+                                             TimePoint now) const {
+    const auto found = entries_.find(id);
+    if (found == entries_.end()) return std::nullopt;
+    return found->second.samples.median(now, window);
+}
+
+std::vector<Uuid> DeviceTable::forgetStale(const std::set<Uuid>& watched, TimePoint now) {
+    std::vector<Uuid> forgotten;
+    std::erase_if(entries_, [&](const auto& entry) {
+        const auto& [id, record] = entry;
+        if (now - record.device.lastSeen <= staleAge || watched.contains(id)) return false;
+        forgotten.push_back(id);
+        return true;
+    });
+    return forgotten;
+}
+
+std::vector<SeenDevice> DeviceTable::snapshot(TimePoint now) const {
+    std::vector<SeenDevice> list;
+    list.reserve(entries_.size());
+    for (const auto& [id, entry] : entries_) {
+        list.push_back(entry.device);
+        list.back().rssi = entry.samples.median(now, smoothingWindow);
+    }
+    std::sort(list.begin(), list.end(), [](const SeenDevice& a, const SeenDevice& b) {
+        const Dbm signalA = a.rssi.value_or(unheard);
+        const Dbm signalB = b.rssi.value_or(unheard);
+        return signalA != signalB ? signalA > signalB : a.id < b.id;
+    });
+    return list;
+}
+
+void DeviceTable::move(const Uuid& from, const Uuid& to) {
+    if (from == to) return;
+    auto node = entries_.extract(from);
+    if (!node) return;
+    const auto found = entries_.find(to);
+    if (found == entries_.end()) {
+        node.key() = to;
+        node.mapped().device.id = to;
+        entries_.insert(std::move(node));
+        return;
+    }
+    fillFrom(found->second.device, node.mapped().device);
+    found->second.samples.merge(node.mapped().samples);
+}
+
+} // namespace wegslot

@@ -1,0 +1,60 @@
+// Every device heard lately: its record and its samples. Holds no policy of the radio; the
+// scanner decides what enters and which devices are watched.
+#pragma once
+
+#include "scanner/seen_device.h"
+#include "scanner/signal_history.h"
+
+#include <set>
+#include <unordered_map>
+#include <vector>
+
+namespace wegslot {
+
+class DeviceTable {
+public:
+    /// An unwatched device that was not heard for longer is forgotten.
+    static constexpr Nanoseconds staleAge = std::chrono::seconds{120};
+
+    /// The window of the published signal strengths: long enough for a phone that advertises
+    /// every two seconds, short enough to notice who leaves.
+    static constexpr Nanoseconds smoothingWindow = std::chrono::seconds{5};
+
+    /// Adds a sample taken `now`, making the record when there is none. `rssi` is not checked.
+    SeenDevice& addSample(const Uuid& id, int rssi, TimePoint now);
+
+    /// Null when the device is unknown.
+    [[nodiscard]] SeenDevice* find(const Uuid& id);
+    [[nodiscard]] const SeenDevice* find(const Uuid& id) const;
+
+    /// Nothing for an unknown device and for one without samples in the window.
+    [[nodiscard]] std::optional<Dbm> smoothedRSSI(const Uuid& id, Nanoseconds window,
+                                                  TimePoint now) const;
+
+    /// Forgets the stale devices that are not in `watched` and returns their ids.
+    std::vector<Uuid> forgetStale(const std::set<Uuid>& watched, TimePoint now);
+
+    /// All records with their smoothed signal, strongest first; equal ones in order of id.
+    [[nodiscard]] std::vector<SeenDevice> snapshot(TimePoint now) const;
+
+    /// `from` turned out to be `to`: its record and samples move there. What the record of `to`
+    /// has already stays.
+    void move(const Uuid& from, const Uuid& to);
+
+    /// Calls `visit` with each record, in no particular order.
+    template <typename Visitor>
+    void forEach(Visitor&& visit) const {
+        for (const auto& [id, entry] : entries_)
+            visit(entry.device);
+    }
+
+private:
+    struct Entry {
+        SeenDevice device;
+        SignalHistory samples;
+    };
+
+    std::unordered_map<Uuid, Entry> entries_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,163 @@
+#include "scanner/scanner.h"
+
+#include "model/log.h"
+
+#include <array>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+std::string hexadecimal(std::uint8_t byte) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    return std::string("0x") + digits[byte >> 4U] + digits[byte & 0xFU];
+}
+
+} // namespace
+
+Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock)
+    : central_(central),
+      clock_(clock),
+      connections_(central, scheduler, state_),
+      identifier_(central, scheduler, clock, state_, devices_, connections_) {
+    central_.setDelegate(this);
+    rssiTimer_ = scheduler.every(KeyConnections::pollInterval, [this] { connections_.pollRSSI(); });
+}
+
+Scanner::~Scanner() { central_.setDelegate(nullptr); }
+
+std::string Scanner::stateDescription() const {
+    constexpr auto noAccess = "Geef Wegslot Bluetooth-toegang in Systeeminstellingen";
+    const auto authorization = central_.authorization();
+    if (authorization == CentralAuthorization::restricted ||
+        authorization == CentralAuthorization::denied)
+        return noAccess;
+    switch (state_.get()) {
+    case CentralState::unsupported:
+        return "Bluetooth LE wordt niet ondersteund";
+    case CentralState::unauthorized:
+        return noAccess;
+    case CentralState::poweredOff:
+        return "Bluetooth staat uit";
+    case CentralState::poweredOn:
+        return "Bluetooth staat aan";
+    case CentralState::unknown:
+    case CentralState::resetting:
+        break;
+    }
+    return "Bluetooth wordt gestart";
+}
+
+void Scanner::refreshSnapshot() {
+    const TimePoint now = clock_.now();
+    for (const Uuid& id : devices_.forgetStale(watchedIDs(), now))
+        if (id != identifier_.identifying()) connections_.release(id);
+    snapshot_.set(devices_.snapshot(now));
+}
+
+std::optional<TimePoint> Scanner::lastSeen(const Uuid& id) const {
+    const SeenDevice* const device = devices_.find(id);
+    return device == nullptr ? std::nullopt : std::optional(device->lastSeen);
+}
+
+std::optional<Dbm> Scanner::smoothedRSSI(const Uuid& id, Seconds window) const {
+    return devices_.smoothedRSSI(id, rounded(window), clock_.now());
+}
+
+void Scanner::setWatchedIDs(std::set<Uuid> ids) {
+    if (connections_.setWatched(std::move(ids))) connections_.update(identifier_.identifying());
+}
+
+void Scanner::setPassiveIDs(std::set<Uuid> ids) {
+    if (connections_.setPassive(std::move(ids))) connections_.update(identifier_.identifying());
+}
+
+std::string Scanner::label(const Uuid& id) const {
+    const SeenDevice* const device = devices_.find(id);
+    return (device == nullptr ? "?" : device->displayName()) + " (" + id.text().substr(0, 8) + ")";
+}
+
+void Scanner::didUpdateState() {
+    state_.set(central_.state());
+    const int number = static_cast<int>(state_.get());
+    Log::write("Bluetooth-status: " + stateDescription() + " (" + std::to_string(number) + ")");
+    if (!isPoweredOn()) return;
+    central_.scan();
+    connections_.update(identifier_.identifying());
+}
+
+void Scanner::didDiscover(const Advertisement& advertisement) {
+    if (!isMeasured(advertisement.rssi) || !isWanted(advertisement)) return;
+
+    connections_.hold(advertisement.id);
+    SeenDevice& device = devices_.addSample(advertisement.id, advertisement.rssi, clock_.now());
+    // What this advertisement lacks, an earlier one may have told.
+    if (const auto type = advertisement.continuityType()) device.continuityType = type;
+    if (const auto name = advertisement.name(); !name.empty()) device.name = name;
+    logFirstSight(device, advertisement.rssi);
+    if (identifier_.discoveryActive()) identifier_.identifyNext();
+}
+
+bool Scanner::isWanted(const Advertisement& advertisement) const {
+    if (watchedIDs().contains(advertisement.id)) return true;
+    const auto type = advertisement.continuityType();
+    if (!isAppleType(type)) return includeOtherDevices_ && !advertisement.name().empty();
+    // Earphones and trackers: many in a room, none of them a key.
+    return type != 0x07 && type != 0x12;
+}
+
+void Scanner::logFirstSight(const SeenDevice& device, int rssi) {
+    if (rssi < loggedFrom || !loggedDevices_.insert(device.id).second) return;
+    Log::write("Gezien: " + device.id.text() + " naam=" + device.name.value_or("-") +
+               " type=" + (device.continuityType ? hexadecimal(*device.continuityType) : "-") +
+               " rssi=" + std::to_string(rssi));
+}
+
+void Scanner::didConnect(const Uuid& id) {
+    identifier_.didConnect(id);
+    if (!connections_.isActive(id)) return;
+    Log::write("Verbonden met sleutel " + label(id));
+    central_.readRSSI(id);
+}
+
+void Scanner::didFailToConnect(const Uuid& id) {
+    identifier_.didLose(id);
+    if (connections_.isActive(id)) connections_.reconnectLater(id);
+}
+
+void Scanner::didDisconnect(const Uuid& id, const std::optional<std::string>& reason) {
+    identifier_.didLose(id);
+    if (!connections_.isActive(id)) return;
+    Log::write("Verbinding met sleutel " + label(id) + " verbroken" +
+               (reason ? ": " + *reason : ""));
+    connections_.reconnectLater(id);
+}
+
+void Scanner::didReadRSSI(const Uuid& id, std::optional<int> rssi) {
+    if (rssi && isMeasured(*rssi)) devices_.addSample(id, *rssi, clock_.now());
+}
+
+void Scanner::didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) {
+    identifier_.didDiscoverServices(id, services);
+}
+
+void Scanner::didDiscoverCharacteristics(const Uuid& id, GattUuid,
+                                         std::span<const GattUuid> characteristics) {
+    identifier_.didDiscoverCharacteristics(id, characteristics);
+}
+
+void Scanner::didUpdateValue(const Uuid& id, GattUuid characteristic,
+                             const std::optional<std::string_view>& value) {
+    identifier_.didUpdateValue(id, characteristic, value);
+}
+
+void Scanner::didIdentify(const Uuid& from, const Uuid& to) {
+    devices_.move(from, to);
+    identifier_.move(from, to);
+    if (loggedDevices_.erase(from) > 0) loggedDevices_.insert(to);
+    if (!connections_.holds(from)) return;
+    connections_.release(from);
+    connections_.hold(to);
+}
+
+} // namespace wegslot

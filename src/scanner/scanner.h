@@ -1,0 +1,102 @@
+// The one object that talks to the Bluetooth stack. It decides which advertisements count,
+// keeps the devices they came from, and conducts the parts that connect keys and identify
+// models. Whoever judges asks it when a device was heard last and how strongly.
+#pragma once
+
+#include "base/clock.h"
+#include "base/observable.h"
+#include "base/scheduler.h"
+#include "scanner/bluetooth_central.h"
+#include "scanner/device_table.h"
+#include "scanner/key_connections.h"
+#include "scanner/model_identifier.h"
+
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace wegslot {
+
+class Scanner final : private CentralDelegate {
+public:
+    /// A first sighting is logged from this strength on: about the same room.
+    static constexpr int loggedFrom = -69;
+
+    Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock);
+    ~Scanner() override;
+
+    /// The last state that the stack reported.
+    [[nodiscard]] const Observable<CentralState>& state() const { return state_; }
+
+    [[nodiscard]] bool isPoweredOn() const { return state_.get() == CentralState::poweredOn; }
+
+    /// The state as a sentence for a person.
+    [[nodiscard]] std::string stateDescription() const;
+
+    /// The nearby devices, strongest first, as of the last `refreshSnapshot`.
+    [[nodiscard]] const Observable<std::vector<SeenDevice>>& snapshot() const { return snapshot_; }
+
+    /// Forgets who has been silent too long and publishes the list anew.
+    void refreshSnapshot();
+
+    /// When the device was last heard; nothing when it is unknown or forgotten.
+    [[nodiscard]] std::optional<TimePoint> lastSeen(const Uuid& id) const;
+
+    /// The median signal of the last `window`; nothing without a sample in it.
+    [[nodiscard]] std::optional<Dbm> smoothedRSSI(const Uuid& id,
+                                                  Seconds window = Seconds{5.0}) const;
+
+    /// All keys: their advertisements always count and they are never forgotten.
+    [[nodiscard]] const std::set<Uuid>& watchedIDs() const { return connections_.watched(); }
+
+    void setWatchedIDs(std::set<Uuid> ids);
+
+    /// Those of the keys that are only listened to, never connected.
+    [[nodiscard]] const std::set<Uuid>& passiveIDs() const { return connections_.passive(); }
+
+    void setPassiveIDs(std::set<Uuid> ids);
+
+    /// Whether named devices of other makers are listed too.
+    [[nodiscard]] bool includeOtherDevices() const { return includeOtherDevices_; }
+
+    void setIncludeOtherDevices(bool include) { includeOtherDevices_ = include; }
+
+    /// Whether models of nearby devices are to be identified.
+    [[nodiscard]] bool discoveryActive() const { return identifier_.discoveryActive(); }
+
+    void setDiscoveryActive(bool active) { identifier_.setDiscoveryActive(active); }
+
+    /// "Telefoon (0F2C41A7)": a device in a log line.
+    [[nodiscard]] std::string label(const Uuid& id) const;
+
+private:
+    void didUpdateState() override;
+    void didDiscover(const Advertisement& advertisement) override;
+    void didConnect(const Uuid& id) override;
+    void didFailToConnect(const Uuid& id) override;
+    void didDisconnect(const Uuid& id, const std::optional<std::string>& reason) override;
+    void didReadRSSI(const Uuid& id, std::optional<int> rssi) override;
+    void didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) override;
+    void didDiscoverCharacteristics(const Uuid& id, GattUuid service,
+                                    std::span<const GattUuid> characteristics) override;
+    void didUpdateValue(const Uuid& id, GattUuid characteristic,
+                        const std::optional<std::string_view>& value) override;
+    void didIdentify(const Uuid& from, const Uuid& to) override;
+
+    [[nodiscard]] bool isWanted(const Advertisement& advertisement) const;
+    void logFirstSight(const SeenDevice& device, int rssi);
+
+    BluetoothCentral& central_;
+    const Clock& clock_;
+    Observable<CentralState> state_{CentralState::unknown};
+    Observable<std::vector<SeenDevice>> snapshot_;
+    DeviceTable devices_;
+    std::unordered_set<Uuid> loggedDevices_;
+    bool includeOtherDevices_ = false;
+    KeyConnections connections_;
+    ModelIdentifier identifier_;
+    Timer rssiTimer_;
+};
+
+} // namespace wegslot

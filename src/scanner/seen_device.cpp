@@ -1,0 +1,16 @@
+#include "scanner/seen_device.h"
+
+#include "scanner/advertisement.h"
+#include "scanner/device_names.h"
+
+namespace wegslot {
+
+bool SeenDevice::isApple() const { return isAppleType(continuityType); }
+
+std::string SeenDevice::displayName() const {
+    if (name && !name->empty()) return *name;
+    if (model) return DeviceNames::friendly(*model);
+    return isApple() ? "Apple-apparaat" : "Bluetooth-apparaat";
+}
+
+} // namespace wegslot
