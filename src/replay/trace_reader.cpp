@@ -1,0 +1,498 @@
+#include "replay/trace_reader.h"
+
+#include "model/key_codec.h"
+#include "model/lock_rule.h"
+#include "replay/json_tree.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+using namespace std::string_literals;
+
+/// Ends the reading of a line. Never leaves this file.
+struct Invalid {
+    std::string message;
+};
+
+[[noreturn]] void fail(std::string message) { throw Invalid{std::move(message)}; }
+
+// The members of one object, each to be asked for once; what nobody asked for is a mistake.
+class Fields {
+public:
+    Fields(const JsonNode& node, std::string_view where) : where_(where) {
+        const auto* const object = node.as<JsonNode::Object>();
+        if (object == nullptr) fail(std::string(where) + " is geen object");
+        for (const auto& [name, value] : *object) {
+            if (find(name) != nullptr) fail("veld " + jsonString(name) + " staat er twee keer");
+            fields_.push_back({name, &value, false});
+        }
+    }
+
+    const JsonNode* optional(std::string_view name) {
+        Field* const field = find(name);
+        if (field == nullptr) return nullptr;
+        field->used = true;
+        return field->node;
+    }
+
+    const JsonNode& required(std::string_view name) {
+        if (const JsonNode* const node = optional(name)) return *node;
+        fail("veld " + jsonString(name) + " ontbreekt in " + std::string(where_));
+    }
+
+    /// To be called when all known fields have been asked for.
+    void finish() const {
+        for (const Field& field : fields_)
+            if (!field.used)
+                fail("onbekend veld " + jsonString(field.name) + " in " + std::string(where_));
+    }
+
+    /// The one field that nobody asked for.
+    std::pair<std::string_view, const JsonNode*> only() {
+        Field* found = nullptr;
+        for (Field& field : fields_) {
+            if (field.used) continue;
+            if (found != nullptr)
+                fail("twee gebeurtenissen: " + jsonString(found->name) + " en " +
+                     jsonString(field.name));
+            found = &field;
+        }
+        if (found == nullptr) fail("geen gebeurtenis");
+        found->used = true;
+        return {found->name, found->node};
+    }
+
+private:
+    struct Field {
+        std::string_view name;
+        const JsonNode* node;
+        bool used;
+    };
+
+    Field* find(std::string_view name) {
+        const auto found = std::ranges::find(fields_, name, &Field::name);
+        return found == fields_.end() ? nullptr : &*found;
+    }
+
+    std::string_view where_;
+    std::vector<Field> fields_;
+};
+
+// One value of a certain type; `what` names it in the failure.
+
+const std::string& text(const JsonNode& node, std::string_view what) {
+    if (const auto* const value = node.as<std::string>()) return *value;
+    fail(std::string(what) + " is geen tekst");
+}
+
+bool boolean(const JsonNode& node, std::string_view what) {
+    if (const auto* const value = node.as<bool>()) return *value;
+    fail(std::string(what) + " is geen true of false");
+}
+
+double number(const JsonNode& node, std::string_view what) {
+    if (const auto value = node.number()) return *value;
+    fail(std::string(what) + " is geen getal");
+}
+
+Seconds duration(const JsonNode& node, std::string_view what) {
+    return toMilliseconds(Seconds{number(node, what)});
+}
+
+int integer(const JsonNode& node, std::string_view what) {
+    const auto* const value = node.as<JsonNode::Integer>();
+    if (value == nullptr) fail(std::string(what) + " is geen geheel getal");
+    return static_cast<int>(std::clamp<std::int64_t>(value->value, std::numeric_limits<int>::min(),
+                                                     std::numeric_limits<int>::max()));
+}
+
+Uuid uuid(const JsonNode& node, std::string_view what) {
+    const std::string& written = text(node, what);
+    if (const auto value = Uuid::parse(written)) return *value;
+    fail(std::string(what) + " is geen UUID: " + jsonString(written));
+}
+
+GattUuid gattUuid(const JsonNode& node, std::string_view what) {
+    const std::string& written = text(node, what);
+    std::uint32_t value = 0;
+    const char* const end = written.data() + written.size();
+    const auto parsed = std::from_chars(written.data(), end, value, 16);
+    const bool complete = parsed.ec == std::errc{} && parsed.ptr == end;
+    if (complete && (written.size() == 4 || written.size() == 8)) return GattUuid{value};
+    fail(std::string(what) + " is geen korte UUID: " + jsonString(written));
+}
+
+std::vector<std::uint8_t> bytes(const JsonNode& node, std::string_view what) {
+    const std::string& written = text(node, what);
+    std::vector<std::uint8_t> value(written.size() / 2);
+    bool valid = written.size() % 2 == 0;
+    for (std::size_t i = 0; valid && i < value.size(); ++i) {
+        const char* const start = written.data() + 2 * i;
+        valid = std::from_chars(start, start + 2, value[i], 16).ptr == start + 2;
+    }
+    if (!valid) fail(std::string(what) + " is geen hexadecimale tekst");
+    return value;
+}
+
+std::optional<std::string> optionalText(Fields& fields, std::string_view name) {
+    const JsonNode* const node = fields.optional(name);
+    return node == nullptr ? std::nullopt : std::optional(text(*node, name));
+}
+
+std::vector<GattUuid> optionalGattUuids(Fields& fields, std::string_view name) {
+    std::vector<GattUuid> list;
+    const JsonNode* const node = fields.optional(name);
+    if (node == nullptr) return list;
+    const auto* const array = node->as<JsonNode::Array>();
+    if (array == nullptr) fail(std::string(name) + " is geen lijst");
+    for (const JsonNode& entry : *array)
+        list.push_back(gattUuid(entry, name));
+    return list;
+}
+
+template <typename T, std::size_t size>
+T oneOf(const std::array<std::pair<std::string_view, T>, size>& choices, const std::string& chosen,
+        std::string_view what) {
+    for (const auto& [name, value] : choices)
+        if (name == chosen) return value;
+    fail("onbekende waarde " + jsonString(chosen) + " van " + std::string(what));
+}
+
+// Preferences.
+
+enum class Kind { boolean, duration, rule, keys };
+
+constexpr std::array<std::pair<std::string_view, Kind>, 10> preferenceKinds{{
+    {"enabled", Kind::boolean},
+    {"keys", Kind::keys},
+    {"rule", Kind::rule},
+    {"awayDelay", Kind::duration},
+    {"lostTimeout", Kind::duration},
+    {"warningEnabled", Kind::boolean},
+    {"warningSeconds", Kind::duration},
+    {"pauseDuringMeetings", Kind::boolean},
+    {"pauseWhileActive", Kind::boolean},
+    {"showOtherDevices", Kind::boolean},
+}};
+
+PreferenceValue preference(Kind kind, const JsonNode& node, std::string_view name) {
+    switch (kind) {
+    case Kind::boolean:
+        return boolean(node, name);
+    case Kind::duration:
+        return duration(node, name).count();
+    case Kind::rule:
+        return text(node, name);
+    case Kind::keys:
+        if (node.as<JsonNode::Array>() == nullptr) fail(std::string(name) + " is geen lijst");
+        return Data{written(node)};
+    }
+    fail("onbekende voorkeur " + jsonString(name));
+}
+
+/// What a store may hold by accident, a person does not set.
+void checkMeaning(const PreferenceValue& value, std::string_view name) {
+    const auto* const rule = std::get_if<std::string>(&value);
+    if (rule != nullptr && !lockRule(*rule)) fail("onbekende regel " + jsonString(*rule));
+    const auto* const keys = std::get_if<Data>(&value);
+    if (keys != nullptr && !decodeKeys(keys->bytes))
+        fail(std::string(name) + " bevat een onleesbare of dubbele sleutel");
+}
+
+trace::SettingsChange settings(const JsonNode& node) {
+    Fields fields(node, "settings");
+    trace::SettingsChange change;
+    for (const auto& [name, kind] : preferenceKinds)
+        if (const JsonNode* const value = fields.optional(name))
+            change.values.emplace(name, preference(kind, *value, name));
+    fields.finish();
+    return change;
+}
+
+// Events with fields of their own.
+
+constexpr std::array<std::pair<std::string_view, CentralState>, 6> states{{
+    {"unknown", CentralState::unknown},
+    {"resetting", CentralState::resetting},
+    {"unsupported", CentralState::unsupported},
+    {"unauthorized", CentralState::unauthorized},
+    {"poweredOff", CentralState::poweredOff},
+    {"poweredOn", CentralState::poweredOn},
+}};
+
+constexpr std::array<std::pair<std::string_view, CentralAuthorization>, 4> authorizations{{
+    {"notDetermined", CentralAuthorization::notDetermined},
+    {"restricted", CentralAuthorization::restricted},
+    {"denied", CentralAuthorization::denied},
+    {"allowedAlways", CentralAuthorization::allowedAlways},
+}};
+
+trace::RadioState radioState(Fields& fields) {
+    trace::RadioState event{.state =
+                                oneOf(states, text(fields.required("state"), "state"), "state"),
+                            .authorization = std::nullopt};
+    if (const auto authorization = optionalText(fields, "authorization"))
+        event.authorization = oneOf(authorizations, *authorization, "authorization");
+    return event;
+}
+
+Uuid id(Fields& fields, std::string_view name = "id") { return uuid(fields.required(name), name); }
+
+trace::Heard heard(Fields& fields) {
+    trace::Heard event{.id = id(fields),
+                       .rssi = integer(fields.required("rssi"), "rssi"),
+                       .name = optionalText(fields, "name"),
+                       .localName = optionalText(fields, "localName"),
+                       .manufacturerData = std::nullopt};
+    if (const JsonNode* const data = fields.optional("manufacturerData"))
+        event.manufacturerData = bytes(*data, "manufacturerData");
+    return event;
+}
+
+trace::RssiRead rssiRead(Fields& fields) {
+    trace::RssiRead event{.id = id(fields), .rssi = std::nullopt};
+    const auto error = optionalText(fields, "error");
+    const JsonNode* const rssi = fields.optional("rssi");
+    if (error.has_value() == (rssi != nullptr))
+        fail("rssiRead heeft precies een van rssi en error");
+    if (rssi != nullptr) event.rssi = integer(*rssi, "rssi");
+    return event;
+}
+
+trace::Characteristics characteristics(Fields& fields) {
+    static_cast<void>(text(fields.required("service"), "service"));
+    return {.id = id(fields), .characteristics = optionalGattUuids(fields, "characteristics")};
+}
+
+trace::Value value(Fields& fields) {
+    trace::Value event{.id = id(fields),
+                       .characteristic =
+                           gattUuid(fields.required("characteristic"), "characteristic"),
+                       .value = std::nullopt,
+                       .name = optionalText(fields, "name")};
+    if (const JsonNode* const node = fields.optional("value")) {
+        const auto decoded = bytes(*node, "value");
+        event.value.emplace(decoded.begin(), decoded.end());
+    }
+    return event;
+}
+
+trace::Disconnected disconnected(Fields& fields) {
+    return {.id = id(fields), .error = optionalText(fields, "error")};
+}
+
+trace::ConnectFailed connectFailed(Fields& fields) {
+    static_cast<void>(optionalText(fields, "error"));
+    return {.id = id(fields)};
+}
+
+trace::SetThreshold setThreshold(Fields& fields) {
+    return {.id = id(fields), .value = Dbm{number(fields.required("value"), "value")}};
+}
+
+trace::Event action(const JsonNode& node) {
+    if (const auto* const name = node.as<std::string>()) {
+        if (*name == "lockNow") return trace::LockNow{};
+        if (*name == "resume") return trace::Resume{};
+        if (*name == "cancelWarning") return trace::CancelWarning{};
+        fail("onbekende actie " + jsonString(*name));
+    }
+    Fields fields(node, "action");
+    const Seconds length = duration(fields.required("pause"), "pause");
+    fields.finish();
+    return trace::Pause{length};
+}
+
+trace::Event show(const JsonNode& node) {
+    const std::string& what = text(node, "show");
+    if (what == "snapshot") return trace::ShowSnapshot{};
+    if (what == "keys") return trace::ShowKeys{};
+    fail("onbekende waarde " + jsonString(what) + " van show");
+}
+
+trace::Session session(const JsonNode& node) {
+    const std::string& state = text(node, "session");
+    if (state == "locked") return {SessionEvent::locked};
+    if (state == "unlocked") return {SessionEvent::unlocked};
+    fail("onbekende waarde " + jsonString(state) + " van session");
+}
+
+trace::Microphone microphone(const JsonNode& node) {
+    if (node.as<std::nullptr_t>() != nullptr) return {std::nullopt};
+    return {text(node, "microphone")};
+}
+
+/// An event without content, written as true.
+template <typename Event>
+trace::Event bare(const JsonNode& node, std::string_view what) {
+    if (!boolean(node, what)) fail(std::string(what) + " kan alleen true zijn");
+    return Event{};
+}
+
+template <typename T, std::size_t size>
+T digits(const std::string& written, std::size_t start, const char (&)[size]) {
+    T value{};
+    const char* const first = written.data() + start;
+    if (std::from_chars(first, first + size - 1, value).ptr != first + size - 1)
+        fail("start is geen tijdstip: " + jsonString(written));
+    return value;
+}
+
+// "2026-11-15T23:50:00Z" exactly.
+trace::Start start(const JsonNode& node) {
+    const std::string& written = text(node, "start");
+    std::string shape = written;
+    for (char& character : shape)
+        if (character >= '0' && character <= '9') character = '0';
+    if (shape != "0000-00-00T00:00:00Z") fail("start is geen tijdstip: " + jsonString(written));
+
+    const std::chrono::year_month_day date{std::chrono::year{digits<int>(written, 0, "yyyy")},
+                                           std::chrono::month{digits<unsigned>(written, 5, "mm")},
+                                           std::chrono::day{digits<unsigned>(written, 8, "dd")}};
+    const std::chrono::hours hours{digits<int>(written, 11, "hh")};
+    const std::chrono::minutes minutes{digits<int>(written, 14, "mm")};
+    const std::chrono::seconds seconds{digits<int>(written, 17, "ss")};
+    // The calendar of a TimePoint ends in 2262; a trace needs room after its start.
+    const bool inRange = date.year() >= std::chrono::year{1700} &&
+                         date.year() < std::chrono::year{2162} && hours.count() < 24 &&
+                         minutes.count() < 60 && seconds.count() < 60;
+    if (!date.ok() || !inRange) fail("start is geen tijdstip: " + jsonString(written));
+    return {std::chrono::sys_days{date} + hours + minutes + seconds};
+}
+
+template <typename Event>
+trace::Event withFields(const JsonNode& node, std::string_view name, Event (*read)(Fields&)) {
+    Fields fields(node, name);
+    trace::Event event = read(fields);
+    fields.finish();
+    return event;
+}
+
+trace::Event event(std::string_view name, const JsonNode& node) {
+    if (name == "advertisement") return withFields(node, name, heard);
+    if (name == "start") return start(node);
+    if (name == "settings") return settings(node);
+    if (name == "bluetooth") return withFields(node, name, radioState);
+    if (name == "known")
+        return withFields(
+            node, name, +[](Fields& fields) {
+                return trace::Known{.id = id(fields), .name = optionalText(fields, "name")};
+            });
+    if (name == "connected")
+        return withFields(
+            node, name, +[](Fields& fields) { return trace::Connected{id(fields)}; });
+    if (name == "connectFailed") return withFields(node, name, connectFailed);
+    if (name == "disconnected") return withFields(node, name, disconnected);
+    if (name == "rssiRead") return withFields(node, name, rssiRead);
+    if (name == "services")
+        return withFields(
+            node, name, +[](Fields& fields) {
+                return trace::Services{id(fields), optionalGattUuids(fields, "services")};
+            });
+    if (name == "characteristics") return withFields(node, name, characteristics);
+    if (name == "value") return withFields(node, name, value);
+    if (name == "session") return session(node);
+    if (name == "input") return bare<trace::Input>(node, name);
+    if (name == "camera") return trace::Camera{boolean(node, name)};
+    if (name == "microphone") return microphone(node);
+    if (name == "addKey") return trace::AddKey{uuid(node, name)};
+    if (name == "removeKey") return trace::RemoveKey{uuid(node, name)};
+    if (name == "setThreshold") return withFields(node, name, setThreshold);
+    if (name == "discovery") return trace::Discovery{boolean(node, name)};
+    if (name == "action") return action(node);
+    if (name == "show") return show(node);
+    if (name == "identity")
+        return withFields(
+            node, name, +[](Fields& fields) {
+                return trace::Identity{.from = id(fields, "from"), .to = id(fields, "to")};
+            });
+    if (name == "end") return bare<trace::End>(node, name);
+    fail("onbekende gebeurtenis " + jsonString(name));
+}
+
+// From the decimal text, so that 0.3 is 300 ms and not a nanosecond less.
+Nanoseconds time(const JsonNode& node) {
+    constexpr std::int64_t longest = longestDuration / std::chrono::seconds{1};
+    std::int64_t seconds = 0;
+    std::int64_t milliseconds = 0;
+    if (const auto* const integer = node.as<JsonNode::Integer>()) {
+        seconds = integer->value;
+    } else if (const auto* const real = node.as<JsonNode::Real>()) {
+        const char* const end = real->text.data() + real->text.size();
+        const auto whole = std::from_chars(real->text.data(), end, seconds);
+        const auto decimals = end - whole.ptr - 1;
+        if (whole.ec != std::errc{} || real->text.front() == '-' || *whole.ptr != '.' ||
+            decimals > 3)
+            fail("t is geen tijd van hoogstens drie decimalen: " + real->text);
+        if (std::from_chars(whole.ptr + 1, end, milliseconds).ptr != end)
+            fail("t is geen tijd van hoogstens drie decimalen: " + real->text);
+        for (auto missing = decimals; missing < 3; ++missing)
+            milliseconds *= 10;
+    } else {
+        fail("t is geen getal");
+    }
+    if (seconds < 0) fail("t is negatief");
+    if (seconds >= longest) fail("t is te groot");
+    return std::chrono::seconds{seconds} + std::chrono::milliseconds{milliseconds};
+}
+
+trace::Line line(std::string_view written) {
+    if (written.find_first_not_of(" \t\r") == std::string_view::npos) fail("lege regel");
+    const auto tree = parseJson(written);
+    if (!tree) fail("geen geldige JSON");
+    Fields fields(*tree, "de regel");
+    trace::Line line;
+    line.time = time(fields.required("t"));
+    const auto [name, node] = fields.only();
+    line.event = event(name, *node);
+    return line;
+}
+
+} // namespace
+
+Result<trace::Line> TraceReader::read(std::string_view text) {
+    try {
+        trace::Line read = line(text);
+        if (read.time < last_) fail("t gaat terug");
+
+        Position position = Position::running;
+        if (std::holds_alternative<trace::Start>(read.event)) {
+            if (position_ != Position::beginning) fail("start staat niet vooraan");
+            if (read.time != Nanoseconds{0}) fail("start is niet op t 0");
+            position = Position::afterStart;
+        }
+        if (const auto* const change = std::get_if<trace::SettingsChange>(&read.event)) {
+            const bool stored = read.time == Nanoseconds{0} && (position_ == Position::beginning ||
+                                                                position_ == Position::afterStart);
+            if (stored) position = Position::afterSettings;
+            if (!stored)
+                for (const auto& [name, value] : change->values)
+                    checkMeaning(value, name);
+        }
+        last_ = read.time;
+        position_ = position;
+        return read;
+    } catch (const Invalid& invalid) {
+        return Failure{invalid.message};
+    }
+}
+
+Result<PreferenceValue> readPreference(std::string_view name, std::string_view value) {
+    try {
+        const auto tree = parseJson(value).value_or(JsonNode{std::string(value)});
+        PreferenceValue read =
+            preference(oneOf(preferenceKinds, std::string(name), "voorkeur"), tree, name);
+        checkMeaning(read, name);
+        return read;
+    } catch (const Invalid& invalid) {
+        return Failure{invalid.message};
+    }
+}
+
+} // namespace wegslot
