@@ -18,6 +18,8 @@ target_compile_options(wegslot_options INTERFACE
   -Wdouble-promotion -Wundef
   # Designated initializers leave out on purpose what has its neutral value.
   -Wno-missing-field-initializers)
+# Qt's bare words (signals, slots, emit) would take names that the C library uses.
+target_compile_definitions(wegslot_options INTERFACE QT_NO_KEYWORDS)
 target_include_directories(wegslot_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 
 if(WEGSLOT_SANITIZE)

@@ -23,9 +23,9 @@ public:
     [[nodiscard]] explicit operator bool() const { return std::holds_alternative<T>(content_); }
 
     /// Only of a success.
-    [[nodiscard]] T& operator*() { return std::get<T>(content_); }
-
-    [[nodiscard]] const T& operator*() const { return std::get<T>(content_); }
+    [[nodiscard]] T& operator*() & { return std::get<T>(content_); }
+    [[nodiscard]] const T& operator*() const& { return std::get<T>(content_); }
+    [[nodiscard]] T&& operator*() && { return std::get<T>(std::move(content_)); }
 
     [[nodiscard]] T* operator->() { return &std::get<T>(content_); }
 

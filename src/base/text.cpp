@@ -118,6 +118,21 @@ bool isUtf8(std::string_view bytes) {
     return true;
 }
 
+std::string printable(std::string_view text) {
+    std::string shown;
+    while (!text.empty()) {
+        const auto decoded = firstCharacter(text);
+        const char32_t character = decoded.character;
+        const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
+        const bool separator = character == 0x2028 || character == 0x2029;
+        const bool bad = decoded.length == 0 || control || separator;
+        const std::size_t length = decoded.length == 0 ? 1 : decoded.length;
+        shown += bad ? std::string_view("\uFFFD") : text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return shown;
+}
+
 std::string_view trimmed(std::string_view text) {
     while (!text.empty()) {
         const auto decoded = firstCharacter(text);

@@ -21,6 +21,10 @@ namespace wegslot {
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 
+/// `text` (UTF-8) for one line of a terminal: control characters and line separators, which
+/// could pretend to be something else, become U+FFFD.
+[[nodiscard]] std::string printable(std::string_view text);
+
 /// `text` (UTF-8) without the blanks, separators, control and format characters at both ends:
 /// the categories Z*, Cc and Cf of Unicode 15.
 [[nodiscard]] std::string_view trimmed(std::string_view text);

@@ -48,3 +48,7 @@ TEST(Text, TrimsBlanksControlsAndFormatCharactersAtBothEnds) {
     EXPECT_EQ(trimmed("\u0301x\u20AC"sv), "\u0301x\u20AC"); // a mark and a sign stay
     EXPECT_EQ(trimmed(" \n\u200B"sv), "");
 }
+
+TEST(Text, ControlCharactersAreShownAndNotObeyed) {
+    EXPECT_EQ(printable("Zoë\n\x1B[2J\u0085\u2028x\xFF"), "Zoë\uFFFD\uFFFD[2J\uFFFD\uFFFDx\uFFFD");
+}

@@ -10,7 +10,7 @@
 
 namespace wegslot {
 
-/// Encoded data, as opposed to a text for people.
+/// Encoded data, as opposed to a text for people: a JSON list or object.
 struct Data {
     std::string bytes;
     friend bool operator==(const Data&, const Data&) = default;

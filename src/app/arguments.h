@@ -1,0 +1,50 @@
+// What the command line asks for.
+#pragma once
+
+#include "base/result.h"
+#include "base/uuid.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace wegslot {
+
+namespace command {
+
+/// The application itself.
+struct Run {};
+struct Demo {};
+struct Help {};
+struct Version {};
+/// Print the nearby devices, others than the maker's too if asked.
+struct Devices {
+    bool others = false;
+};
+struct Keys {};
+struct AddKey {
+    Uuid id;
+};
+struct RemoveKey {
+    Uuid id;
+};
+/// A switch of the whole application that this version cannot follow yet.
+struct NotYet {
+    std::string name;
+};
+
+} // namespace command
+
+using Command =
+    std::variant<command::Run, command::Demo, command::Help, command::Version, command::Devices,
+                 command::Keys, command::AddKey, command::RemoveKey, command::NotYet>;
+
+/// Reads the words after the program's name. A failure is one line for the user.
+Result<Command> parseArguments(const std::vector<std::string_view>& words);
+
+/// What `--help` prints.
+[[nodiscard]] std::string_view helpText();
+
+} // namespace wegslot

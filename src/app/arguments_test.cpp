@@ -1,0 +1,65 @@
+#include "app/arguments.h"
+
+#include <gtest/gtest.h>
+
+using namespace wegslot;
+
+namespace {
+
+using Words = std::vector<std::string_view>;
+
+template <typename T>
+bool asksFor(const Words& words) {
+    const auto parsed = parseArguments(words);
+    return parsed && std::holds_alternative<T>(*parsed);
+}
+
+std::string fault(const Words& words) {
+    const auto parsed = parseArguments(words);
+    return parsed ? "" : parsed.failure().message;
+}
+
+constexpr auto id = "0f2c41a7-0b3d-4c5e-8f60-718293a4b5c6";
+
+} // namespace
+
+TEST(Arguments, WithoutWordsTheApplicationRuns) { EXPECT_TRUE(asksFor<command::Run>({})); }
+
+TEST(Arguments, EachCommandHasItsSwitch) {
+    EXPECT_TRUE(asksFor<command::Demo>({"--demo"}));
+    EXPECT_TRUE(asksFor<command::Help>({"--help"}));
+    EXPECT_TRUE(asksFor<command::Version>({"--version"}));
+    EXPECT_TRUE(asksFor<command::Keys>({"--keys"}));
+    EXPECT_FALSE(std::get<command::Devices>(*parseArguments({"--devices"})).others);
+    EXPECT_TRUE(std::get<command::Devices>(*parseArguments({"--others", "--devices"})).others);
+    EXPECT_EQ(std::get<command::AddKey>(*parseArguments({"--add-key", id})).id, *Uuid::parse(id));
+    EXPECT_EQ(std::get<command::RemoveKey>(*parseArguments({"--remove-key", id})).id,
+              *Uuid::parse(id));
+}
+
+TEST(Arguments, HelpAndVersionAnswerWhateverElseIsSaid) {
+    EXPECT_TRUE(asksFor<command::Help>({"--devices", "--onzin", "--help"}));
+    EXPECT_TRUE(asksFor<command::Version>({"--demo", "--version"}));
+}
+
+TEST(Arguments, ALastSnapshotWithoutAPathStartsNormally) {
+    EXPECT_TRUE(asksFor<command::Run>({"--snapshot"}));
+    EXPECT_TRUE(asksFor<command::Run>({"--tall", "--snapshot"}));
+    EXPECT_TRUE(asksFor<command::Run>({"--tall"}));
+}
+
+TEST(Arguments, WhatThisVersionCannotDoIsKnownByName) {
+    EXPECT_EQ(std::get<command::NotYet>(*parseArguments({"--snapshot", "x.png"})).name,
+              "--snapshot");
+    EXPECT_EQ(std::get<command::NotYet>(*parseArguments({"--update-now"})).name, "--update-now");
+}
+
+TEST(Arguments, AnythingElseIsNamedInOneLine) {
+    EXPECT_EQ(fault({"--onzin"}), "onbekende schakelaar --onzin (zie --help)");
+    EXPECT_EQ(fault({"onzin"}), "onbekend woord onzin (zie --help)");
+    EXPECT_EQ(fault({""}), "onbekend woord  (zie --help)");
+    EXPECT_EQ(fault({"--add-key"}), "--add-key verwacht een id (zie --devices)");
+    EXPECT_EQ(fault({"--add-key", "telefoon"}), "--add-key: geen geldig id: telefoon");
+    EXPECT_EQ(fault({"--keys", "--demo"}), "--demo gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--others"}), "--others hoort bij --devices");
+}

@@ -1,0 +1,90 @@
+#include "app/demo.h"
+
+#include "base/text.h"
+
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+const KeyDevice& phone() {
+    static const KeyDevice key{.id = *Uuid::parse("0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"),
+                               .name = "Telefoon",
+                               .model = std::nullopt,
+                               .isApple = false, // only listened to: there is nothing to connect
+                               .threshold = Dbm{-75}};
+    return key;
+}
+
+} // namespace
+
+Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done)
+    : clock_(clock),
+      start_(clock.now()),
+      print_(std::move(print)),
+      activity_(clock),
+      screenLock_([this] { tell("   (de sessie wordt gevraagd te locken)"); }),
+      controller_({&screenLock_}),
+      model_({store_,
+              central_,
+              {clock, scheduler, session_, activity_, controller_},
+              [this] {
+                  return std::make_unique<RecordedHud>([this](const Warning* shown) {
+                      tell(shown == nullptr ? "   (het waarschuwingspaneel gaat weg)"
+                                            : "   (het waarschuwingspaneel verschijnt)");
+                  });
+              }}),
+      logBefore_(Log::setDestination(this)),
+      script_(scheduler) {
+    tell("   (je zit achter je computer, je telefoon ligt naast je)");
+    model_.settings().keys.set({phone()});
+    phases_ = model_.monitor().phase().onChange(
+        [this](const Phase& phase) { tell("Fase: " + std::string(name(phase))); });
+    central_.setState(CentralState::poweredOn);
+
+    playSignal(0.2, 6, -52, -56);
+    at(6, [this] { tell("   (je loopt weg met je telefoon)"); });
+    playSignal(6, 9, -62, -92);
+    playSignal(9, 14, -92, -96);
+    at(21.5, [this] {
+        tell("   (het scherm is gelockt)");
+        session_.tell(SessionEvent::locked);
+    });
+    at(28, [this] { tell("   (je komt terug)"); });
+    playSignal(28, 38, -60, -52);
+    at(31, [this] {
+        tell("   (je ontgrendelt het scherm)");
+        session_.tell(SessionEvent::unlocked);
+    });
+    at(38, [this, done = std::move(done)] {
+        tell("   (einde van de demo)");
+        done();
+    });
+}
+
+Demo::~Demo() { Log::setDestination(logBefore_); }
+
+void Demo::write(std::string_view message) { tell("Log:  " + std::string(message)); }
+
+void Demo::tell(std::string_view line) {
+    const auto elapsed = std::chrono::round<std::chrono::seconds>(clock_.now() - start_).count();
+    const std::string seconds = std::to_string(elapsed);
+    print_((seconds.size() < 2 ? " " : "") + seconds + " s  " + std::string(line));
+}
+
+void Demo::at(double seconds, std::function<void()> action) {
+    script_.after(rounded(Seconds{seconds}), std::move(action));
+}
+
+// Two advertisements a second, the signal changing evenly.
+void Demo::playSignal(double from, double to, int first, int last) {
+    constexpr double interval = 0.5;
+    const int steps = static_cast<int>((to - from) / interval);
+    for (int step = 0; step < steps; ++step) {
+        const int rssi = first + (last - first) * step / steps;
+        at(from + step * interval,
+           [this, rssi] { central_.advertise({.id = phone().id, .rssi = rssi}); });
+    }
+}
+
+} // namespace wegslot

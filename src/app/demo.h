@@ -1,0 +1,43 @@
+// The application on a built-in radio and session: one departure and one return, played in real
+// time, every phase and log line printed. Touches no radio, no screen and no file.
+#pragma once
+
+#include "app/app_model.h"
+#include "app/key_commands.h"
+#include "base/delayed_calls.h"
+#include "model/log.h"
+#include "replay/replayed_central.h"
+#include "replay/replayed_platform.h"
+
+#include <functional>
+
+namespace wegslot {
+
+class Demo final : private LogDestination {
+public:
+    /// `done` is called once, at the end of the story.
+    Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done);
+    ~Demo() override;
+
+private:
+    void write(std::string_view message) override;
+    void tell(std::string_view line);
+    void at(double seconds, std::function<void()> action);
+    void playSignal(double from, double to, int first, int last);
+
+    const Clock& clock_;
+    const TimePoint start_;
+    PrintLine print_;
+    MemoryStore store_;
+    ReplayedCentral central_;
+    ReplayedSession session_;
+    ReplayedActivity activity_;
+    RecordedLock screenLock_;
+    LockController controller_;
+    AppModel model_;
+    LogDestination* logBefore_;
+    Subscription phases_;
+    DelayedCalls script_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,35 @@
+#include "app/demo.h"
+
+#include "tests/support/world.h"
+
+#include <algorithm>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+TEST(Demo, PlaysOneDepartureAndReturnWithinFortySeconds) {
+    VirtualTime time{World::start};
+    std::vector<std::string> lines;
+    bool done = false;
+    {
+        const Demo demo(
+            time, time, [&](std::string_view line) { lines.emplace_back(line); },
+            [&] { done = true; });
+        time.advance(40s);
+    }
+    EXPECT_TRUE(done);
+    std::vector<std::string> phases;
+    for (const auto& line : lines)
+        if (const auto start = line.find("Fase: "); start != std::string::npos)
+            phases.push_back(line.substr(start + 6));
+    EXPECT_EQ(phases, (std::vector<std::string>{"present", "leaving", "warning", "locked",
+                                                "waitingForReturn", "present"}));
+    const auto printed = [&lines](std::string_view text) {
+        return std::ranges::any_of(
+            lines, [text](const auto& line) { return line.find(text) != line.npos; });
+    };
+    EXPECT_TRUE(printed("Log:  Waarschuwing: Telefoon is buiten bereik"));
+    EXPECT_TRUE(printed("Log:  Mac wordt gelockt"));
+    EXPECT_FALSE(printed("Geen bevestiging"));
+    EXPECT_EQ(time.pending(), 0U);
+}

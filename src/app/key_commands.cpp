@@ -1,0 +1,120 @@
+#include "app/key_commands.h"
+
+#include "base/text.h"
+#include "scanner/device_names.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+std::string kindOf(const SeenDevice& device) {
+    // What it would be called if it had no name.
+    SeenDevice nameless = device;
+    nameless.name.reset();
+    return nameless.displayName();
+}
+
+std::string padded(std::string text, std::size_t width) {
+    // In characters, not bytes: continuation bytes take no room.
+    const auto characters = static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+    if (characters < width) text.append(width - characters, ' ');
+    return text;
+}
+
+std::string row(const SeenDevice& device) {
+    const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
+    return device.id.text() + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
+           padded(printable(kindOf(device)), 18) + "  " + signal + " dBm";
+}
+
+std::string row(const KeyDevice& key) {
+    const std::string model = key.model ? DeviceNames::friendly(*key.model) : "-";
+    return key.id.text() + "  " + padded(printable(key.name), 24) + "  " +
+           padded(printable(model), 18) + "  drempel " + decimal(key.threshold.value) + " dBm";
+}
+
+bool isKey(const Settings& settings, const Uuid& id) {
+    const auto& keys = settings.keys.get();
+    return std::ranges::find(keys, id, &KeyDevice::id) != keys.end();
+}
+
+} // namespace
+
+DeviceListing::DeviceListing(AppModel& model, Scheduler& scheduler, bool others, PrintLine print)
+    : scanner_(model.scanner()),
+      print_(std::move(print)) {
+    scanner_.setIncludeOtherDevices(others);
+    timer_ = scheduler.every(std::chrono::seconds{1}, [this] { refresh(); });
+}
+
+void DeviceListing::refresh() {
+    scanner_.refreshSnapshot();
+    const auto& devices = scanner_.snapshot().get();
+    print_("");
+    if (!scanner_.isPoweredOn()) return print_(scanner_.stateDescription());
+    if (devices.empty()) return print_("Nog geen apparaten gehoord");
+    for (const SeenDevice& device : devices)
+        print_(row(device));
+}
+
+KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,
+                   std::function<void(Outcome)> done)
+    : model_(model),
+      id_(id),
+      print_(std::move(print)),
+      done_(std::move(done)) {
+    if (isKey(model.settings(), id)) {
+        looking_ = scheduler.after(Nanoseconds{0}, [this] {
+            finish(Outcome::alreadyAKey, "Dit apparaat is al een sleutel: " + id_.text());
+        });
+        return;
+    }
+    // Watched, so that its advertisements count whatever it is; passive, so that it is left alone.
+    model.scanner().setPassiveIDs({id});
+    model.scanner().setWatchedIDs({id});
+    looking_ = scheduler.every(std::chrono::seconds{1}, [this] { look(); });
+    patience_ = scheduler.after(patience, [this] {
+        finish(Outcome::notHeard, "Niet gehoord binnen 30 s: " + id_.text() + " (" +
+                                      model_.scanner().stateDescription() + ")");
+    });
+}
+
+void KeyAdder::look() {
+    Scanner& scanner = model_.scanner();
+    scanner.refreshSnapshot();
+    const auto& devices = scanner.snapshot().get();
+    const auto device = std::ranges::find(devices, id_, &SeenDevice::id);
+    if (device == devices.end() || !device->rssi) return;
+    model_.settings().addKey(*device);
+    const KeyDevice& key = model_.settings().keys.get().back();
+    finish(Outcome::added, "Sleutel toegevoegd: " + printable(key.name) + ", drempel " +
+                               decimal(key.threshold.value) + " dBm");
+}
+
+void KeyAdder::finish(Outcome outcome, const std::string& message) {
+    looking_.reset();
+    patience_.reset();
+    print_(message);
+    done_(outcome);
+}
+
+void printKeys(const Settings& settings, const PrintLine& print) {
+    if (settings.keys.get().empty()) print("Geen sleutels");
+    for (const KeyDevice& key : settings.keys.get())
+        print(row(key));
+}
+
+bool removeKey(Settings& settings, const Uuid& id, const PrintLine& print) {
+    if (!isKey(settings, id)) {
+        print("Geen sleutel met id " + id.text());
+        return false;
+    }
+    settings.removeKey(id);
+    print("Sleutel verwijderd: " + id.text());
+    return true;
+}
+
+} // namespace wegslot

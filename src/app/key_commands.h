@@ -1,0 +1,60 @@
+// Choosing keys from the command line: lists of devices and keys, and adding one. Works on the
+// same settings and scanner as the application, without judging anything.
+#pragma once
+
+#include "app/app_model.h"
+#include "base/scheduler.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace wegslot {
+
+/// Prints one line, without its line feed.
+using PrintLine = std::function<void(std::string_view)>;
+
+/// Prints the published list once a second, and the state of the radio when it is not on.
+class DeviceListing {
+public:
+    DeviceListing(AppModel& model, Scheduler& scheduler, bool others, PrintLine print);
+
+private:
+    void refresh();
+
+    Scanner& scanner_;
+    PrintLine print_;
+    Timer timer_;
+};
+
+/// Waits for a device to be heard and makes it a key.
+class KeyAdder {
+public:
+    /// A phone in a pocket may advertise only every few seconds, and one that sleeps not for ten.
+    static constexpr Nanoseconds patience = std::chrono::seconds{30};
+
+    enum class Outcome { added, alreadyAKey, notHeard };
+
+    /// `done` is called once, from the scheduler.
+    KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,
+             std::function<void(Outcome)> done);
+
+private:
+    void look();
+    void finish(Outcome outcome, const std::string& message);
+
+    AppModel& model_;
+    Uuid id_;
+    PrintLine print_;
+    std::function<void(Outcome)> done_;
+    Timer looking_;
+    Timer patience_;
+};
+
+/// Prints the keys, or that there are none.
+void printKeys(const Settings& settings, const PrintLine& print);
+
+/// Removes a key and says so; false when there is no such key.
+bool removeKey(Settings& settings, const Uuid& id, const PrintLine& print);
+
+} // namespace wegslot

@@ -1,0 +1,37 @@
+// wegslot: locks the computer when its user walks away with their keys.
+
+#include "app/arguments.h"
+#include "app/qt/application.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+constexpr int exitUsage = 2;
+
+int complain(const std::string& message, int status) {
+    std::fprintf(stderr, "wegslot: %s\n", message.c_str());
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace wegslot;
+    const auto command = parseArguments({argv + 1, argv + argc});
+    if (!command) return complain(command.failure().message, exitUsage);
+    // These answer without bus, display or event loop.
+    if (std::holds_alternative<command::Help>(*command)) {
+        std::fputs(std::string(helpText()).c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
+    if (std::holds_alternative<command::Version>(*command)) {
+        std::puts("wegslot " WEGSLOT_VERSION);
+        return EXIT_SUCCESS;
+    }
+    if (const auto* const later = std::get_if<command::NotYet>(&*command))
+        return complain(later->name + " kan deze versie nog niet", EXIT_FAILURE);
+    return runApplication(*command, argc, argv);
+}

@@ -1,0 +1,188 @@
+#include "app/qt/application.h"
+
+#include "app/app_model.h"
+#include "app/demo.h"
+#include "app/key_commands.h"
+#include "app/linux/instance_lock.h"
+#include "app/qt/bus_pump.h"
+#include "app/qt/qt_scheduler.h"
+#include "app/qt/termination.h"
+#include "hud/hidden_hud.h"
+#include "model/file_log.h"
+#include "model/preferences_file.h"
+#include "platform/linux/login_session.h"
+#include "platform/linux/logind_lock.h"
+#include "platform/linux/screen_lock_watcher.h"
+#include "platform/linux/screen_savers.h"
+#include "platform/linux/system_clock.h"
+#include "scanner/bluez/bluez_central.h"
+
+#include <QCoreApplication>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace wegslot {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path homeFolder() {
+    if (const char* const home = std::getenv("HOME"); home != nullptr && *home == '/') return home;
+    const passwd* const user = getpwuid(getuid());
+    return user == nullptr ? "/" : user->pw_dir;
+}
+
+// Relative paths are to be ignored (XDG Base Directory Specification 0.8).
+fs::path configurationFolder() {
+    const char* const folder = std::getenv("XDG_CONFIG_HOME");
+    if (folder != nullptr && *folder == '/') return folder;
+    return homeFolder() / ".config";
+}
+
+void printLine(std::string_view line) {
+    std::fwrite(line.data(), 1, line.size(), stdout);
+    std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+int complain(const std::string& message) {
+    std::fprintf(stderr, "wegslot: %s\n", message.c_str());
+    return EXIT_FAILURE;
+}
+
+/// Writes to the log file and, for who watches in a terminal, there too.
+class TeeLog final : public LogDestination {
+public:
+    TeeLog(const fs::path& file, const Clock& clock)
+        : file_(file, clock),
+          before_(Log::setDestination(this)) {}
+    ~TeeLog() override { Log::setDestination(before_); }
+
+    void write(std::string_view message) override {
+        file_.write(message);
+        if (watched_) printLine(message);
+    }
+
+private:
+    FileLog file_;
+    const bool watched_ = isatty(STDOUT_FILENO) == 1;
+    LogDestination* before_;
+};
+
+/// The real radio, session and screen around the core.
+class RealWorld {
+public:
+    explicit RealWorld(Scheduler& scheduler, const Clock& clock)
+        : systemBus(dbus::Bus::openSystem, pump, scheduler),
+          sessionBus(dbus::Bus::openSession, pump, scheduler),
+          central(systemBus, scheduler),
+          session(systemBus),
+          savers(sessionBus, scheduler),
+          watcher(session, savers),
+          logindLock(session),
+          saverLock(savers),
+          lock({&logindLock, &saverLock}),
+          platform{clock, scheduler, watcher, activity, lock} {}
+
+    dbus::Connection systemBus;
+    dbus::Connection sessionBus;
+    BluezCentral central;
+    LoginSession session;
+    ScreenSavers savers;
+    ScreenLockWatcher watcher;
+    UnknownActivity activity;
+    LogindLock logindLock;
+    ScreenSaverLock saverLock;
+    LockController lock;
+    Monitor::Platform platform;
+};
+
+AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
+    return {preferences, world.central, world.platform,
+            [] { return std::make_unique<HiddenHud>(); }};
+}
+
+// Each command on the running loop.
+struct Execute {
+    Scheduler& scheduler;
+    const Clock& clock;
+    PreferencesStore& preferences;
+
+    int operator()(const command::Run&) const {
+        RealWorld world(scheduler, clock);
+        AppModel model(around(preferences, world));
+        static_cast<void>(model.monitor());
+        return QCoreApplication::exec();
+    }
+    int operator()(const command::Demo&) const {
+        const Demo demo(scheduler, clock, printLine, [] { QCoreApplication::quit(); });
+        return QCoreApplication::exec();
+    }
+    int operator()(const command::Devices& devices) const {
+        RealWorld world(scheduler, clock);
+        AppModel model(around(preferences, world));
+        const DeviceListing listing(model, scheduler, devices.others, printLine);
+        return QCoreApplication::exec();
+    }
+    int operator()(const command::AddKey& command) const {
+        RealWorld world(scheduler, clock);
+        AppModel model(around(preferences, world));
+        const KeyAdder adder(model, scheduler, command.id, printLine,
+                             [](KeyAdder::Outcome outcome) {
+                                 QCoreApplication::exit(outcome == KeyAdder::Outcome::notHeard);
+                             });
+        return QCoreApplication::exec();
+    }
+    int operator()(const command::Keys&) const {
+        printKeys(Settings(preferences), printLine);
+        return EXIT_SUCCESS;
+    }
+    int operator()(const command::RemoveKey& command) const {
+        Settings settings(preferences);
+        return removeKey(settings, command.id, printLine) ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+    // Answered before there is a loop.
+    int operator()(const auto&) const { return EXIT_SUCCESS; }
+};
+
+} // namespace
+
+int runApplication(const Command& command, int& argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    // Qt takes over the user's locale; numbers in files and on buses know only the point.
+    std::setlocale(LC_NUMERIC, "C");
+    QCoreApplication::setApplicationName("wegslot");
+    const Termination termination;
+    QtScheduler scheduler;
+    const SystemClock clock;
+
+    if (std::holds_alternative<command::Demo>(command)) {
+        MemoryStore nothing;
+        return Execute{scheduler, clock, nothing}(command::Demo{});
+    }
+
+    const fs::path preferencesPath = PreferencesFile::pathUnder(configurationFolder());
+    const auto lock = InstanceLock::take(preferencesPath.parent_path());
+    if (!lock) return complain(lock.failure().message);
+
+    std::unique_ptr<TeeLog> log;
+    if (std::holds_alternative<command::Run>(command)) {
+        const fs::path logPath = FileLog::pathUnder(homeFolder());
+        std::error_code ignored;
+        fs::create_directories(logPath.parent_path(), ignored);
+        log = std::make_unique<TeeLog>(logPath, clock);
+    }
+    PreferencesFile preferences(preferencesPath, scheduler);
+    return std::visit(Execute{scheduler, clock, preferences}, command);
+}
+
+} // namespace wegslot

@@ -1,0 +1,12 @@
+// Runs what the command line asked for on Qt's event loop, with the real world around the core.
+// This is where the worlds are joined.
+#pragma once
+
+#include "app/arguments.h"
+
+namespace wegslot {
+
+/// Runs `command` (one that needs an event loop) to its end and answers the exit status.
+int runApplication(const Command& command, int& argc, char** argv);
+
+} // namespace wegslot

@@ -1,0 +1,202 @@
+#include "dbus/bus.h"
+
+#include <systemd/sd-bus.h>
+
+#include <array>
+#include <cstring>
+
+namespace wegslot::dbus {
+namespace {
+
+using Listener = Bus::Listener;
+using MessagePointer = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
+
+Failure failure(const std::string& what, int error) {
+    return Failure{what + ": " + std::strerror(-error)};
+}
+
+struct Append {
+    sd_bus_message* message;
+
+    int operator()(bool value) const {
+        const int number = value ? 1 : 0;
+        return sd_bus_message_append_basic(message, 'b', &number);
+    }
+    int operator()(std::uint32_t value) const {
+        return sd_bus_message_append_basic(message, 'u', &value);
+    }
+    int operator()(std::int16_t value) const {
+        return sd_bus_message_append_basic(message, 'n', &value);
+    }
+    int operator()(const std::string& value) const {
+        return sd_bus_message_append_basic(message, 's', value.c_str());
+    }
+    int operator()(const Dictionary& dictionary) const {
+        sd_bus_message_open_container(message, 'a', "{sv}");
+        for (const auto& [name, value] : dictionary) {
+            sd_bus_message_open_container(message, 'e', "sv");
+            (*this)(name);
+            constexpr std::array signatures{"b", "n", "s"};
+            sd_bus_message_open_container(message, 'v', signatures.at(value.index()));
+            std::visit(*this, value);
+            sd_bus_message_close_container(message);
+            sd_bus_message_close_container(message);
+        }
+        return sd_bus_message_close_container(message);
+    }
+};
+
+/// Null when the call cannot be formed: a name that is none, a text that is not UTF-8.
+MessagePointer formed(sd_bus* bus, const Call& call) {
+    sd_bus_message* message = nullptr;
+    int error =
+        sd_bus_message_new_method_call(bus, &message, call.destination.c_str(), call.path.c_str(),
+                                       call.interface.c_str(), call.member.c_str());
+    MessagePointer owned(message, sd_bus_message_unref);
+    if (error < 0) return MessagePointer{nullptr, sd_bus_message_unref};
+    sd_bus_message_set_auto_start(message, call.autoStart ? 1 : 0);
+    for (const Argument& argument : call.arguments) {
+        error = std::visit(Append{message}, argument);
+        if (error < 0) return MessagePointer{nullptr, sd_bus_message_unref};
+    }
+    return owned;
+}
+
+int deliver(sd_bus_message* message, void* data, sd_bus_error*) {
+    // A copy: the listener may end its own subscription while it runs.
+    const auto listener = *static_cast<std::shared_ptr<Listener>*>(data);
+    (*listener)(Message{message});
+    return 0;
+}
+
+void destroyListener(void* data) {
+    const std::unique_ptr<std::shared_ptr<Listener>> owned(
+        static_cast<std::shared_ptr<Listener>*>(data));
+}
+
+/// Makes `slot` own `listener` (heap-allocated for the C library) and the handle own `slot`.
+Subscription owning(sd_bus_slot* slot) {
+    sd_bus_slot_set_destroy_callback(slot, destroyListener);
+    return Subscription{[slot] { sd_bus_slot_unref(slot); }};
+}
+
+} // namespace
+
+Result<std::unique_ptr<Bus>> Bus::openSystem() {
+    sd_bus* bus = nullptr;
+    const int error = sd_bus_open_system(&bus);
+    if (error < 0) return failure("systeembus", error);
+    return std::make_unique<Bus>(bus);
+}
+
+Result<std::unique_ptr<Bus>> Bus::openSession() {
+    sd_bus* bus = nullptr;
+    const int error = sd_bus_open_user(&bus);
+    if (error < 0) return failure("sessiebus", error);
+    return std::make_unique<Bus>(bus);
+}
+
+Bus::~Bus() {
+    sd_bus_flush(bus_);
+    sd_bus_close(bus_);
+    sd_bus_unref(bus_);
+}
+
+Subscription Bus::call(const Call& call, Listener answer) {
+    const auto message = formed(bus_, call);
+    if (!message) return {};
+    auto listener =
+        std::make_unique<std::shared_ptr<Listener>>(std::make_shared<Listener>(std::move(answer)));
+    sd_bus_slot* slot = nullptr;
+    const auto microseconds = static_cast<std::uint64_t>(call.timeout.count());
+    if (sd_bus_call_async(bus_, &slot, message.get(), deliver, listener.get(), microseconds) < 0)
+        return {};
+    static_cast<void>(listener.release());
+    return owning(slot);
+}
+
+void Bus::send(const Call& call) {
+    const auto message = formed(bus_, call);
+    if (!message) return;
+    sd_bus_message_set_expect_reply(message.get(), 0);
+    sd_bus_send(bus_, message.get(), nullptr);
+}
+
+Subscription Bus::onSignal(const std::string& rule, Listener listener) {
+    auto owned = std::make_unique<std::shared_ptr<Listener>>(
+        std::make_shared<Listener>(std::move(listener)));
+    sd_bus_slot* slot = nullptr;
+    const std::string match = "type='signal'," + rule;
+    if (sd_bus_add_match_async(bus_, &slot, match.c_str(), deliver, nullptr, owned.get()) < 0)
+        return {};
+    static_cast<void>(owned.release());
+    return owning(slot);
+}
+
+Subscription Bus::followOwner(const std::string& name,
+                              std::function<void(const std::optional<std::string>&)> listener) {
+    struct Following {
+        std::function<void(const std::optional<std::string>&)> listener;
+        Subscription changes;
+        Subscription first;
+    };
+    const auto following = std::make_shared<Following>();
+    following->listener = std::move(listener);
+    const std::weak_ptr<Following> held = following;
+
+    // The match first, so that no change falls between the answer and the signals.
+    following->changes =
+        onSignal("sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
+                 "member='NameOwnerChanged',arg0='" +
+                     name + "'",
+                 [held](const Message& message) {
+                     Reader reader = message.read();
+                     static_cast<void>(reader.text());
+                     static_cast<void>(reader.text());
+                     const std::string owner(reader.text().value_or(""));
+                     const auto alive = held.lock();
+                     if (alive)
+                         alive->listener(owner.empty() ? std::nullopt : std::optional(owner));
+                 });
+    following->first =
+        call({.destination = "org.freedesktop.DBus",
+              .path = "/org/freedesktop/DBus",
+              .interface = "org.freedesktop.DBus",
+              .member = "GetNameOwner",
+              .arguments = {name}},
+             [held](const Message& message) {
+                 const auto owner = message.read().text();
+                 const auto alive = held.lock();
+                 if (!alive) return;
+                 const bool owned = !message.error() && owner;
+                 alive->listener(owned ? std::optional<std::string>(*owner) : std::nullopt);
+             });
+    return Subscription{[following] {
+        following->changes.reset();
+        following->first.reset();
+    }};
+}
+
+int Bus::fd() const { return sd_bus_get_fd(bus_); }
+
+short Bus::events() const {
+    const int events = sd_bus_get_events(bus_);
+    return static_cast<short>(events < 0 ? 0 : events);
+}
+
+std::optional<std::chrono::microseconds> Bus::deadline() const {
+    std::uint64_t microseconds = 0;
+    if (sd_bus_get_timeout(bus_, &microseconds) < 0 || microseconds == UINT64_MAX)
+        return std::nullopt;
+    return std::chrono::microseconds{static_cast<std::int64_t>(microseconds)};
+}
+
+bool Bus::process(int most) {
+    for (int handled = 0; handled < most; ++handled)
+        if (sd_bus_process(bus_, nullptr) <= 0) return false;
+    return true;
+}
+
+bool Bus::isOpen() const { return sd_bus_is_open(bus_) > 0; }
+
+} // namespace wegslot::dbus

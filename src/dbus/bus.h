@@ -1,0 +1,89 @@
+// The one seam between Wegslot and sd-bus: a connection to a bus, calls that are answered later,
+// and signals. Knows no event loop; whoever owns a loop watches `fd` for `events` until
+// `deadline` and calls `process`.
+#pragma once
+
+#include "base/handle.h"
+#include "base/result.h"
+#include "base/time.h"
+#include "dbus/message.h"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+struct sd_bus;
+
+namespace wegslot::dbus {
+
+/// One argument of a call.
+using Dictionary =
+    std::vector<std::pair<std::string, std::variant<bool, std::int16_t, std::string>>>;
+using Argument = std::variant<bool, std::uint32_t, std::string, Dictionary>;
+
+struct Call {
+    std::string destination;
+    std::string path;
+    std::string interface;
+    std::string member;
+    std::vector<Argument> arguments = {};
+    /// Never starts a service that is not running: activation is for the desktop to decide.
+    bool autoStart = false;
+    std::chrono::microseconds timeout = std::chrono::seconds{25};
+};
+
+class Bus {
+public:
+    using Listener = std::function<void(const Message&)>;
+
+    /// Connects to the system bus or the session's, as the environment names them.
+    static Result<std::unique_ptr<Bus>> openSystem();
+    static Result<std::unique_ptr<Bus>> openSession();
+
+    explicit Bus(sd_bus* bus) : bus_(bus) {}
+    Bus(const Bus&) = delete;
+    Bus& operator=(const Bus&) = delete;
+    ~Bus();
+
+    /// Sends `call`; `answer` gets the reply or the error, also when time runs out. The call is
+    /// forgotten, though not taken back, when the handle ends.
+    [[nodiscard]] Subscription call(const Call& call, Listener answer);
+
+    /// Sends `call` without wanting an answer.
+    void send(const Call& call);
+
+    /// Calls `listener` for each signal that matches `rule` (as D-Bus writes match rules).
+    [[nodiscard]] Subscription onSignal(const std::string& rule, Listener listener);
+
+    /// Tells who owns `name`: once soon, then at each change; nothing when nobody does.
+    [[nodiscard]] Subscription
+    followOwner(const std::string& name,
+                std::function<void(const std::optional<std::string>&)> listener);
+
+    // For the event loop.
+
+    [[nodiscard]] int fd() const;
+    /// The poll(2) events to wait for.
+    [[nodiscard]] short events() const;
+    /// When to call `process` at the latest, on CLOCK_MONOTONIC; nothing for never.
+    [[nodiscard]] std::optional<std::chrono::microseconds> deadline() const;
+
+    /// Handles what has come in, `most` messages at most. Answers whether there may be more.
+    /// False for ever once the connection is lost; see `isOpen`.
+    bool process(int most = 256);
+
+    [[nodiscard]] bool isOpen() const;
+
+private:
+    struct Pending;
+
+    sd_bus* bus_;
+};
+
+} // namespace wegslot::dbus

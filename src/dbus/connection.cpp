@@ -1,0 +1,41 @@
+#include "dbus/connection.h"
+
+#include "model/log.h"
+
+#include <utility>
+
+namespace wegslot::dbus {
+
+Connection::Connection(Open open, Attach attach, Scheduler& scheduler)
+    : open_(std::move(open)),
+      attach_(std::move(attach)),
+      scheduler_(scheduler) {
+    timer_ = scheduler_.after(Nanoseconds{0}, [this] { connect(); });
+}
+
+void Connection::connect() {
+    auto opened = open_();
+    if (!opened) {
+        // Once for each time that it is gone, however long that takes.
+        if (!std::exchange(complained_, true))
+            Log::write("Geen verbinding met de " + opened.failure().message);
+        bus_.set(nullptr);
+        timer_ = scheduler_.after(retryInterval, [this] { connect(); });
+        return;
+    }
+    complained_ = false;
+    owned_ = *std::move(opened);
+    // Not from within the bus's own processing, which is still running when it notices.
+    attached_ = attach_(
+        *owned_, [this] { timer_ = scheduler_.after(Nanoseconds{0}, [this] { disconnect(); }); });
+    bus_.set(owned_.get());
+}
+
+void Connection::disconnect() {
+    bus_.set(nullptr);
+    attached_.reset();
+    owned_.reset();
+    timer_ = scheduler_.after(retryInterval, [this] { connect(); });
+}
+
+} // namespace wegslot::dbus

@@ -1,0 +1,14 @@
+// A warning panel that nobody sees: where there is no screen to put it on.
+#pragma once
+
+#include "hud/warning_hud.h"
+
+namespace wegslot {
+
+class HiddenHud final : public WarningHUD {
+public:
+    void show(TimePoint, Seconds, const std::string&, std::function<void()>) override {}
+    void hide() override {}
+};
+
+} // namespace wegslot

@@ -1,0 +1,19 @@
+// Asks logind to lock the own session; the desktop, or whoever listens there, does it.
+#pragma once
+
+#include "platform/linux/login_session.h"
+#include "platform/lock_controller.h"
+
+namespace wegslot {
+
+class LogindLock final : public ScreenLock {
+public:
+    explicit LogindLock(LoginSession& session) : session_(session) {}
+    void request(std::function<void()> refused) override;
+
+private:
+    LoginSession& session_;
+    Subscription answer_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,61 @@
+#include "platform/linux/screen_lock_watcher.h"
+
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+constexpr auto sessionInterface = "org.freedesktop.login1.Session";
+
+} // namespace
+
+ScreenLockWatcher::ScreenLockWatcher(LoginSession& session, ScreenSavers& savers)
+    : session_(session),
+      facts_([this](bool locked) {
+          events_.set(locked ? SessionEvent::locked : SessionEvent::unlocked);
+      }) {
+    path_ =
+        session.path().onChange([this](const std::optional<std::string>& path) { follow(path); });
+    active_ =
+        savers.active().onChange([this](std::optional<bool> active) { facts_.setSaver(active); });
+    desktop_ = savers.desktopSetsHint().onChange([this](bool sets) { facts_.trustHint(sets); });
+}
+
+void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
+    changes_.reset();
+    reading_.reset();
+    // A session that cannot be found any more says nothing; what it said last may still hold.
+    if (!path || session_.bus() == nullptr) return;
+    changes_ = session_.bus()->onSignal(
+        "sender='org.freedesktop.login1',interface='org.freedesktop.DBus.Properties',"
+        "member='PropertiesChanged',path='" +
+            *path + "',arg0='" + sessionInterface + "'",
+        [this, path = *path](const dbus::Message& message) {
+            dbus::Reader reader = message.read();
+            static_cast<void>(reader.text());
+            std::optional<bool> hint;
+            reader.properties([&hint](std::string_view name, dbus::Reader& value) {
+                if (name == "LockedHint") hint = value.boolean();
+            });
+            if (hint) return facts_.setHint(hint);
+            for (const std::string& name : reader.texts()) // invalidated: the value is not sent
+                if (name == "LockedHint") readHint(path);
+        });
+    readHint(*path);
+}
+
+void ScreenLockWatcher::readHint(const std::string& path) {
+    reading_ = session_.bus()->call(
+        {.destination = "org.freedesktop.login1",
+         .path = path,
+         .interface = "org.freedesktop.DBus.Properties",
+         .member = "Get",
+         .arguments = {std::string(sessionInterface), std::string("LockedHint")}},
+        [this](const dbus::Message& answer) {
+            std::optional<bool> hint;
+            answer.read().variant([&hint](dbus::Reader& value) { hint = value.boolean(); });
+            facts_.setHint(hint);
+        });
+}
+
+} // namespace wegslot

@@ -1,0 +1,56 @@
+// Combines what several sources say about the screen into one fact that changes only when it
+// changes: logind's hint, the screen savers, a locker program. Pure; the sources are elsewhere.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace wegslot {
+
+class LockFacts {
+public:
+    /// `changed` gets each change of the combined fact, which starts as unlocked.
+    explicit LockFacts(std::function<void(bool locked)> changed) : changed_(std::move(changed)) {}
+
+    /// logind's LockedHint; nothing while it cannot be read.
+    void setHint(std::optional<bool> locked) {
+        hint_ = locked;
+        // A desktop that has set the hint once keeps it right, and its screen saver may be
+        // active without a lock.
+        if (locked == true) hintDecides_ = true;
+        combine();
+    }
+
+    /// The desktop is known to keep the hint right.
+    void trustHint(bool trusted) {
+        hintTrusted_ = trusted;
+        combine();
+    }
+
+    /// A screen saver is active; nothing while there is none.
+    void setSaver(std::optional<bool> active) {
+        saver_ = active;
+        combine();
+    }
+
+    [[nodiscard]] bool locked() const { return locked_; }
+
+private:
+    void combine() {
+        const bool hint = hint_.value_or(false);
+        const bool saver = saver_.value_or(false);
+        const bool hintAlone = hint_.has_value() && (hintDecides_ || hintTrusted_);
+        const bool now = hintAlone ? hint : hint || saver;
+        if (now != std::exchange(locked_, now)) changed_(now);
+    }
+
+    std::function<void(bool)> changed_;
+    std::optional<bool> hint_;
+    std::optional<bool> saver_;
+    bool hintDecides_ = false;
+    bool hintTrusted_ = false;
+    bool locked_ = false;
+};
+
+} // namespace wegslot

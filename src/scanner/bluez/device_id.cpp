@@ -1,0 +1,38 @@
+#include "scanner/bluez/device_id.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace wegslot {
+namespace {
+
+// Drawn at random once. Another value would make every stored key a stranger.
+constexpr Uuid wegslotNamespace{{0x5E, 0x8F, 0x1B, 0x63, 0x2A, 0xD4, 0x4C, 0x0E, 0x9B, 0x27, 0x71,
+                                 0xC5, 0xE0, 0x3D, 0x96, 0xFA}};
+
+} // namespace
+
+Uuid deviceId(std::string_view address, std::string_view type) {
+    std::string name = "bdaddr/" + std::string(type) + "/";
+    for (const char character : address)
+        name +=
+            character >= 'a' && character <= 'f' ? static_cast<char>(character - 32) : character;
+    return nameBased(wegslotNamespace, name);
+}
+
+Uuid nameBased(const Uuid& space, std::string_view name) {
+    std::string input(space.bytes.begin(), space.bytes.end());
+    input += name;
+    std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
+    EVP_Digest(input.data(), input.size(), hash.data(), nullptr, EVP_sha1(), nullptr);
+    Uuid id;
+    std::copy_n(hash.begin(), id.bytes.size(), id.bytes.begin());
+    id.bytes[6] = static_cast<std::uint8_t>((id.bytes[6] & 0x0FU) | 0x50U); // version 5
+    id.bytes[8] = static_cast<std::uint8_t>((id.bytes[8] & 0x3FU) | 0x80U); // the RFC's variant
+    return id;
+}
+
+} // namespace wegslot

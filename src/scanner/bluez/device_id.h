@@ -1,0 +1,18 @@
+// The identifier of a Bluetooth device on Linux: made from its identity address, so that it is
+// the same for every adapter, daemon and machine, and survives a new pairing.
+#pragma once
+
+#include "base/uuid.h"
+
+#include <string_view>
+
+namespace wegslot {
+
+/// The version 5 UUID (RFC 9562, section 5.5) of `address` ("AA:BB:CC:DD:EE:FF", any case) and
+/// `type` ("public" or "random") in Wegslot's own namespace.
+[[nodiscard]] Uuid deviceId(std::string_view address, std::string_view type);
+
+/// The version 5 UUID of `name` in `space`.
+[[nodiscard]] Uuid nameBased(const Uuid& space, std::string_view name);
+
+} // namespace wegslot

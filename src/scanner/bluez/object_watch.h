@@ -1,0 +1,68 @@
+// Follows bluetoothd on one bus: who it is, which objects it has, and what it reports of them.
+// Keeps the mirror up to date and tells one listener of what changed.
+#pragma once
+
+#include "base/handle.h"
+#include "dbus/bus.h"
+#include "scanner/bluez/object_tree.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace wegslot::bluez {
+
+/// What bluetoothd is known to be doing.
+enum class Daemon {
+    unknown, ///< not asked yet
+    absent,  ///< nobody owns its name
+    loading, ///< there, its objects not read yet
+    ready,   ///< there, and the mirror is complete
+    denied,  ///< there, but this user may not talk to it
+};
+
+class WatchListener {
+public:
+    WatchListener() = default;
+    WatchListener(const WatchListener&) = delete;
+    WatchListener& operator=(const WatchListener&) = delete;
+    virtual ~WatchListener() = default;
+
+    /// The daemon, or one of its adapters, is not what it was.
+    virtual void surroundingsChanged() = 0;
+
+    /// A message spoke of the device at `path`. `news.rssi` is there only when it was heard
+    /// right now; a value read at start-up is of unknown age and not passed on.
+    virtual void deviceReported(std::string_view path, const DeviceNews& news) = 0;
+};
+
+class ObjectWatch {
+public:
+    /// `bus` and `listener` must outlive the watch. Calls come from the bus's processing only.
+    ObjectWatch(dbus::Bus& bus, WatchListener& listener);
+
+    ObjectWatch(const ObjectWatch&) = delete;
+    ObjectWatch& operator=(const ObjectWatch&) = delete;
+
+    [[nodiscard]] Daemon daemon() const { return daemon_; }
+    [[nodiscard]] const ObjectTree& objects() const { return objects_; }
+
+private:
+    void ownerChanged(const std::optional<std::string>& owner);
+    void objectsRead(const dbus::Message& answer);
+    void interfacesAdded(const dbus::Message& message);
+    void interfacesRemoved(const dbus::Message& message);
+    void propertiesChanged(const dbus::Message& message);
+    void read(std::string_view path, std::string_view interface, dbus::Reader& properties);
+
+    dbus::Bus& bus_;
+    WatchListener& listener_;
+    Daemon daemon_ = Daemon::unknown;
+    ObjectTree objects_;
+    std::vector<Subscription> signals_;
+    Subscription owner_;
+    Subscription reading_;
+};
+
+} // namespace wegslot::bluez
