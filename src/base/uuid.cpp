@@ -28,7 +28,7 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
         const auto digit = hexDigit(text[i]);
         if (!digit) return std::nullopt;
         auto& byte = uuid.bytes[digits / 2];
-        byte = static_cast<std::uint8_t>(byte << 4U | *digit);
+        byte = static_cast<std::uint8_t>(unsigned{byte} << 4U | *digit);
         ++digits;
     }
     return uuid;

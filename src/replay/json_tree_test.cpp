@@ -32,7 +32,8 @@ TEST(JsonTree, IsWrittenAsItWasRead) {
 }
 
 TEST(JsonTree, WhatIsNotJsonIsNothing) {
-    for (const char* const text : {"", "{", "nul", "{\"a\":1,}", "1 2", "\"\xFF\"", "[1e999]", "'a'"})
+    for (const char* const text :
+         {"", "{", "nul", "{\"a\":1,}", "1 2", "\"\xFF\"", "[1e999]", "'a'"})
         EXPECT_FALSE(parseJson(text)) << text;
 }
 

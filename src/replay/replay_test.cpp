@@ -28,7 +28,8 @@ bool has(const std::string& text, const std::string& part) {
 }
 
 // A key heard for two seconds and then no more.
-const std::string departure = R"({"t":0,"settings":{"keys":[{"id":"00000000-0000-0000-0000-000000000001","name":"Tag","isApple":false,"threshold":-70}]}}
+const std::string departure =
+    R"({"t":0,"settings":{"keys":[{"id":"00000000-0000-0000-0000-000000000001","name":"Tag","isApple":false,"threshold":-70}]}}
 {"t":0,"bluetooth":{"state":"poweredOn"}}
 {"t":0.5,"advertisement":{"id":"00000000-0000-0000-0000-000000000001","rssi":-50}}
 {"t":40,"end":true}
@@ -54,10 +55,10 @@ TEST(Replay, AnOverrideWinsOverTheTrace) {
     const std::string later = R"({"t":0,"settings":{}}
 {"t":0,"settings":{"warningEnabled":true}}
 )";
-    EXPECT_FALSE(has(replayed(later + departure.substr(departure.find('\n') + 1),
-                              {{"warningEnabled", false}})
-                         .output,
-                     "warning\""));
+    EXPECT_FALSE(has(
+        replayed(later + departure.substr(departure.find('\n') + 1), {{"warningEnabled", false}})
+            .output,
+        "warning\""));
 }
 
 TEST(Replay, AnOverrideStandsWithoutSettingsInTheTrace) {

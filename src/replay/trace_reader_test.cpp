@@ -27,7 +27,8 @@ Event only(const std::string& line) {
 }
 
 std::string with(std::string pattern) {
-    while (pattern.find('$') != std::string::npos) pattern.replace(pattern.find('$'), 1, uuid);
+    while (pattern.find('$') != std::string::npos)
+        pattern.replace(pattern.find('$'), 1, uuid);
     return pattern;
 }
 
@@ -64,7 +65,8 @@ TEST(TraceReader, ALineHasExactlyOneEvent) {
     EXPECT_EQ(fault(R"({"t":0})"), "geen gebeurtenis");
     EXPECT_EQ(fault(R"({"t":0,"input":true,"camera":true})"),
               "twee gebeurtenissen: \"input\" en \"camera\"");
-    EXPECT_EQ(fault(R"({"t":0,"camera":true,"camera":false})"), "veld \"camera\" staat er twee keer");
+    EXPECT_EQ(fault(R"({"t":0,"camera":true,"camera":false})"),
+              "veld \"camera\" staat er twee keer");
     EXPECT_EQ(fault(R"({"t":0,"wandeling":true})"), "onbekende gebeurtenis \"wandeling\"");
 }
 
@@ -98,9 +100,9 @@ TEST(TraceReader, SettingsAfterTimeZeroAreAnEvent) {
 TEST(TraceReader, AStartIsAnInstantInUtc) {
     EXPECT_EQ(only<trace::Start>(R"({"t":0,"start":"2026-11-15T23:50:00Z"})").wallClock,
               std::chrono::sys_days{std::chrono::year{2026} / 11 / 15} + 23h + 50min);
-    for (const char* const text : {"2026-11-15", "2026-13-01T00:00:00Z", "2026-02-30T00:00:00Z",
-                                   "2026-11-15T24:00:00Z", "2026-11-15T23:50:00", "morgen",
-                                   "2500-01-01T00:00:00Z", "2026-11-15T23:50:00.5Z"})
+    for (const char* const text :
+         {"2026-11-15", "2026-13-01T00:00:00Z", "2026-02-30T00:00:00Z", "2026-11-15T24:00:00Z",
+          "2026-11-15T23:50:00", "morgen", "2500-01-01T00:00:00Z", "2026-11-15T23:50:00.5Z"})
         EXPECT_EQ(fault("{\"t\":0,\"start\":\"" + std::string(text) + "\"}"),
                   "start is geen tijdstip: \"" + std::string(text) + "\"");
     EXPECT_EQ(fault(R"({"t":1,"start":"2026-11-15T23:50:00Z"})"), "start is niet op t 0");
@@ -134,8 +136,9 @@ TEST(TraceReader, WrongMissingAndUnknownFieldsAreNamed) {
     EXPECT_EQ(advertisement(R"("id":$,"rssi":-60,"kleur":1)"),
               "onbekend veld \"kleur\" in advertisement");
     for (const char* const data : {"4c0", "4g", "-1", "+1", " 1"})
-        EXPECT_EQ(advertisement(R"("id":$,"rssi":-60,"manufacturerData":")" + std::string(data) + "\""),
-                  "manufacturerData is geen hexadecimale tekst");
+        EXPECT_EQ(
+            advertisement(R"("id":$,"rssi":-60,"manufacturerData":")" + std::string(data) + "\""),
+            "manufacturerData is geen hexadecimale tekst");
 }
 
 TEST(TraceReader, ASignalReadingHasExactlyOneOutcome) {
@@ -148,9 +151,10 @@ TEST(TraceReader, ASignalReadingHasExactlyOneOutcome) {
 }
 
 TEST(TraceReader, ShortUuidsAreComparedWithoutCase) {
-    EXPECT_EQ(only<trace::Services>(with(R"({"t":1,"services":{"id":$,"services":["180a","180A"]}})"))
-                  .services,
-              (std::vector{GattUuid{0x180A}, GattUuid{0x180A}}));
+    EXPECT_EQ(
+        only<trace::Services>(with(R"({"t":1,"services":{"id":$,"services":["180a","180A"]}})"))
+            .services,
+        (std::vector{GattUuid{0x180A}, GattUuid{0x180A}}));
     EXPECT_TRUE(only<trace::Services>(with(R"({"t":1,"services":{"id":$}})")).services.empty());
     EXPECT_EQ(fault(with(R"({"t":1,"services":{"id":$,"services":["180"]}})")),
               "services is geen korte UUID: \"180\"");

@@ -37,8 +37,8 @@ public:
     /// All records with their smoothed signal, strongest first; equal ones in order of id.
     [[nodiscard]] std::vector<SeenDevice> snapshot(TimePoint now) const;
 
-    /// `from` turned out to be `to`: its record and samples move there. What the record of `to`
-    /// has already stays.
+    /// `from` turned out to be `to`: its record and samples move there. The name, model and type
+    /// that `to` has already stay; it was last seen when either was.
     void move(const Uuid& from, const Uuid& to);
 
     /// Calls `visit` with each record, in no particular order.

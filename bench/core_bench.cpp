@@ -1,0 +1,125 @@
+// What the core costs: per advertisement, per tick, per line of a trace.
+
+#include "app/app_model.h"
+#include "base/virtual_time.h"
+#include "hud/hidden_hud.h"
+#include "replay/replay.h"
+#include "replay/replayed_central.h"
+#include "replay/replayed_platform.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <sstream>
+#include <string>
+
+namespace {
+
+using namespace wegslot;
+
+Uuid numbered(std::uint64_t number) {
+    // Spread like the hashes that real identifiers are.
+    Uuid id;
+    std::uint64_t mixed = (number + 1) * 0x9E3779B97F4A7C15U;
+    for (std::size_t i = 0; i < 16; ++i) {
+        id.bytes[i] = static_cast<std::uint8_t>(mixed >> (8 * (i % 8)));
+        if (i == 7) mixed *= 0xD1342543DE82EF95U;
+    }
+    return id;
+}
+
+constexpr std::array<std::uint8_t, 4> makerData{0x4C, 0x00, 0x10, 0x05};
+
+// The core with three keys, one of them in the room, and as many strangers as asked for.
+class Room {
+public:
+    explicit Room(std::uint64_t devices) : devices_(devices) {
+        model_.settings().pauseWhileActive.set(false);
+        for (const std::uint64_t key : {0U, 1U, 2U})
+            model_.settings().addKey({.id = numbered(key), .name = "Sleutel"});
+        static_cast<void>(model_.monitor());
+        central_.setState(CentralState::poweredOn);
+        for (int round = 0; round < 8; ++round) {
+            for (std::uint64_t device = 0; device < devices_; ++device)
+                hear(device, -60);
+            time_.advance(std::chrono::milliseconds{500});
+        }
+    }
+
+    void hear(std::uint64_t device, int rssi) {
+        central_.advertise({.id = numbered(device), .rssi = rssi, .manufacturerData = makerData});
+    }
+    VirtualTime& time() { return time_; }
+
+private:
+    std::uint64_t devices_;
+    VirtualTime time_{TimePoint{std::chrono::hours{500000}}};
+    MemoryStore store_;
+    ReplayedCentral central_;
+    ReplayedSession session_;
+    ReplayedActivity activity_{time_};
+    RecordedLock screenLock_{[] {}};
+    LockController lock_{{&screenLock_}};
+    AppModel model_{{store_, central_, {time_, time_, session_, activity_, lock_}, [] {
+                         return std::make_unique<HiddenHud>();
+                     }}};
+};
+
+// Decode, filter, sample. Time passes as at 400 advertisements a second, without ticks.
+void advertisement(benchmark::State& state) {
+    const auto devices = static_cast<std::uint64_t>(state.range(0));
+    Room room(devices);
+    std::uint64_t next = 0;
+    for (auto _ : state) {
+        room.hear(next % devices, -50 - static_cast<int>(next % 40));
+        ++next;
+        room.time().sleep(std::chrono::microseconds{2500});
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(advertisement)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000);
+
+// One tick over devices with eight samples each in the window.
+void tick(benchmark::State& state) {
+    const auto devices = static_cast<std::uint64_t>(state.range(0));
+    Room room(devices);
+    for (auto _ : state) {
+        state.PauseTiming();
+        // The samples stay as old as they were, so that each tick does the same work.
+        for (std::uint64_t device = 0; device < devices; ++device) {
+            room.hear(device, -60);
+            room.hear(device, -62);
+        }
+        state.ResumeTiming();
+        room.time().advance(std::chrono::seconds{1});
+    }
+}
+BENCHMARK(tick)->Arg(30)->Arg(300)->Arg(3000)->Unit(benchmark::kMicrosecond);
+
+std::string traceOf(std::size_t advertisements) {
+    std::string trace = "{\"t\":0,\"bluetooth\":{\"state\":\"poweredOn\"}}\n";
+    for (std::size_t i = 0; i < advertisements; ++i) {
+        const std::string milliseconds = std::to_string(1000 + i * 2 % 1000).substr(1);
+        trace += "{\"t\":" + std::to_string(i * 2 / 1000) + "." + milliseconds +
+                 ",\"advertisement\":{\"id\":\"" + numbered(i % 200).text() + "\",\"rssi\":-" +
+                 std::to_string(40 + i % 50) + ",\"manufacturerData\":\"4c001005\"}}\n";
+    }
+    return trace;
+}
+
+// Advertisements a second through wegslot-replay's own code, reading included.
+void replay(benchmark::State& state) {
+    const auto advertisements = static_cast<std::size_t>(state.range(0));
+    const std::string trace = traceOf(advertisements);
+    for (auto _ : state) {
+        std::istringstream input(trace);
+        Replay run([](std::string_view line) { benchmark::DoNotOptimize(line); }, {});
+        if (!run.run(input)) state.SkipWithError("the trace is not valid");
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(replay)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -1,0 +1,128 @@
+// A map of properties as BlueZ sends it, with any names and any types: the bytes say what is put
+// in. Reading it must leave the message readable to its end.
+
+#include "scanner/bluez/object_tree.h"
+#include "tests/fuzz/expect.h"
+
+#include <systemd/sd-bus.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include <sys/socket.h>
+
+using namespace wegslot;
+
+namespace {
+
+sd_bus* unconnectedBus() {
+    std::array<int, 2> ends{};
+    sd_bus* bus = nullptr;
+    expect(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()) == 0);
+    expect(sd_bus_new(&bus) >= 0);
+    expect(sd_bus_set_fd(bus, ends[0], ends[0]) >= 0);
+    expect(sd_bus_start(bus) >= 0);
+    return bus;
+}
+
+// Takes the input apart, byte by byte; zeros follow its end.
+class Input {
+public:
+    Input(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
+    [[nodiscard]] bool empty() const { return left_ == 0; }
+    std::uint8_t byte() {
+        if (left_ == 0) return 0;
+        --left_;
+        return *data_++;
+    }
+    std::int16_t number() { return static_cast<std::int16_t>(byte() << 8U | byte()); }
+    std::string text() {
+        std::string text;
+        for (unsigned length = byte() % 32; length > 0; --length)
+            text += static_cast<char>(1 + byte() % 127); // what D-Bus would not carry stays out
+        return text;
+    }
+
+private:
+    const std::uint8_t* data_;
+    std::size_t left_;
+};
+
+void appendValue(sd_bus_message* message, Input& input) {
+    switch (input.byte() % 8) {
+    case 0:
+        sd_bus_message_append(message, "v", "n", input.number());
+        return;
+    case 1:
+        sd_bus_message_append(message, "v", "b", input.byte() % 2);
+        return;
+    case 2:
+        sd_bus_message_append(message, "v", "s", input.text().c_str());
+        return;
+    case 3:
+        sd_bus_message_append(message, "v", "d", 1.0 * input.number());
+        return;
+    case 4:
+        sd_bus_message_append(message, "v", "as", 2, input.text().c_str(), "central");
+        return;
+    case 5:
+        sd_bus_message_append(message, "v", "(so)", input.text().c_str(), "/a/b");
+        return;
+    case 6:
+        sd_bus_message_append(message, "v", "v", "v", "n", input.number());
+        return;
+    default:
+        break;
+    }
+    sd_bus_message_open_container(message, 'v', "a{qv}");
+    sd_bus_message_open_container(message, 'a', "{qv}");
+    for (unsigned entries = input.byte() % 4; entries > 0; --entries) {
+        const bool maker = input.byte() % 2 == 0;
+        const auto company = static_cast<std::uint16_t>(maker ? 0x004C : input.number());
+        if (input.byte() % 3 == 0) {
+            sd_bus_message_append(message, "{qv}", company, "s", input.text().c_str());
+        } else {
+            sd_bus_message_append(message, "{qv}", company, "ay", 2, input.byte(), input.byte());
+        }
+    }
+    sd_bus_message_close_container(message);
+    sd_bus_message_close_container(message);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static sd_bus* const bus = unconnectedBus();
+    constexpr std::array names{"RSSI",        "ManufacturerData", "Name",       "Address",
+                               "AddressType", "Powered",          "PowerState", "Roles"};
+    Input input(data, size);
+    sd_bus_message* message = nullptr;
+    expect(sd_bus_message_new_signal(bus, &message, "/a", "a.b", "C") >= 0);
+    sd_bus_message_open_container(message, 'a', "{sv}");
+    while (!input.empty()) {
+        sd_bus_message_open_container(message, 'e', "sv");
+        const unsigned choice = input.byte() % (names.size() + 1);
+        const std::string other = choice == names.size() ? input.text() : "";
+        sd_bus_message_append(message, "s", choice == names.size() ? other.c_str() : names[choice]);
+        appendValue(message, input);
+        sd_bus_message_close_container(message);
+    }
+    sd_bus_message_close_container(message);
+    sd_bus_message_append(message, "s", "the end");
+    expect(sd_bus_message_seal(message, 1, 0) >= 0);
+
+    bluez::ObjectTree tree;
+    for (const bool asDevice : {true, false}) {
+        expect(sd_bus_message_rewind(message, 1) >= 0);
+        dbus::Reader reader(message);
+        if (asDevice) {
+            static_cast<void>(tree.readDevice("/org/bluez/hci0/dev_1", reader));
+        } else {
+            tree.readAdapter("/org/bluez/hci0", reader);
+        }
+        expect(reader.text() == "the end");
+    }
+    sd_bus_message_unref(message);
+    return 0;
+}

@@ -1,0 +1,105 @@
+#include "tests/support/bus_loop.h"
+
+#include <systemd/sd-bus.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include <poll.h>
+
+namespace wegslot {
+namespace {
+
+constexpr std::chrono::seconds patience{10};
+
+Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
+    sd_bus* bus = nullptr;
+    if (sd_bus_new(&bus) < 0) return Failure{"sd_bus_new"};
+    sd_bus_set_address(bus, address.c_str());
+    sd_bus_set_bus_client(bus, 1);
+    if (sd_bus_start(bus) < 0) {
+        sd_bus_unref(bus);
+        return Failure{"testbus: kan niet verbinden"};
+    }
+    return std::make_unique<dbus::Bus>(bus);
+}
+
+} // namespace
+
+bool BusLoop::runUntil(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        turn(10);
+    }
+    return true;
+}
+
+void BusLoop::settle() {
+    // The daemon handles one connection's messages in order, so that an answer to a question
+    // asked now comes after everything sent before. Twice: what that brought may be answered.
+    for (int round = 0; round < 2; ++round) {
+        std::vector<Subscription> questions;
+        std::size_t answers = 0;
+        for (const auto& entry : driven_) {
+            if (!entry->bus->isOpen()) continue;
+            questions.push_back(entry->bus->call({.destination = "org.freedesktop.DBus",
+                                                  .path = "/org/freedesktop/DBus",
+                                                  .interface = "org.freedesktop.DBus",
+                                                  .member = "GetId"},
+                                                 [&answers](const dbus::Message&) { ++answers; }));
+        }
+        if (!runUntil([&] { return answers == questions.size(); }))
+            throw std::runtime_error("the bus does not settle");
+    }
+    turn(0);
+}
+
+void BusLoop::pass(Nanoseconds duration) {
+    settle();
+    time.advance(duration);
+    settle();
+}
+
+std::unique_ptr<dbus::Bus> BusLoop::connect() {
+    auto opened = open(daemon.address());
+    if (!opened) throw std::runtime_error(opened.failure().message);
+    return *std::move(opened);
+}
+
+dbus::Connection::Open BusLoop::opener() {
+    return [this] { return open(daemon.address()); };
+}
+
+dbus::Connection::Attach BusLoop::attacher() {
+    return
+        [this](dbus::Bus& bus, std::function<void()> lost) { return attach(bus, std::move(lost)); };
+}
+
+Handle BusLoop::attach(dbus::Bus& bus, std::function<void()> lost) {
+    const auto entry = std::make_shared<Driven>(Driven{&bus, std::move(lost)});
+    driven_.push_back(entry);
+    return Handle{[this, entry] { std::erase(driven_, entry); }};
+}
+
+void BusLoop::turn(int milliseconds) {
+    std::vector<pollfd> descriptors;
+    bool waiting = false;
+    for (const auto& entry : driven_) {
+        if (!entry->bus->isOpen()) continue;
+        descriptors.push_back({entry->bus->fd(), entry->bus->events(), 0});
+        waiting = waiting || entry->bus->deadline() == std::chrono::microseconds{0};
+    }
+    poll(descriptors.data(), descriptors.size(), waiting ? 0 : milliseconds);
+    const auto all = driven_; // handling may attach and detach
+    for (const auto& entry : all) {
+        while (entry->bus->isOpen() && entry->bus->process()) {
+        }
+        if (entry->bus->isOpen() || std::exchange(entry->told, true)) continue;
+        if (entry->lost) entry->lost();
+    }
+    time.advance(Nanoseconds{0});
+}
+
+} // namespace wegslot

@@ -1,0 +1,71 @@
+// A bluetoothd that a test plays: adapters, devices, discovery, and reports of any quality.
+#pragma once
+
+#include "tests/support/look_alike.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace wegslot {
+
+class LookAlikeBluez {
+public:
+    using ManufacturerData = std::map<std::uint16_t, std::vector<std::uint8_t>>;
+    using Value = std::variant<bool, std::int16_t, std::string, std::vector<std::string>,
+                               ManufacturerData, double>;
+    using Properties = std::map<std::string, Value>;
+
+    static constexpr auto adapterPath = "/org/bluez/hci0";
+
+    explicit LookAlikeBluez(BusLoop& loop);
+
+    /// An adapter that is on. Announced when the daemon is there already.
+    void addAdapter(const std::string& path = adapterPath, bool powered = true);
+    void removeAdapter(const std::string& path = adapterPath);
+    void setPowered(bool powered, const std::string& path = adapterPath);
+
+    /// A device with `address`, announced with `rssi` if there is one.
+    void addDevice(const std::string& address, std::optional<std::int16_t> rssi = {},
+                   Properties further = {}, const std::string& adapter = adapterPath);
+    void removeDevice(const std::string& address, const std::string& adapter = adapterPath);
+
+    /// A report of a device that was added.
+    void report(const std::string& address, std::int16_t rssi, Properties further = {},
+                const std::string& adapter = adapterPath);
+    void changeDevice(const std::string& address, Properties changed,
+                      const std::string& adapter = adapterPath);
+
+    [[nodiscard]] static std::string pathOf(const std::string& address,
+                                            const std::string& adapter = adapterPath);
+
+    /// As a kill: everything is forgotten, the name goes.
+    void vanish();
+    void appear() { service.appear(); }
+
+    /// The filter that was set last.
+    [[nodiscard]] const Properties& filter() const { return filter_; }
+
+    /// Errors to answer with; empty for success.
+    std::string objectsError;
+    std::string filterError;
+    std::string discoveryError;
+    /// What GetDiscoveryFilters lists.
+    std::vector<std::string> understood{"UUIDs", "RSSI", "Transport", "DuplicateData", "Pattern"};
+
+    LookAlike service;
+
+private:
+    void answerObjects(sd_bus_message* call);
+    void rememberFilter(sd_bus_message* call);
+    void changed(const std::string& path, const char* interface, const Properties& properties);
+
+    std::map<std::string, Properties> adapters_;
+    std::map<std::string, Properties> devices_;
+    Properties filter_;
+};
+
+} // namespace wegslot

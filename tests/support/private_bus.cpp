@@ -1,0 +1,72 @@
+#include "tests/support/private_bus.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace wegslot {
+namespace {
+
+// Anybody may own any name and talk to anybody: the tests play every service themselves.
+constexpr auto configuration =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>ADDRESS</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+    <allow user="*"/>
+  </policy>
+</busconfig>
+)";
+
+} // namespace
+
+PrivateBus::PrivateBus() : address_("unix:path=" + (folder_.path() / "bus").string()) {
+    std::string text = configuration;
+    text.replace(text.find("ADDRESS"), std::strlen("ADDRESS"), address_);
+    folder_.write("bus.conf", text);
+    start();
+}
+
+PrivateBus::~PrivateBus() { stop(); }
+
+void PrivateBus::start() {
+    std::array<int, 2> ready{};
+    if (pipe(ready.data()) != 0) throw std::runtime_error("pipe");
+    const std::string config = "--config-file=" + (folder_.path() / "bus.conf").string();
+    const std::string print = "--print-address=" + std::to_string(ready[1]);
+    daemon_ = fork();
+    if (daemon_ == 0) {
+        close(ready[0]);
+        execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nosyslog", config.c_str(),
+               print.c_str(), nullptr);
+        _exit(127);
+    }
+    close(ready[1]);
+    // It prints its address when it listens, and nothing when it could not be started.
+    char first = 0;
+    const auto count = read(ready[0], &first, 1);
+    close(ready[0]);
+    if (count != 1) throw std::runtime_error("dbus-daemon did not start");
+}
+
+void PrivateBus::stop() {
+    if (daemon_ <= 0) return;
+    kill(daemon_, SIGKILL);
+    waitpid(daemon_, nullptr, 0);
+    daemon_ = 0;
+    std::filesystem::remove(folder_.path() / "bus"); // a new daemon would refuse the old socket
+}
+
+} // namespace wegslot

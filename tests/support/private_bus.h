@@ -1,0 +1,32 @@
+// A dbus-daemon of the test's own, on a socket in a temporary folder. It can be stopped and
+// started again under the same address.
+#pragma once
+
+#include "tests/support/temporary_folder.h"
+
+#include <string>
+
+#include <sys/types.h>
+
+namespace wegslot {
+
+class PrivateBus {
+public:
+    PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+    ~PrivateBus();
+
+    /// Starts the daemon; returns when it listens.
+    void start();
+    void stop();
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+
+private:
+    TemporaryFolder folder_;
+    std::string address_;
+    pid_t daemon_ = 0;
+};
+
+} // namespace wegslot
