@@ -1,0 +1,29 @@
+#include "advertiser.h"
+
+#include <utility>
+
+namespace controller {
+
+Advertiser::Advertiser(Advertisement advertisement, Duration interval, TimePoint first)
+    : advertisement_(std::move(advertisement)),
+      interval_(interval),
+      due_(first) {}
+
+void Advertiser::makeLoud(TimePoint now) {
+    if (loud_) return;
+    loud_ = true;
+    due_ = now;
+}
+
+void Advertiser::advertiseIfDue(TimePoint now, Controller& controller) {
+    if (!loud_ || due_ > now) return;
+    const auto missed = (now - due_) / interval_;
+    due_ += missed * interval_;
+    const bool isFresh = missed == 0;
+    due_ += interval_;
+    if (!isFresh) return;
+    controller.advertise(advertisement_.type, advertisement_.address, advertisement_.data,
+                         advertisement_.rssi);
+}
+
+} // namespace controller

@@ -1,0 +1,109 @@
+"""The whole stack in the guest: kernel module, system bus, controller, bluetoothd, a login."""
+
+import os
+import pathlib
+import signal
+import socket
+import subprocess
+
+from . import bluez
+from .daemon import Daemon
+from .login import Login
+from .radio import Radio
+from .waiting import wait_for
+
+BUS_SOCKET = pathlib.Path("/run/dbus/system_bus_socket")
+VIRTUAL_PORT = pathlib.Path("/dev/vhci")
+POLICY = pathlib.Path("/etc/dbus-1/system.d/logind-stand-in.conf")
+# The rest of the policy is the host's own.
+POLICY_TEXT = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <policy user="root">
+    <allow own="org.freedesktop.login1"/>
+    <allow send_destination="org.freedesktop.login1"/>
+  </policy>
+</busconfig>
+"""
+START_SECONDS = 60
+
+
+class System:
+    """Use it in a `with` statement; on leaving, everything is ended."""
+
+    def __init__(self, programs: pathlib.Path, with_login: bool = True):
+        self.programs = programs
+        self.logs = pathlib.Path(os.environ.get("RESULTS", "/run/logs"))
+        self.with_login = with_login
+
+    def __enter__(self) -> "System":
+        self._load_module()
+        self._start_bus()
+        if self.with_login:
+            self.login = Login(self.logs)
+        self.radio = Radio(
+            self.programs / "virtual-controller", pathlib.Path("/run/radio"), self.logs
+        )
+        self.bus = bluez.connect()
+        self.adapter = bluez.Adapter(self.bus)
+        self.start_bluetoothd()
+        if self.with_login:
+            self.login.wait_until_up(self.bus)
+        return self
+
+    def __exit__(self, *_) -> None:
+        self.bluetoothd.end()
+        self.radio.end()
+        if self.with_login:
+            self.login.end()
+        self.bus.close()
+        self.bus_daemon.end()
+
+    def start_bluetoothd(self) -> None:
+        """Returns when the adapter is powered."""
+        self.bluetoothd = Daemon("bluetoothd", ["bluetoothd", "-n"], self.logs)
+        wait_for(
+            lambda: self.adapter.is_powered() or self.bluetoothd.check_running(),
+            START_SECONDS,
+            "bluetoothd has powered the adapter",
+        )
+
+    def stop_bluetoothd(self, how: signal.Signals = signal.SIGTERM) -> None:
+        """Returns when its name has left the bus; SIGKILL leaves the kernel as it was."""
+        self.bluetoothd.end(how)
+        wait_for(
+            lambda: not self.bus.name_has_owner(bluez.NAME), 20, "org.bluez has left the bus"
+        )
+
+    def listen(self) -> bluez.Listener:
+        return bluez.Listener(self.bus)
+
+    def start_program(self, name: str, command: list[str]) -> Daemon:
+        """A program of the test, its output with the other logs."""
+        return Daemon(name, command, self.logs)
+
+    def _load_module(self) -> None:
+        subprocess.run(["modprobe", "hci_vhci"], check=True)
+        wait_for(VIRTUAL_PORT.exists, START_SECONDS, f"{VIRTUAL_PORT} is there")
+
+    def _start_bus(self) -> None:
+        BUS_SOCKET.parent.mkdir(parents=True, exist_ok=True)
+        POLICY.write_text(POLICY_TEXT, encoding="utf-8")
+        subprocess.run(["dbus-uuidgen", "--ensure"], check=True)
+        self.bus_daemon = Daemon(
+            "dbus-daemon", ["dbus-daemon", "--system", "--nofork", "--nopidfile"], self.logs
+        )
+        wait_for(
+            lambda: _accepts_calls(BUS_SOCKET) or self.bus_daemon.check_running(),
+            START_SECONDS,
+            "the system bus listens",
+        )
+
+
+def _accepts_calls(path: pathlib.Path) -> bool:
+    with socket.socket(socket.AF_UNIX) as caller:
+        try:
+            caller.connect(str(path))
+        except OSError:
+            return False
+        return True
