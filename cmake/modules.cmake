@@ -42,6 +42,8 @@ function(wegslot_program name)
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
+add_custom_target(pure_tests)
+
 # wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...])
 # Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to.
 function(wegslot_test name)
@@ -56,6 +58,10 @@ function(wegslot_test name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   if(arg_WRAPPER)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
+  endif()
+  # Those that need nothing but a processor: the sanitizers build just these.
+  if(arg_LABEL MATCHES "^(unit|properties)$")
+    add_dependencies(pure_tests ${name})
   endif()
   gtest_discover_tests(${name}
     TEST_PREFIX "${arg_LABEL}/"
