@@ -102,7 +102,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     sd_bus_message_open_container(message, 'a', "{sv}");
     while (!input.empty()) {
         sd_bus_message_open_container(message, 'e', "sv");
-        const unsigned choice = input.byte() % (names.size() + 1);
+        const std::size_t choice = input.byte() % (names.size() + 1);
         const std::string other = choice == names.size() ? input.text() : "";
         sd_bus_message_append(message, "s", choice == names.size() ? other.c_str() : names[choice]);
         appendValue(message, input);
