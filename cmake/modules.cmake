@@ -25,7 +25,8 @@ function(wegslot_module name)
   endif()
 
   if(BUILD_TESTING AND arg_TESTS)
-    wegslot_test(${name}_test LABEL unit FILES ${arg_TESTS} USES ${name} support)
+    wegslot_test(${name}_test
+      LABEL unit FILES ${arg_TESTS} USES ${name} support LIBRARIES ${arg_LIBRARIES})
   endif()
 endfunction()
 

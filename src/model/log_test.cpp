@@ -93,6 +93,7 @@ TEST_F(FileLogTest, LinesOfSeveralThreadsAreWholeAndInCallOrder) {
     {
         FileLog log(file, time);
         std::vector<std::thread> writers;
+        writers.reserve(threads);
         for (int thread = 0; thread < threads; ++thread)
             writers.emplace_back([&log, thread] {
                 for (int line = 0; line < lines; ++line)

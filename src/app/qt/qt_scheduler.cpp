@@ -15,23 +15,25 @@ int milliseconds(Nanoseconds duration) {
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
 }
 
+// Not at once: a timer may be ended from within its own signal.
+void endLater(QTimer* timer) {
+    timer->stop();
+    timer->disconnect();
+    timer->deleteLater();
+}
+
 Timer started(Nanoseconds duration, bool once, std::function<void()> action) {
-    const auto timer = std::make_shared<QTimer>();
+    std::shared_ptr<QTimer> timer(std::make_unique<QTimer>().release(), endLater);
     timer->setTimerType(Qt::PreciseTimer);
     timer->setSingleShot(once);
-    // A copy of the action runs: it may end its own timer.
     QObject::connect(timer.get(), &QTimer::timeout,
                      [action = std::make_shared<const std::function<void()>>(std::move(action))] {
-                         const auto running = action;
-                         (*running)();
+                         // What it holds must outlive the call, even if it ends its own timer.
+                         const auto held = action; // NOLINT(performance-unnecessary-copy-*)
+                         (*held)();
                      });
     timer->start(milliseconds(duration));
-    // Deleted from the loop, in case it is ended from within its own signal.
-    return Timer{[timer]() mutable {
-        timer->stop();
-        timer->disconnect();
-        QTimer::singleShot(0, [last = std::move(timer)] {});
-    }};
+    return Timer{[timer = std::move(timer)]() mutable { timer.reset(); }};
 }
 
 } // namespace
