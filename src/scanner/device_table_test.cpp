@@ -9,6 +9,7 @@ namespace {
 
 std::vector<Uuid> idsOf(const std::vector<SeenDevice>& snapshot) {
     std::vector<Uuid> ids;
+    ids.reserve(snapshot.size());
     for (const SeenDevice& device : snapshot)
         ids.push_back(device.id);
     return ids;

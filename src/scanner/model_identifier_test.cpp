@@ -33,7 +33,7 @@ struct ModelIdentifierTest : testing::Test {
     }
 
     void answer(unsigned number, std::optional<std::string_view> value,
-                std::optional<std::string> name = {}) {
+                const std::optional<std::string>& name = {}) {
         world.central.value(numbered(number), ModelIdentifier::modelCharacteristic, value, name);
     }
 
