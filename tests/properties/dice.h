@@ -12,12 +12,14 @@ class Dice {
 public:
     explicit Dice(std::uint64_t seed) : state_(seed) {}
 
-    /// 0 up to `count`, `count` itself excluded.
-    [[nodiscard]] std::uint64_t below(std::uint64_t count) { return next() % count; }
+    /// 0 up to `count`, `count` itself excluded; 0 when there is no choice.
+    [[nodiscard]] std::uint64_t below(std::uint64_t count) {
+        return count == 0 ? 0 : next() % count;
+    }
 
     /// Both ends included.
     [[nodiscard]] int between(int low, int high) {
-        return low + static_cast<int>(below(static_cast<std::uint64_t>(high - low + 1)));
+        return low + static_cast<int>(below(static_cast<std::uint64_t>(high - low) + 1));
     }
 
     [[nodiscard]] bool chance(int percent) { return between(1, 100) <= percent; }

@@ -14,9 +14,9 @@ using namespace std::chrono_literals;
 namespace {
 
 // Settings, scanner and monitor one by one, to end one of them alone.
-class Parts : public testing::Test {
+class Pieces : public testing::Test {
 protected:
-    Parts() {
+    Pieces() {
         settings.keys.set({keyNamed("iPhone", 1), keyNamed("Horloge", 2)});
         settings.rule.set(LockRule::anyAway);
         scanner.emplace(stage.central, stage.time, stage.time);
@@ -79,7 +79,7 @@ TEST(Endings, AnApplicationThatEndsAtAnyMomentLeavesNothingBehind) {
     }
 }
 
-TEST_F(Parts, AMonitorThatEndsAtAnyMomentIsNotCalledAgain) {
+TEST_F(Pieces, AMonitorThatEndsAtAnyMomentIsNotCalledAgain) {
     for (std::uint64_t seed = 1; seed <= 100; ++seed) {
         Dice dice(seed);
         settings.keys.set({keyNamed("iPhone", 1), keyNamed("Horloge", 2)});
@@ -99,14 +99,14 @@ TEST_F(Parts, AMonitorThatEndsAtAnyMomentIsNotCalledAgain) {
     }
 }
 
-TEST_F(Parts, TheTickIsNotArmedAnyMore) {
+TEST_F(Pieces, TheTickIsNotArmedAnyMore) {
     makeMonitor();
     EXPECT_EQ(stage.time.pending(), armedByScanner + 1);
     endMonitor();
     EXPECT_EQ(stage.time.pending(), armedByScanner);
 }
 
-TEST_F(Parts, APanelThatShowsGoesWithItsMonitorAndItsButtonDoesNothingThen) {
+TEST_F(Pieces, APanelThatShowsGoesWithItsMonitorAndItsButtonDoesNothingThen) {
     makeMonitor();
     hear(-50, 3);
     hear(-95, 11);
@@ -117,7 +117,7 @@ TEST_F(Parts, APanelThatShowsGoesWithItsMonitorAndItsButtonDoesNothingThen) {
     EXPECT_TRUE(stage.effects.empty());
 }
 
-TEST_F(Parts, AScannerThatEndsWithAConnectionToRenewLeavesNothingArmed) {
+TEST_F(Pieces, AScannerThatEndsWithAConnectionToRenewLeavesNothingArmed) {
     makeMonitor();
     hear(-50, 2);
     settings.keys.set({keyNamed("iPhone", 1)}); // known by now, so it is connected

@@ -246,7 +246,7 @@ Invariants::Circumstances Life::circumstances() const {
 }
 
 std::string Life::radioText() const {
-    const std::string noAccess = "Geef Wegslot Bluetooth-toegang in Systeeminstellingen";
+    constexpr auto noAccess = "Geef Wegslot Bluetooth-toegang in Systeeminstellingen";
     if (authorization_ == CentralAuthorization::restricted) return noAccess;
     if (authorization_ == CentralAuthorization::denied) return noAccess;
     if (radioState_ == CentralState::unsupported) return "Bluetooth LE wordt niet ondersteund";
