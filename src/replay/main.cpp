@@ -3,6 +3,7 @@
 #include "replay/replay.h"
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -68,18 +69,15 @@ Result<Arguments> parse(const std::vector<std::string_view>& words) {
 }
 
 int replay(const Arguments& arguments) {
-    std::ifstream file;
-    if (arguments.file != "-") {
-        file.open(arguments.file);
-        if (!file || file.peek() == std::ifstream::traits_type::eof()) {
-            // A folder opens but cannot be read; an empty file is a trace in which nothing happens.
-            if (!file.eof()) return complain("kan " + arguments.file + " niet lezen", exitFailure);
-            file.clear();
-        }
-    }
+    const bool fromInput = arguments.file == "-";
+    std::ifstream file(arguments.file);
+    // A folder can be opened, and then holds nothing.
+    if (!fromInput && (!file || std::filesystem::is_directory(arguments.file)))
+        return complain("kan " + arguments.file + " niet lezen", exitFailure);
+
     Replay replay([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stdout); },
                   arguments.overrides);
-    const auto result = replay.run(arguments.file == "-" ? std::cin : file);
+    const auto result = replay.run(fromInput ? std::cin : file);
     if (!result) return complain(result.failure().message, exitInvalid);
     if (std::fflush(stdout) != 0) return complain("kan de uitvoer niet schrijven", exitFailure);
     return 0;
