@@ -91,6 +91,7 @@ Outcome tick(State before, const Inputs& inputs) {
     for (std::size_t i = 0; i < choices.keys.size(); ++i) {
         const KeyDevice& key = choices.keys[i];
         const Heard& heard = inputs.heard[i];
+        // One branch a rule, though two give the same: NOLINTNEXTLINE(bugprone-branch-clone)
         if (!heard.last) {
             state.keyStates[key.id] = KeyState::away;
         } else if (now - *heard.last > nanoseconds(choices.lostTimeout)) {

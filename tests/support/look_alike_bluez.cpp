@@ -155,10 +155,10 @@ void LookAlikeBluez::removeDevice(const std::string& address, const std::string&
 void LookAlikeBluez::report(const std::string& address, std::int16_t rssi, Properties further,
                             const std::string& adapter) {
     further["RSSI"] = rssi;
-    changeDevice(address, std::move(further), adapter);
+    changeDevice(address, further, adapter);
 }
 
-void LookAlikeBluez::changeDevice(const std::string& address, Properties properties,
+void LookAlikeBluez::changeDevice(const std::string& address, const Properties& properties,
                                   const std::string& adapter) {
     changed(pathOf(address, adapter), deviceInterface, properties);
 }

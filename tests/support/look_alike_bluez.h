@@ -36,7 +36,7 @@ public:
     /// A report of a device that was added.
     void report(const std::string& address, std::int16_t rssi, Properties further = {},
                 const std::string& adapter = adapterPath);
-    void changeDevice(const std::string& address, Properties changed,
+    void changeDevice(const std::string& address, const Properties& changed,
                       const std::string& adapter = adapterPath);
 
     [[nodiscard]] static std::string pathOf(const std::string& address,
