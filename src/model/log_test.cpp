@@ -76,15 +76,16 @@ TEST_F(FileLogTest, AMissingFolderLosesTheLineSilently) {
 }
 
 TEST_F(FileLogTest, AFileThatWasMovedAwayIsMadeAnew) {
-    FileLog log(file, time);
-    log.write("een");
-    while (!std::filesystem::exists(file))
-        std::this_thread::yield();
-    std::filesystem::rename(file, folder.path() / "oud");
-    log.write("twee");
-    while (!std::filesystem::exists(file))
-        std::this_thread::yield();
-    SUCCEED();
+    {
+        FileLog log(file, time);
+        log.write("een");
+        while (folder.lines("Wegslot.log").empty())
+            std::this_thread::yield();
+        std::filesystem::rename(file, folder.path() / "oud");
+        log.write("twee");
+    }
+    EXPECT_EQ(folder.read("oud"), "2025-03-01 09:05:07 een\n");
+    EXPECT_EQ(folder.read("Wegslot.log"), "2025-03-01 09:05:07 twee\n");
 }
 
 TEST_F(FileLogTest, LinesOfSeveralThreadsAreWholeAndInCallOrder) {
