@@ -73,6 +73,11 @@ void ReplayedCentral::identify(const Uuid& from, const Uuid& to) {
 
 void ReplayedCentral::scan() { called("scan"); }
 
+bool ReplayedCentral::changesAddress(const Uuid& id) const {
+    const auto found = peripherals_.find(id);
+    return found != peripherals_.end() && found->second.changing;
+}
+
 std::vector<Uuid> ReplayedCentral::retrieve(const std::set<Uuid>& ids) {
     std::vector<Uuid> known;
     for (const Uuid& id : ids) {

@@ -22,6 +22,12 @@ public:
     /// The stack knows a peripheral without having heard it.
     void know(const Uuid& id, const std::optional<std::string>& name = {});
 
+    /// Whether the peripheral's address changes.
+    void setChanging(const Uuid& id, bool changing) { peripherals_[id].changing = changing; }
+
+    /// What the core wanted last.
+    [[nodiscard]] const Wanted& wanted() const { return wanted_; }
+
     /// Heard: known from now on, and reported. The advertisement's `peripheralName` renames
     /// the peripheral; without one it is reported with the name it has.
     void advertise(Advertisement advertisement);
@@ -46,6 +52,10 @@ public:
     [[nodiscard]] CentralAuthorization authorization() const override { return authorization_; }
 
     void scan() override;
+
+    void want(const Wanted& wanted) override { wanted_ = wanted; }
+
+    [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;
     [[nodiscard]] PeripheralState peripheralState(const Uuid& id) const override;
     [[nodiscard]] std::optional<std::string> peripheralName(const Uuid& id) const override;
@@ -60,6 +70,7 @@ public:
 private:
     struct Peripheral {
         bool known = false;
+        bool changing = false;
         PeripheralState state = PeripheralState::disconnected;
         std::optional<std::string> name;
     };
@@ -70,6 +81,7 @@ private:
     CallListener listener_;
     CentralState state_ = CentralState::unknown;
     CentralAuthorization authorization_ = CentralAuthorization::allowedAlways;
+    Wanted wanted_;
     std::unordered_map<Uuid, Peripheral> peripherals_;
 };
 

@@ -34,6 +34,16 @@ enum class PeripheralState { disconnected, connecting, connected, disconnecting 
 /// An assigned number of 16 or 32 bits for a GATT service or characteristic.
 enum class GattUuid : std::uint32_t {};
 
+/// What the scanner needs of the radio at the moment, for an adapter that must ration it. Callbacks
+/// come for any device all the same.
+struct Wanted {
+    bool list = false;      ///< everything nearby, now: a person looks at the list of devices
+    std::set<Uuid> connect; ///< devices to hold a connection to; to be heard until it stands
+    std::set<Uuid> hear;    ///< devices to be heard, never connected
+
+    friend bool operator==(const Wanted&, const Wanted&) = default;
+};
+
 /// What the stack reports. Callbacks may come for any peripheral, also one that nobody asked
 /// about or that is no longer known.
 class CentralDelegate {
@@ -80,7 +90,14 @@ public:
     /// powered on.
     virtual void scan() = 0;
 
-    /// Which of `ids` the stack knows, heard or not, in ascending order.
+    /// What is wanted from now on. Holds through every change of the state.
+    virtual void want(const Wanted& wanted) = 0;
+
+    /// Whether the device hides behind an address that changes and that the stack cannot resolve:
+    /// it will soon be a stranger. False for a device that the stack does not know.
+    [[nodiscard]] virtual bool changesAddress(const Uuid& id) const = 0;
+
+    /// Which of `ids` the stack can be asked to connect, heard or not, in ascending order.
     [[nodiscard]] virtual std::vector<Uuid> retrieve(const std::set<Uuid>& ids) = 0;
 
     /// `disconnected` for a peripheral that the stack does not know.

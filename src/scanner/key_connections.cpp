@@ -20,9 +20,14 @@ bool KeyConnections::isActive(const Uuid& id) const {
 
 std::set<Uuid> KeyConnections::active() const {
     std::set<Uuid> active;
-    std::set_difference(watched_.begin(), watched_.end(), passive_.begin(), passive_.end(),
-                        std::inserter(active, active.end()));
+    std::ranges::set_difference(watched_, passive_, std::inserter(active, active.end()));
     return active;
+}
+
+std::set<Uuid> KeyConnections::onlyHeard() const {
+    std::set<Uuid> heard;
+    std::ranges::set_intersection(watched_, passive_, std::inserter(heard, heard.end()));
+    return heard;
 }
 
 bool KeyConnections::isDisconnected(const Uuid& id) const {

@@ -43,6 +43,10 @@ public:
     /// one that is being identified. Does nothing unless the radio is on.
     void update(const std::optional<Uuid>& identifying);
 
+    /// The watched keys, by what is to be done with them.
+    [[nodiscard]] std::set<Uuid> active() const;
+    [[nodiscard]] std::set<Uuid> onlyHeard() const;
+
     /// Asks each connected active key for its signal.
     void pollRSSI();
 
@@ -60,7 +64,6 @@ public:
     void letGo(const Uuid& id);
 
 private:
-    [[nodiscard]] std::set<Uuid> active() const;
     [[nodiscard]] bool isDisconnected(const Uuid& id) const;
 
     BluetoothCentral& central_;

@@ -65,11 +65,27 @@ std::optional<Dbm> Scanner::smoothedRSSI(const Uuid& id, Seconds window) const {
 }
 
 void Scanner::setWatchedIDs(std::set<Uuid> ids) {
-    if (connections_.setWatched(std::move(ids))) connections_.update(identifier_.identifying());
+    if (connections_.setWatched(std::move(ids))) keysChanged();
 }
 
 void Scanner::setPassiveIDs(std::set<Uuid> ids) {
-    if (connections_.setPassive(std::move(ids))) connections_.update(identifier_.identifying());
+    if (connections_.setPassive(std::move(ids))) keysChanged();
+}
+
+void Scanner::setDiscoveryActive(bool active) {
+    identifier_.setDiscoveryActive(active);
+    want();
+}
+
+void Scanner::keysChanged() {
+    want();
+    connections_.update(identifier_.identifying());
+}
+
+void Scanner::want() {
+    central_.want({.list = discoveryActive(),
+                   .connect = connections_.active(),
+                   .hear = connections_.onlyHeard()});
 }
 
 std::string Scanner::label(const Uuid& id) const {

@@ -62,10 +62,13 @@ public:
 
     void setIncludeOtherDevices(bool include) { includeOtherDevices_ = include; }
 
-    /// Whether models of nearby devices are to be identified.
+    /// Whether somebody looks at the list of nearby devices: their models are identified then.
     [[nodiscard]] bool discoveryActive() const { return identifier_.discoveryActive(); }
 
-    void setDiscoveryActive(bool active) { identifier_.setDiscoveryActive(active); }
+    void setDiscoveryActive(bool active);
+
+    /// Whether the device will soon have another address, so that it is of no use as a key.
+    [[nodiscard]] bool changesAddress(const Uuid& id) const { return central_.changesAddress(id); }
 
     /// "Telefoon (0F2C41A7)": a device in a log line.
     [[nodiscard]] std::string label(const Uuid& id) const;
@@ -84,6 +87,8 @@ private:
                         const std::optional<std::string_view>& value) override;
     void didIdentify(const Uuid& from, const Uuid& to) override;
 
+    void keysChanged();
+    void want();
     [[nodiscard]] bool isWanted(const Advertisement& advertisement) const;
     void logFirstSight(const SeenDevice& device, int rssi);
 

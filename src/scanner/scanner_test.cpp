@@ -214,3 +214,26 @@ TEST_F(ScannerTest, ADeviceThatGetsAnIdentityIsListedAndLoggedOnce) {
     EXPECT_EQ(device.name, "Telefoon");
     EXPECT_EQ(world.log.messages.size(), 1U);
 }
+
+TEST_F(ScannerTest, WhatIsWantedOfTheRadioFollowsTheKeysAndTheList) {
+    EXPECT_EQ(world.central.wanted(), Wanted{});
+    scanner.setPassiveIDs({numbered(2), numbered(3)});
+    scanner.setWatchedIDs({numbered(1), numbered(2)});
+    const Wanted keys{.list = false, .connect = {numbered(1)}, .hear = {numbered(2)}};
+    EXPECT_EQ(world.central.wanted(), keys);
+    scanner.setDiscoveryActive(true);
+    EXPECT_EQ(world.central.wanted(), (Wanted{true, {numbered(1)}, {numbered(2)}}));
+    scanner.setDiscoveryActive(false);
+    EXPECT_EQ(world.central.wanted(), keys);
+}
+
+TEST_F(ScannerTest, AKeyIsWantedBeforeItIsConnected) {
+    world.central.setState(CentralState::poweredOn);
+    world.central.know(numbered(1));
+    std::set<Uuid> wantedAtConnect;
+    world.central.onCall([&](std::string_view operation, const Uuid*) {
+        if (operation == "connect") wantedAtConnect = world.central.wanted().connect;
+    });
+    scanner.setWatchedIDs({numbered(1)});
+    EXPECT_EQ(wantedAtConnect, std::set{numbered(1)});
+}

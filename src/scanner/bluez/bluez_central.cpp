@@ -96,6 +96,13 @@ void BluezCentral::scan() {
     discovery_->start();
 }
 
+void BluezCentral::want(const Wanted&) {}
+
+bool BluezCentral::changesAddress(const Uuid& id) const {
+    const bluez::Device* const device = find(id);
+    return device != nullptr && device->changing;
+}
+
 void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews& news) {
     const bluez::Device* const device = watch_->objects().device(path);
     if (device == nullptr || !device->id || delegate_ == nullptr || !isOnAdapter(path)) return;

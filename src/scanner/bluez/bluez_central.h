@@ -32,6 +32,8 @@ public:
         return CentralAuthorization::allowedAlways;
     }
     void scan() override;
+    void want(const Wanted& wanted) override;
+    [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;
     [[nodiscard]] PeripheralState peripheralState(const Uuid& id) const override;
     [[nodiscard]] std::optional<std::string> peripheralName(const Uuid& id) const override;

@@ -23,6 +23,12 @@ Uuid deviceId(std::string_view address, std::string_view type) {
     return nameBased(wegslotNamespace, name);
 }
 
+bool isChangingAddress(std::string_view address, std::string_view type) {
+    if (type == "public") return false;
+    return address.empty() ||
+           std::string_view("CDEFcdef").find(address.front()) == std::string_view::npos;
+}
+
 Uuid nameBased(const Uuid& space, std::string_view name) {
     std::string input(space.bytes.begin(), space.bytes.end());
     input += name;

@@ -12,6 +12,11 @@ namespace wegslot {
 /// `type` ("public" or "random") in Wegslot's own namespace.
 [[nodiscard]] Uuid deviceId(std::string_view address, std::string_view type);
 
+/// Whether an address changes, as a private one does (Bluetooth Core Specification 5.4, volume 6,
+/// part B, 1.3.2): random, and without the two highest bits that mark a static one. An address
+/// that is none counts as changing.
+[[nodiscard]] bool isChangingAddress(std::string_view address, std::string_view type);
+
 /// The version 5 UUID of `name` in `space`.
 [[nodiscard]] Uuid nameBased(const Uuid& space, std::string_view name);
 

@@ -22,3 +22,14 @@ TEST(DeviceId, NeverChangesBetweenVersions) {
     EXPECT_EQ(deviceId("AA:BB:CC:DD:EE:FF", "public").text(),
               "0474E8CB-39ED-5E26-A69F-B722957B753A");
 }
+
+TEST(DeviceId, OnlyPublicAndStaticAddressesStay) {
+    EXPECT_FALSE(isChangingAddress("00:11:22:33:44:55", "public"));
+    EXPECT_FALSE(isChangingAddress("C0:00:00:00:00:01", "random"));
+    EXPECT_FALSE(isChangingAddress("ff:11:22:33:44:55", "random"));
+    EXPECT_TRUE(isChangingAddress("BF:11:22:33:44:55", "random")); // reserved
+    EXPECT_TRUE(isChangingAddress("7F:11:22:33:44:55", "random")); // resolvable
+    EXPECT_TRUE(isChangingAddress("40:11:22:33:44:55", "random"));
+    EXPECT_TRUE(isChangingAddress("3F:11:22:33:44:55", "random")); // not resolvable
+    EXPECT_TRUE(isChangingAddress("", "random"));
+}

@@ -70,6 +70,7 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
     const Uuid id = deviceId(device.address, device.addressType);
     if (device.id && device.id != id) news.formerId = device.id;
     device.id = id;
+    device.changing = isChangingAddress(device.address, device.addressType);
     return news;
 }
 

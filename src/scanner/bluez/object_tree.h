@@ -31,6 +31,7 @@ struct Device {
     std::string addressType = "public";
     std::optional<std::string> name;
     std::optional<Uuid> id; ///< from address and type, once the address is known
+    bool changing = false;  ///< the address is a private one that nothing resolves
 };
 
 /// What one message said of a device, besides what the mirror keeps.

@@ -1,0 +1,37 @@
+// What the kernel knows of low-energy links and BlueZ does not tell: whether one stands, and how
+// strong it is. A connection of BlueZ may be one of the other kind, with music on it.
+#pragma once
+
+#include "base/handle.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace wegslot::bluez {
+
+class Links {
+public:
+    using Answer = std::function<void(std::optional<int> rssi)>;
+
+    Links() = default;
+    Links(const Links&) = delete;
+    Links& operator=(const Links&) = delete;
+    virtual ~Links() = default;
+
+    /// Whether this process may read the strength of links on `adapter` ("/org/bluez/hci0").
+    [[nodiscard]] virtual bool canRead(const std::string& adapter) = 0;
+
+    /// Whether a low-energy link to `address` ("AA:BB:CC:DD:EE:FF", the identity) stands; nothing
+    /// where the kernel does not say.
+    [[nodiscard]] virtual std::optional<bool> isLinked(const std::string& adapter,
+                                                       const std::string& address) = 0;
+
+    /// Reads the strength of the link to `address` in dBm and answers once, later, within a
+    /// second or so; with nothing when there is no such link or no measurement. Ending the
+    /// handle gives up the answer.
+    [[nodiscard]] virtual Subscription read(const std::string& adapter, const std::string& address,
+                                            Answer answer) = 0;
+};
+
+} // namespace wegslot::bluez
