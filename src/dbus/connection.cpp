@@ -31,10 +31,22 @@ void Connection::connect() {
     bus_.set(owned_.get());
 }
 
-void Connection::disconnect() {
+void Connection::renew() {
+    if (!owned_) return;
+    timer_ = scheduler_.after(Nanoseconds{0}, [this] {
+        close();
+        connect();
+    });
+}
+
+void Connection::close() {
     bus_.set(nullptr);
     attached_.reset();
     owned_.reset();
+}
+
+void Connection::disconnect() {
+    close();
     timer_ = scheduler_.after(retryInterval, [this] { connect(); });
 }
 

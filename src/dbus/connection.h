@@ -28,8 +28,13 @@ public:
     /// they had; it goes right after.
     [[nodiscard]] const Observable<Bus*>& bus() const { return bus_; }
 
+    /// Gives up the bus there is and connects anew, at the next turn of the loop: to whoever is on
+    /// the other side another client. Nothing while there is no bus.
+    void renew();
+
 private:
     void connect();
+    void close();
     void disconnect();
 
     Open open_;

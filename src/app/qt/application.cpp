@@ -5,6 +5,7 @@
 #include "app/key_commands.h"
 #include "app/linux/instance_lock.h"
 #include "app/qt/bus_pump.h"
+#include "app/qt/qt_descriptors.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/termination.h"
 #include "hud/hidden_hud.h"
@@ -16,6 +17,7 @@
 #include "platform/linux/screen_savers.h"
 #include "platform/linux/system_clock.h"
 #include "scanner/bluez/bluez_central.h"
+#include "scanner/bluez/hci_links.h"
 
 #include <QCoreApplication>
 
@@ -84,7 +86,9 @@ public:
     explicit RealWorld(Scheduler& scheduler, const Clock& clock)
         : systemBus(dbus::Bus::openSystem, pump, scheduler),
           sessionBus(dbus::Bus::openSession, pump, scheduler),
-          central(systemBus, scheduler),
+          bluetoothBus(dbus::Bus::openSystem, pump, scheduler),
+          links(descriptors, scheduler),
+          central(bluetoothBus, scheduler, clock, links),
           session(systemBus),
           savers(sessionBus, scheduler),
           watcher(session, savers),
@@ -95,6 +99,9 @@ public:
 
     dbus::Connection systemBus;
     dbus::Connection sessionBus;
+    dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left
+    QtDescriptors descriptors;
+    bluez::HciLinks links;
     BluezCentral central;
     LoginSession session;
     ScreenSavers savers;

@@ -1,5 +1,6 @@
-// The scheduler on a real event loop, in real time.
+// Timers and descriptors on a real event loop, in real time.
 
+#include "app/qt/qt_descriptors.h"
 #include "app/qt/qt_scheduler.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +8,10 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+#include <array>
 #include <string>
+
+#include <unistd.h>
 
 using namespace wegslot;
 using namespace std::chrono_literals;
@@ -77,4 +81,29 @@ TEST_F(QtLoopTest, AnEndedTimerCallsNothing) {
 TEST_F(QtLoopTest, ATimerMayOutliveTheApplicationsLoop) {
     const auto timer = scheduler.every(1ms, [] {});
     EXPECT_TRUE(timer);
+}
+
+TEST_F(QtLoopTest, ADescriptorIsToldOfWhileItHasSomethingToRead) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(pipe(ends.data()), 0);
+    QtDescriptors descriptors;
+    std::string read;
+    Subscription watching;
+    watching = descriptors.onReadable(ends[0], [&] {
+        char byte = 0;
+        ASSERT_EQ(::read(ends[0], &byte, 1), 1);
+        read += byte;
+        if (byte == 'b') {
+            watching.reset();
+            loop.quit();
+        }
+    });
+    ASSERT_EQ(write(ends[1], "abc", 3), 3);
+    const auto patience = scheduler.after(5s, [&] { loop.quit(); });
+    loop.exec();
+    const auto last = scheduler.after(20ms, [&] { loop.quit(); });
+    loop.exec();
+    EXPECT_EQ(read, "ab");
+    close(ends[0]);
+    close(ends[1]);
 }

@@ -1,29 +1,50 @@
 #include "scanner/bluez/bluez_central.h"
 
+#include "model/log.h"
+
 #include <utility>
 
 namespace wegslot {
 
 using bluez::Daemon;
+using bluez::Hearing;
 
-BluezCentral::BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler)
-    : scheduler_(scheduler),
+BluezCentral::BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
+                           bluez::Links& links)
+    : systemBus_(systemBus),
+      scheduler_(scheduler),
+      clock_(clock),
+      links_(links),
+      connections_(*this, links, scheduler, clock),
+      gatt_(*this, scheduler),
+      schedule_(*this, scheduler, clock),
       delayed_(scheduler) {
     connection_ = systemBus.bus().onChange([this](dbus::Bus* bus) { busChanged(bus); });
 }
 
+// --- Who is there -------------------------------------------------------------------------------
+
 void BluezCentral::busChanged(dbus::Bus* bus) {
-    discovery_.reset();
+    dropRadio();
+    sleep_.reset();
     watch_.reset();
     bus_ = bus;
-    bluez::WatchListener& listener = *this;
-    if (bus != nullptr) watch_ = std::make_unique<bluez::ObjectWatch>(*bus, listener);
+    if (bus != nullptr) {
+        bluez::WatchListener& listener = *this;
+        watch_ = std::make_unique<bluez::ObjectWatch>(*bus, listener);
+        sleep_ = bus->onSignal("sender='org.freedesktop.login1',path='/org/freedesktop/login1',"
+                               "interface='org.freedesktop.login1.Manager',"
+                               "member='PrepareForSleep'",
+                               [this](const dbus::Message& message) {
+                                   if (message.read().boolean() == false) wokeUp();
+                               });
+    }
     surroundingsChanged();
 }
 
 void BluezCentral::surroundingsChanged() {
     // A daemon or an adapter that went has forgotten the session, however soon it came back.
-    if (!canScan()) discovery_.reset();
+    if (!canScan()) dropRadio();
     // From the loop, once for all that one turn brings: the delegate may make calls of its own.
     evaluation_ = scheduler_.after(Nanoseconds{0}, [this] { evaluate(); });
 }
@@ -54,14 +75,18 @@ void BluezCentral::report(CentralState state) {
     if (!reported_ && asking) return;
 
     const bool on = state == CentralState::poweredOn;
+    if (!on && renewal_) return; // back in a moment; nothing has happened to the radio
+    if (on) renewal_.reset();
+
     const bool sameAdapter = adapter_ == reportedAdapter_;
     reportedAdapter_ = adapter_;
     if (!on || !sameAdapter) {
-        discovery_.reset();
+        if (discovery_) discovery_->stop(); // on an adapter that may stay
+        dropRadio();
         scanWanted_ = false;
     }
     if (state == reported_ && (sameAdapter || !on)) {
-        if (scanWanted_) scan();
+        if (scanWanted_) takeRadio();
         return;
     }
     reported_ = state;
@@ -86,57 +111,154 @@ void BluezCentral::awaitGrace() {
     });
 }
 
+// --- Listening ----------------------------------------------------------------------------------
+
 void BluezCentral::scan() {
     scanWanted_ = true;
-    if (!canScan() || discovery_) return;
-    discovery_ = std::make_unique<bluez::Discovery>(*bus_, scheduler_, *adapter_, [this] {
-        discoveryDenied_ = true;
-        surroundingsChanged();
-    });
-    discovery_->start();
+    takeRadio();
 }
 
-void BluezCentral::want(const Wanted&) {}
+void BluezCentral::takeRadio() {
+    if (!canScan() || discovery_) return;
+    bluez::Discovery::Listener& listener = *this;
+    discovery_ = std::make_unique<bluez::Discovery>(*bus_, scheduler_, *adapter_, listener);
+    connections_.setRadio(*bus_, watch_->objects(), *adapter_);
+    gatt_.setRadio(*bus_, *watch_, *adapter_);
+    if (!links_.canRead(*adapter_))
+        Log::write("Signaal van verbindingen niet te lezen: sleutels worden alleen beluisterd");
+    listenForKeys();
+    schedule_.start();
+}
+
+void BluezCentral::dropRadio() {
+    if (!discovery_) return;
+    discovering(false);
+    schedule_.stop();
+    discovery_.reset();
+    readings_.clear();
+    gatt_.clearRadio();
+    connections_.clearRadio();
+}
+
+void BluezCentral::want(const Wanted& wanted) {
+    wanted_ = wanted;
+    connections_.setKeys(wanted.connect);
+    listenForKeys();
+}
+
+void BluezCentral::listenForKeys() {
+    std::set<Uuid> keys = wanted_.hear;
+    const bool linksTell = adapter_ && links_.canRead(*adapter_);
+    for (const Uuid& id : wanted_.connect)
+        if (!linksTell || peripheralState(id) != PeripheralState::connected) keys.insert(id);
+    schedule_.want(wanted_.list, std::move(keys));
+}
+
+void BluezCentral::startScan() { discovery_->start(); }
+
+void BluezCentral::restartScan() { discovery_->restart(); }
+
+void BluezCentral::stopScan() { discovery_->stop(); }
+
+void BluezCentral::discovering(bool discovering) {
+    hearing_.listen(discovering, clock_.now());
+    deafness_.reset();
+    if (discovering) treatDeafness();
+}
+
+void BluezCentral::discoveryDenied() {
+    discoveryDenied_ = true;
+    surroundingsChanged();
+}
+
+void BluezCentral::treatDeafness() {
+    const TimePoint now = clock_.now();
+    if (const auto remedy = hearing_.remedy(now); remedy && discovery_) {
+        switch (*remedy) {
+        case Hearing::Remedy::restartScan:
+            Log::write("Radio hoort niets meer: scan opnieuw gestart");
+            discovery_->restart();
+            break;
+        case Hearing::Remedy::renewDiscovery:
+            Log::write("Radio hoort niets meer: zoeken gestopt en opnieuw gestart");
+            discovery_->renew();
+            break;
+        case Hearing::Remedy::renewConnection:
+            Log::write("Radio hoort niets meer: nieuwe verbinding met de systeembus");
+            renewal_ = scheduler_.after(renewal, [this] {
+                renewal_.reset();
+                evaluate();
+            });
+            systemBus_.renew();
+            break;
+        }
+    }
+    if (const auto due = hearing_.due())
+        deafness_ = scheduler_.after(*due - now, [this] { treatDeafness(); });
+}
+
+void BluezCentral::wokeUp() {
+    if (!discovery_) return;
+    // The kernel ended the scan before the sleep, and BlueZ begins another only after a while.
+    discovery_->renew();
+    schedule_.start();
+}
+
+// --- Devices ------------------------------------------------------------------------------------
+
+void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews& news) {
+    const bluez::Device* device = watch_->objects().device(path);
+    if (device == nullptr || !device->id || !adapter_ || !bluez::isUnder(path, *adapter_)) return;
+    const Uuid id = *device->id; // whoever is told may change what the device is
+    if (news.formerId) {
+        connections_.moved(*news.formerId, id);
+        if (delegate_ != nullptr) delegate_->didIdentify(*news.formerId, id);
+    }
+    if (news.standing) {
+        connections_.changed(id);
+        gatt_.changed(id);
+    }
+    // The strength of a connection that begins is not one of an advertisement.
+    if (!news.rssi || !discovery_) return;
+    if (hearing_.heard(id, clock_.now())) Log::write("Radio hoort weer apparaten");
+    device = watch_->objects().device(path);
+    if (delegate_ != nullptr && device != nullptr)
+        delegate_->didDiscover({.id = id,
+                                .rssi = *news.rssi,
+                                .peripheralName = device->name,
+                                .manufacturerData = news.manufacturerData,
+                                .localName = {}});
+    schedule_.heard(id);
+    connections_.heard(id);
+}
+
+void BluezCentral::deviceRemoved(std::string_view path, const Uuid& id) {
+    if (adapter_ && bluez::isUnder(path, *adapter_)) connections_.changed(id);
+}
+
+void BluezCentral::linkEnded(std::string_view path, std::string_view name) {
+    const bluez::Device* const device = watch_->objects().device(path);
+    if (device != nullptr && device->id && adapter_ && bluez::isUnder(path, *adapter_))
+        connections_.linkEnded(*device->id, name);
+}
+
+const bluez::Device* BluezCentral::find(const Uuid& id) const {
+    if (!watch_ || !adapter_) return nullptr;
+    const std::string* const path = watch_->objects().find(id, *adapter_);
+    return path == nullptr ? nullptr : watch_->objects().device(*path);
+}
 
 bool BluezCentral::changesAddress(const Uuid& id) const {
     const bluez::Device* const device = find(id);
     return device != nullptr && device->changing;
 }
 
-void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews& news) {
-    const bluez::Device* const device = watch_->objects().device(path);
-    if (device == nullptr || !device->id || delegate_ == nullptr || !isOnAdapter(path)) return;
-    if (news.formerId) delegate_->didIdentify(*news.formerId, *device->id);
-    if (!news.rssi || !discovery_) return;
-    delegate_->didDiscover({.id = *device->id,
-                            .rssi = *news.rssi,
-                            .peripheralName = device->name,
-                            .manufacturerData = news.manufacturerData,
-                            .localName = {}});
-}
-
-bool BluezCentral::isOnAdapter(std::string_view path) const {
-    // One device heard by two adapters has two objects, and two strengths.
-    return adapter_ && path.size() > adapter_->size() && path.starts_with(*adapter_) &&
-           path[adapter_->size()] == '/';
-}
-
-const bluez::Device* BluezCentral::find(const Uuid& id) const {
-    if (!watch_) return nullptr;
-    for (const auto& [path, device] : watch_->objects().devices())
-        if (device.id == id && isOnAdapter(path)) return &device;
-    return nullptr;
-}
-
 std::vector<Uuid> BluezCentral::retrieve(const std::set<Uuid>& ids) {
-    std::vector<Uuid> known;
-    for (const Uuid& id : ids)
-        if (find(id) != nullptr) known.push_back(id);
-    return known;
+    return {ids.begin(), ids.end()};
 }
 
-PeripheralState BluezCentral::peripheralState(const Uuid&) const {
-    return PeripheralState::disconnected;
+PeripheralState BluezCentral::peripheralState(const Uuid& id) const {
+    return connections_.state(id);
 }
 
 std::optional<std::string> BluezCentral::peripheralName(const Uuid& id) const {
@@ -144,36 +266,69 @@ std::optional<std::string> BluezCentral::peripheralName(const Uuid& id) const {
     return device == nullptr ? std::nullopt : device->name;
 }
 
-void BluezCentral::connect(const Uuid& id) {
-    later([id](CentralDelegate& delegate) { delegate.didFailToConnect(id); });
-}
+// --- Connections --------------------------------------------------------------------------------
 
-void BluezCentral::cancelConnection(const Uuid&) {}
+void BluezCentral::cancelConnection(const Uuid& id) {
+    readings_.erase(id);
+    gatt_.drop(id);
+    connections_.cancel(id);
+    listenForKeys();
+}
 
 void BluezCentral::readRSSI(const Uuid& id) {
-    later([id](CentralDelegate& delegate) { delegate.didReadRSSI(id, std::nullopt); });
+    const bluez::Device* const device = find(id);
+    const auto tell = [this, id](std::optional<int> rssi) {
+        readings_.erase(id);
+        if (delegate_ != nullptr) delegate_->didReadRSSI(id, rssi);
+    };
+    if (device == nullptr || peripheralState(id) != PeripheralState::connected) {
+        delayed_.after(Nanoseconds{0}, [tell] { tell(std::nullopt); });
+        return;
+    }
+    readings_[id] = links_.read(*adapter_, device->address, tell);
 }
 
-void BluezCentral::discoverServices(const Uuid& id, GattUuid) {
-    later([id](CentralDelegate& delegate) { delegate.didDiscoverServices(id, {}); });
+void BluezCentral::discoverServices(const Uuid& id, GattUuid service) {
+    gatt_.discoverServices(id, service);
 }
 
-void BluezCentral::discoverCharacteristics(const Uuid& id, GattUuid service, GattUuid) {
-    later([id, service](CentralDelegate& delegate) {
-        delegate.didDiscoverCharacteristics(id, service, {});
-    });
+void BluezCentral::discoverCharacteristics(const Uuid& id, GattUuid service,
+                                           GattUuid characteristic) {
+    gatt_.discoverCharacteristics(id, service, characteristic);
 }
 
 void BluezCentral::readValue(const Uuid& id, GattUuid characteristic) {
-    later([id, characteristic](CentralDelegate& delegate) {
-        delegate.didUpdateValue(id, characteristic, std::nullopt);
-    });
+    gatt_.readValue(id, characteristic);
 }
 
-void BluezCentral::later(std::function<void(CentralDelegate&)> tell) {
-    delayed_.after(Nanoseconds{0}, [this, tell = std::move(tell)] {
-        if (delegate_ != nullptr) tell(*delegate_);
-    });
+void BluezCentral::connected(const Uuid& id) {
+    listenForKeys();
+    if (delegate_ != nullptr) delegate_->didConnect(id);
+}
+
+void BluezCentral::connectFailed(const Uuid& id) {
+    if (delegate_ != nullptr) delegate_->didFailToConnect(id);
+}
+
+void BluezCentral::disconnected(const Uuid& id, const std::optional<std::string>& reason) {
+    readings_.erase(id);
+    gatt_.drop(id);
+    listenForKeys();
+    if (delegate_ != nullptr) delegate_->didDisconnect(id, reason);
+}
+
+void BluezCentral::servicesFound(const Uuid& id, std::span<const GattUuid> services) {
+    if (delegate_ != nullptr) delegate_->didDiscoverServices(id, services);
+}
+
+void BluezCentral::characteristicsFound(const Uuid& id, GattUuid service,
+                                        std::span<const GattUuid> characteristics) {
+    if (delegate_ != nullptr) delegate_->didDiscoverCharacteristics(id, service, characteristics);
+}
+
+void BluezCentral::valueRead(const Uuid& id, GattUuid characteristic,
+                             const std::optional<std::string_view>& value) {
+    if (delegate_ != nullptr) delegate_->didUpdateValue(id, characteristic, value);
 }
 
 } // namespace wegslot

@@ -1,27 +1,44 @@
 // The Bluetooth stack of Linux as the scanner's port: bluetoothd over D-Bus. Finds the daemon
-// and an adapter, says what state they are in, keeps discovery going while the scanner wants
-// it, and turns what BlueZ signals into advertisements. Comes back by itself after the daemon,
-// the adapter or the bus has gone.
+// and an adapter, says what state they are in, listens and connects as the scanner wants, and
+// turns what BlueZ signals into the port's callbacks. Comes back by itself after the daemon, the
+// adapter, the bus or the computer's sleep, and after a radio that went deaf.
 #pragma once
 
+#include "base/clock.h"
 #include "base/delayed_calls.h"
 #include "base/scheduler.h"
 #include "dbus/connection.h"
 #include "scanner/bluetooth_central.h"
 #include "scanner/bluez/central_state.h"
+#include "scanner/bluez/connections.h"
 #include "scanner/bluez/discovery.h"
+#include "scanner/bluez/gatt_client.h"
+#include "scanner/bluez/hearing.h"
+#include "scanner/bluez/links.h"
 #include "scanner/bluez/object_watch.h"
+#include "scanner/scan_schedule.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace wegslot {
 
-class BluezCentral final : public BluetoothCentral, private bluez::WatchListener {
+class BluezCentral final : public BluetoothCentral,
+                           private ScanRadio,
+                           private bluez::WatchListener,
+                           private bluez::Discovery::Listener,
+                           private bluez::ConnectionListener,
+                           private bluez::GattClient::Listener {
 public:
-    /// Both must outlive the central.
-    BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler);
+    /// How long a new connection to the bus may take before the radio counts as gone meanwhile.
+    static constexpr Nanoseconds renewal = std::chrono::seconds{5};
+
+    /// The bus should be the central's own: a deaf radio is also treated by leaving it. All must
+    /// outlive the central.
+    BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
+                 bluez::Links& links);
 
     void setDelegate(CentralDelegate* delegate) override { delegate_ = delegate; }
     [[nodiscard]] CentralState state() const override {
@@ -34,13 +51,11 @@ public:
     void scan() override;
     void want(const Wanted& wanted) override;
     [[nodiscard]] bool changesAddress(const Uuid& id) const override;
+    /// All of them: what was not heard yet is connected when it is.
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;
     [[nodiscard]] PeripheralState peripheralState(const Uuid& id) const override;
     [[nodiscard]] std::optional<std::string> peripheralName(const Uuid& id) const override;
-
-    // This adapter listens; it does not connect yet. Every attempt is answered as failed.
-
-    void connect(const Uuid& id) override;
+    void connect(const Uuid& id) override { connections_.connect(id); }
     void cancelConnection(const Uuid& id) override;
     void readRSSI(const Uuid& id) override;
     void discoverServices(const Uuid& id, GattUuid service) override;
@@ -51,31 +66,65 @@ public:
 private:
     void surroundingsChanged() override;
     void deviceReported(std::string_view path, const bluez::DeviceNews& news) override;
+    void deviceRemoved(std::string_view path, const Uuid& id) override;
+    void linkEnded(std::string_view path, std::string_view name) override;
+    void gattChanged() override { gatt_.gattChanged(); }
+
+    void startScan() override;
+    void restartScan() override;
+    void stopScan() override;
+    void discovering(bool discovering) override;
+    void discoveryDenied() override;
+
+    void connected(const Uuid& id) override;
+    void connectFailed(const Uuid& id) override;
+    void disconnected(const Uuid& id, const std::optional<std::string>& reason) override;
+    void attemptBegins() override { schedule_.makeWay(); }
+    void attemptEnded() override { schedule_.resume(); }
+    void servicesFound(const Uuid& id, std::span<const GattUuid> services) override;
+    void characteristicsFound(const Uuid& id, GattUuid service,
+                              std::span<const GattUuid> characteristics) override;
+    void valueRead(const Uuid& id, GattUuid characteristic,
+                   const std::optional<std::string_view>& value) override;
 
     void busChanged(dbus::Bus* bus);
     void evaluate();
     void report(CentralState state);
+    void takeRadio();
+    void dropRadio();
     [[nodiscard]] bool canScan() const;
     void awaitGrace();
-    [[nodiscard]] bool isOnAdapter(std::string_view path) const;
+    void listenForKeys();
+    void treatDeafness();
+    void wokeUp();
     [[nodiscard]] const bluez::Device* find(const Uuid& id) const;
-    /// Calls the delegate from the loop, not from within an operation.
-    void later(std::function<void(CentralDelegate&)> tell);
 
+    dbus::Connection& systemBus_;
     Scheduler& scheduler_;
+    const Clock& clock_;
+    bluez::Links& links_;
     CentralDelegate* delegate_ = nullptr;
     dbus::Bus* bus_ = nullptr;
     std::unique_ptr<bluez::ObjectWatch> watch_;
     std::unique_ptr<bluez::Discovery> discovery_;
+    bluez::Connections connections_;
+    bluez::GattClient gatt_;
+    ScanSchedule schedule_;
+    bluez::Hearing hearing_;
+    Wanted wanted_;
     bluez::Surroundings surroundings_;
     bool discoveryDenied_ = false;
     bool scanWanted_ = false;            ///< the scanner asked for it since the radio came on
     std::optional<std::string> adapter_; ///< path of the chosen one
     std::optional<CentralState> reported_;
     std::optional<std::string> reportedAdapter_;
+    std::map<Uuid, Subscription> readings_; ///< of connections' strengths, under way
     DelayedCalls delayed_;
     Timer evaluation_;
     Timer grace_;
+    Timer deafness_;
+    Timer renewal_; ///< held while a new connection to the bus is being made
+    Subscription sleep_;
     Subscription connection_;
 };
 

@@ -1,5 +1,6 @@
-// Keeps BlueZ's discovery going on one adapter, with the filter under which every advertisement
-// is signalled. Asks again when BlueZ says no, ever more rarely, until it is told to stop.
+// A discovery session of BlueZ on one adapter, with the filter under which every advertisement is
+// signalled: started, restarted and ended as told, one call at a time. Asks again when BlueZ says
+// no, ever more rarely.
 #pragma once
 
 #include "base/scheduler.h"
@@ -20,27 +21,56 @@ public:
     static constexpr Nanoseconds firstRetry = std::chrono::seconds{1};
     static constexpr Nanoseconds longestRetry = std::chrono::seconds{30};
 
-    /// `denied`: this user may not use the adapter at all.
-    Discovery(dbus::Bus& bus, Scheduler& scheduler, std::string adapter,
-              std::function<void()> denied);
+    class Listener {
+    public:
+        Listener() = default;
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        virtual ~Listener() = default;
 
-    /// Starts it, or starts it anew.
+        /// The session began, or is about to end.
+        virtual void discovering(bool discovering) = 0;
+        /// This user may not use the adapter at all.
+        virtual void discoveryDenied() = 0;
+    };
+
+    Discovery(dbus::Bus& bus, Scheduler& scheduler, std::string adapter, Listener& listener);
+
     void start();
+    void stop();
+
+    /// Has the controller scan anew, so that it reports every device once more, without giving
+    /// up the session. Nothing while there is none.
+    void restart();
+
+    /// Ends the session and begins another.
+    void renew();
+
+    [[nodiscard]] bool isOn() const { return on_; }
 
 private:
-    void setFilter(const std::vector<std::string>& understood);
-    void startDiscovery();
+    void proceed();
+    void begin();
+    void setFilter(std::function<void()> then);
+    void end();
     void call(const std::string& member, std::vector<dbus::Argument> arguments,
               std::function<void(const dbus::Message&)> answer);
-    void retry(const std::string& error);
+    void refused(const std::string& error);
 
     dbus::Bus& bus_;
     Scheduler& scheduler_;
     std::string adapter_;
-    std::function<void()> denied_;
+    Listener& listener_;
+    bool wanted_ = false;
+    bool on_ = false;
+    bool busy_ = false; ///< a call is under way
+    bool restartWanted_ = false;
+    bool renewWanted_ = false;
+    bool otherStrength_ = false; ///< which of the two equivalent filters is set
+    std::optional<std::vector<std::string>> understood_;
     Nanoseconds nextRetry_ = firstRetry;
-    Subscription pending_;
-    Timer timer_;
+    Subscription answer_;
+    Timer retry_;
 };
 
 } // namespace wegslot::bluez

@@ -4,6 +4,7 @@
 
 #include "base/handle.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -32,6 +33,12 @@ public:
     /// handle gives up the answer.
     [[nodiscard]] virtual Subscription read(const std::string& adapter, const std::string& address,
                                             Answer answer) = 0;
+
+    /// Why the last link to `address` ended, as an error code of the Bluetooth Core Specification
+    /// (5.4, volume 1, part F); nothing when that is not known. Told once for each link whose
+    /// strength was read.
+    [[nodiscard]] virtual std::optional<std::uint8_t> lossCode(const std::string& adapter,
+                                                               const std::string& address) = 0;
 };
 
 } // namespace wegslot::bluez

@@ -1,5 +1,6 @@
 #include "scanner/bluez/object_tree.h"
 
+#include "scanner/bluez/assigned_numbers.h"
 #include "scanner/bluez/device_id.h"
 
 #include <algorithm>
@@ -22,8 +23,36 @@ std::optional<std::vector<std::uint8_t>> manufacturerData(dbus::Reader& value) {
     return found;
 }
 
-void assign(std::string& target, const std::optional<std::string_view>& value) {
+template <typename Target, typename Value>
+void assign(Target& target, const std::optional<Value>& value) {
     if (value) target = *value;
+}
+
+bool anyClassic(const std::vector<std::string>& uuids) {
+    return std::ranges::any_of(uuids, [](const std::string& uuid) {
+        const auto number = assignedNumber(uuid);
+        return number && isClassic(*number);
+    });
+}
+
+// How the device stands to this computer; false for a property that is not about that.
+bool readStanding(std::string_view name, dbus::Reader& value, Device& device) {
+    if (name == "Paired") {
+        assign(device.paired, value.boolean());
+    } else if (name == "Bonded") {
+        assign(device.bonded, value.boolean());
+    } else if (name == "Connected") {
+        assign(device.connected, value.boolean());
+    } else if (name == "ServicesResolved") {
+        assign(device.servicesResolved, value.boolean());
+    } else if (name == "Class") {
+        device.hasClass = value.integer().value_or(0) != 0;
+    } else if (name == "UUIDs") {
+        device.hasClassicProfile = anyClassic(value.texts());
+    } else {
+        return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -37,7 +66,7 @@ void ObjectTree::readAdapter(std::string_view path, dbus::Reader& properties) {
     Adapter& adapter = adapters_[std::string(path)];
     properties.properties([&adapter](std::string_view name, dbus::Reader& value) {
         if (name == "Powered") {
-            if (const auto powered = value.boolean()) adapter.powered = *powered;
+            assign(adapter.powered, value.boolean());
         } else if (name == "PowerState") {
             if (const auto state = value.text()) adapter.powerState = std::string(*state);
         } else if (name == "Roles") {
@@ -64,23 +93,74 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
         } else if (name == "AddressType") {
             assign(device.addressType, value.text());
             moved = true;
+        } else if (readStanding(name, value, device)) {
+            news.standing = true;
         }
     });
     if (!moved || device.address.empty()) return news;
     const Uuid id = deviceId(device.address, device.addressType);
     if (device.id && device.id != id) news.formerId = device.id;
-    device.id = id;
+    setId(std::string(path), device, id);
     device.changing = isChangingAddress(device.address, device.addressType);
     return news;
 }
 
+DeviceNews ObjectTree::readBearer(std::string_view path, dbus::Reader& properties) {
+    Device& device = devices_[std::string(path)];
+    if (!device.lowEnergyConnected) device.lowEnergyConnected = false;
+    DeviceNews news;
+    properties.properties([&](std::string_view name, dbus::Reader& value) {
+        if (name != "Connected") return;
+        news.standing = true;
+        assign(device.lowEnergyConnected, value.boolean());
+    });
+    return news;
+}
+
+const std::string* ObjectTree::find(const Uuid& id, std::string_view adapter) const {
+    const auto [first, last] = paths_.equal_range(id);
+    const auto found = std::find_if(
+        first, last, [&](const auto& entry) { return isUnder(entry.second, adapter); });
+    return found == last ? nullptr : &found->second;
+}
+
+void ObjectTree::setId(const std::string& path, Device& device, const Uuid& id) {
+    if (device.id == id) return;
+    forgetId(path, device);
+    device.id = id;
+    paths_.emplace(id, path);
+}
+
+void ObjectTree::forgetId(const std::string& path, const Device& device) {
+    if (!device.id) return;
+    const auto [first, last] = paths_.equal_range(*device.id);
+    const auto found =
+        std::find_if(first, last, [&](const auto& entry) { return entry.second == path; });
+    if (found != last) paths_.erase(found);
+}
+
+void ObjectTree::setMonitors(std::string_view adapterPath, bool offered) {
+    if (offered || adapters_.contains(adapterPath))
+        adapters_[std::string(adapterPath)].hasMonitors = offered;
+}
+
 void ObjectTree::removeAdapter(std::string_view path) { adapters_.erase(std::string(path)); }
 
-void ObjectTree::removeDevice(std::string_view path) { devices_.erase(std::string(path)); }
+void ObjectTree::removeDevice(std::string_view path) {
+    const auto found = devices_.find(std::string(path));
+    if (found == devices_.end()) return;
+    forgetId(found->first, found->second);
+    devices_.erase(found);
+}
 
 void ObjectTree::clear() {
     adapters_.clear();
     devices_.clear();
+    paths_.clear();
+}
+
+bool isUnder(std::string_view path, std::string_view adapter) {
+    return path.size() > adapter.size() && path.starts_with(adapter) && path[adapter.size()] == '/';
 }
 
 } // namespace wegslot::bluez

@@ -22,6 +22,8 @@ struct Adapter {
     std::optional<std::string> powerState;
     /// Whether it can scan for and connect to low-energy devices. BlueZ before 5.52 does not say.
     bool isCentral = true;
+    /// Whether it has an org.bluez.AdvertisementMonitorManager1.
+    bool hasMonitors = false;
     friend bool operator==(const Adapter&, const Adapter&) = default;
 };
 
@@ -30,12 +32,28 @@ struct Device {
     std::string address;
     std::string addressType = "public";
     std::optional<std::string> name;
-    std::optional<Uuid> id; ///< from address and type, once the address is known
-    bool changing = false;  ///< the address is a private one that nothing resolves
+    std::optional<Uuid> id;     ///< from address and type, once the address is known
+    bool changing = false;      ///< the address is a private one that nothing resolves
+    bool paired = false;        ///< over either bearer
+    std::optional<bool> bonded; ///< paired for good; BlueZ before 5.65 does not say
+    bool connected = false;     ///< over either bearer
+    bool servicesResolved = false;
+    bool hasClass = false;          ///< BlueZ knows a class of device, which only BR/EDR has
+    bool hasClassicProfile = false; ///< among its services
+    /// The link of org.bluez.Bearer.LE1; absent where BlueZ does not tell bearers apart.
+    std::optional<bool> lowEnergyConnected;
+
+    [[nodiscard]] bool isBonded() const { return bonded.value_or(paired); }
+
+    /// Whether a connection to it can only be a low-energy one. A random address has no other.
+    [[nodiscard]] bool isLowEnergyOnly() const {
+        return addressType == "random" || (!hasClass && !hasClassicProfile);
+    }
 };
 
 /// What one message said of a device, besides what the mirror keeps.
 struct DeviceNews {
+    bool standing = false; ///< how the device stands to this computer: bonded, connected, known
     std::optional<int> rssi;
     /// With the company's two bytes put back in front.
     std::optional<std::vector<std::uint8_t>> manufacturerData;
@@ -53,11 +71,19 @@ public:
         return devices_;
     }
 
+    /// The path of the device with `id` on `adapter`; null when there is none.
+    [[nodiscard]] const std::string* find(const Uuid& id, std::string_view adapter) const;
+
     /// Reads an interface's properties (a{sv}) into the adapter at `path`.
     void readAdapter(std::string_view path, dbus::Reader& properties);
 
     /// Likewise into the device at `path`.
     DeviceNews readDevice(std::string_view path, dbus::Reader& properties);
+
+    /// Likewise of the low-energy bearer of the device at `path`.
+    DeviceNews readBearer(std::string_view path, dbus::Reader& properties);
+
+    void setMonitors(std::string_view adapterPath, bool offered);
 
     void removeAdapter(std::string_view path);
     void removeDevice(std::string_view path);
@@ -65,7 +91,14 @@ public:
 
 private:
     std::map<std::string, Adapter, std::less<>> adapters_;
+    void setId(const std::string& path, Device& device, const Uuid& id);
+    void forgetId(const std::string& path, const Device& device);
+
     std::unordered_map<std::string, Device> devices_;
+    std::unordered_multimap<Uuid, std::string> paths_; ///< of the devices, by id
 };
+
+/// Whether the object at `path` belongs to `adapter`.
+[[nodiscard]] bool isUnder(std::string_view path, std::string_view adapter);
 
 } // namespace wegslot::bluez

@@ -5,6 +5,18 @@ namespace {
 
 constexpr std::string_view adapterInterface = "org.bluez.Adapter1";
 constexpr std::string_view deviceInterface = "org.bluez.Device1";
+constexpr std::string_view bearerInterface = "org.bluez.Bearer.LE1";
+constexpr std::string_view monitorsInterface = "org.bluez.AdvertisementMonitorManager1";
+constexpr std::string_view serviceInterface = "org.bluez.GattService1";
+constexpr std::string_view characteristicInterface = "org.bluez.GattCharacteristic1";
+
+bool isOfAdapter(std::string_view interface) {
+    return interface == adapterInterface || interface == monitorsInterface;
+}
+
+bool isOfGatt(std::string_view interface) {
+    return interface == serviceInterface || interface == characteristicInterface;
+}
 
 std::string propertiesOf(std::string_view interface) {
     return "sender='org.bluez',interface='org.freedesktop.DBus.Properties',"
@@ -22,8 +34,14 @@ std::string objectManager(std::string_view member) {
 ObjectWatch::ObjectWatch(dbus::Bus& bus, WatchListener& listener) : bus_(bus), listener_(listener) {
     // Signals first: what changes while the objects are read arrives after them or is repeated.
     const auto changed = [this](const dbus::Message& message) { propertiesChanged(message); };
-    signals_.push_back(bus_.onSignal(propertiesOf(deviceInterface), changed));
-    signals_.push_back(bus_.onSignal(propertiesOf(adapterInterface), changed));
+    for (const auto interface : {deviceInterface, bearerInterface, adapterInterface})
+        signals_.push_back(bus_.onSignal(propertiesOf(interface), changed));
+    signals_.push_back(
+        bus_.onSignal("sender='org.bluez',interface='org.bluez.Device1',member='Disconnected'",
+                      [this](const dbus::Message& message) {
+                          const auto name = message.read().text();
+                          if (name) listener_.linkEnded(message.path(), *name);
+                      }));
     signals_.push_back(
         bus_.onSignal(objectManager("InterfacesAdded"),
                       [this](const dbus::Message& message) { interfacesAdded(message); }));
@@ -36,6 +54,7 @@ ObjectWatch::ObjectWatch(dbus::Bus& bus, WatchListener& listener) : bus_(bus), l
 
 void ObjectWatch::ownerChanged(const std::optional<std::string>& owner) {
     objects_.clear();
+    gatt_.clear();
     reading_.reset();
     daemon_ = owner ? Daemon::loading : Daemon::absent;
     if (owner)
@@ -54,7 +73,7 @@ void ObjectWatch::objectsRead(const dbus::Message& answer) {
     daemon_ = error ? Daemon::denied : Daemon::ready;
     answer.read().objects([this](std::string_view path, dbus::Reader& interfaces) {
         interfaces.interfaces([&](std::string_view interface, dbus::Reader& properties) {
-            read(path, interface, properties);
+            static_cast<void>(read(path, interface, properties));
         });
     });
     listener_.surroundingsChanged();
@@ -64,45 +83,61 @@ void ObjectWatch::interfacesAdded(const dbus::Message& message) {
     dbus::Reader reader = message.read();
     const auto path = reader.text();
     if (!path) return;
+    bool gattFound = false;
     reader.interfaces([&](std::string_view interface, dbus::Reader& properties) {
-        if (interface == deviceInterface) {
-            listener_.deviceReported(*path, objects_.readDevice(*path, properties));
-        } else if (interface == adapterInterface) {
-            objects_.readAdapter(*path, properties);
-            listener_.surroundingsChanged();
-        }
+        if (const auto news = read(*path, interface, properties))
+            listener_.deviceReported(*path, *news);
+        if (isOfAdapter(interface)) listener_.surroundingsChanged();
+        gattFound = gattFound || isOfGatt(interface);
     });
+    if (gattFound) listener_.gattChanged();
 }
 
 void ObjectWatch::interfacesRemoved(const dbus::Message& message) {
     dbus::Reader reader = message.read();
     const auto path = reader.text();
     if (!path) return;
-    for (const std::string& interface : reader.texts()) {
-        if (interface == deviceInterface) objects_.removeDevice(*path);
-        if (interface != adapterInterface) continue;
-        objects_.removeAdapter(*path);
-        listener_.surroundingsChanged();
+    for (const std::string& interface : reader.texts())
+        removed(*path, interface);
+}
+
+void ObjectWatch::removed(std::string_view path, std::string_view interface) {
+    if (isOfGatt(interface)) gatt_.remove(path);
+    if (interface == deviceInterface) {
+        const Device* const device = objects_.device(path);
+        const auto id = device == nullptr ? std::nullopt : device->id;
+        objects_.removeDevice(path);
+        if (id) listener_.deviceRemoved(path, *id);
     }
+    if (!isOfAdapter(interface)) return;
+    if (interface == adapterInterface) {
+        objects_.removeAdapter(path);
+    } else {
+        objects_.setMonitors(path, false);
+    }
+    listener_.surroundingsChanged();
 }
 
 void ObjectWatch::propertiesChanged(const dbus::Message& message) {
     dbus::Reader reader = message.read();
     const auto interface = reader.text();
-    if (interface == deviceInterface) {
-        // Of an object that was never announced too little is known; it will be.
-        if (objects_.device(message.path()) == nullptr) return;
-        listener_.deviceReported(message.path(), objects_.readDevice(message.path(), reader));
-    } else if (interface == adapterInterface) {
-        objects_.readAdapter(message.path(), reader);
-        listener_.surroundingsChanged();
-    }
+    if (!interface) return;
+    // Of a device that was never announced too little is known; it will be.
+    if (*interface == deviceInterface && objects_.device(message.path()) == nullptr) return;
+    if (const auto news = read(message.path(), *interface, reader))
+        listener_.deviceReported(message.path(), *news);
+    if (isOfAdapter(*interface)) listener_.surroundingsChanged();
 }
 
-void ObjectWatch::read(std::string_view path, std::string_view interface,
-                       dbus::Reader& properties) {
-    if (interface == deviceInterface) static_cast<void>(objects_.readDevice(path, properties));
+std::optional<DeviceNews> ObjectWatch::read(std::string_view path, std::string_view interface,
+                                            dbus::Reader& properties) {
+    if (interface == deviceInterface) return objects_.readDevice(path, properties);
+    if (interface == bearerInterface) return objects_.readBearer(path, properties);
     if (interface == adapterInterface) objects_.readAdapter(path, properties);
+    if (interface == monitorsInterface) objects_.setMonitors(path, true);
+    if (interface == serviceInterface) gatt_.readService(path, properties);
+    if (interface == characteristicInterface) gatt_.readCharacteristic(path, properties);
+    return std::nullopt;
 }
 
 } // namespace wegslot::bluez

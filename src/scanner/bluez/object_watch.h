@@ -4,6 +4,7 @@
 
 #include "base/handle.h"
 #include "dbus/bus.h"
+#include "scanner/bluez/gatt_tree.h"
 #include "scanner/bluez/object_tree.h"
 
 #include <optional>
@@ -35,6 +36,16 @@ public:
     /// A message spoke of the device at `path`. `news.rssi` is there only when it was heard
     /// right now; a value read at start-up is of unknown age and not passed on.
     virtual void deviceReported(std::string_view path, const DeviceNews& news) = 0;
+
+    /// The device with `id` was at `path` and is no more.
+    virtual void deviceRemoved(std::string_view path, const Uuid& id) = 0;
+
+    /// The link to the device at `path` ended, for the reason that `name` stands for
+    /// ("org.bluez.Reason.Timeout"). Its `Connected` follows. BlueZ before 5.83 does not tell.
+    virtual void linkEnded(std::string_view path, std::string_view name) = 0;
+
+    /// Services or characteristics were found.
+    virtual void gattChanged() = 0;
 };
 
 class ObjectWatch {
@@ -47,6 +58,7 @@ public:
 
     [[nodiscard]] Daemon daemon() const { return daemon_; }
     [[nodiscard]] const ObjectTree& objects() const { return objects_; }
+    [[nodiscard]] const GattTree& gatt() const { return gatt_; }
 
 private:
     void ownerChanged(const std::optional<std::string>& owner);
@@ -54,12 +66,16 @@ private:
     void interfacesAdded(const dbus::Message& message);
     void interfacesRemoved(const dbus::Message& message);
     void propertiesChanged(const dbus::Message& message);
-    void read(std::string_view path, std::string_view interface, dbus::Reader& properties);
+    /// Reads what stands in the object tree or the GATT tree; what was said of a device.
+    std::optional<DeviceNews> read(std::string_view path, std::string_view interface,
+                                   dbus::Reader& properties);
+    void removed(std::string_view path, std::string_view interface);
 
     dbus::Bus& bus_;
     WatchListener& listener_;
     Daemon daemon_ = Daemon::unknown;
     ObjectTree objects_;
+    GattTree gatt_;
     std::vector<Subscription> signals_;
     Subscription owner_;
     Subscription reading_;

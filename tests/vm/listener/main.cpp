@@ -3,10 +3,13 @@
 // came, and of each device how many and the last strength.
 
 #include "app/qt/bus_pump.h"
+#include "app/qt/qt_descriptors.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/termination.h"
 #include "dbus/connection.h"
+#include "platform/linux/system_clock.h"
 #include "scanner/bluez/bluez_central.h"
+#include "scanner/bluez/hci_links.h"
 
 #include <QCoreApplication>
 
@@ -78,7 +81,11 @@ int main(int argc, char** argv) {
     const Termination termination;
     QtScheduler scheduler;
     dbus::Connection systemBus(dbus::Bus::openSystem, pump, scheduler);
-    BluezCentral central(systemBus, scheduler);
+    const SystemClock clock;
+    QtDescriptors descriptors;
+    bluez::HciLinks links(descriptors, scheduler);
+    BluezCentral central(systemBus, scheduler, clock, links);
+    central.want({.list = true}); // everything, all the time
     const Counter counter(central);
     const int status = QCoreApplication::exec();
     counter.print();

@@ -1,0 +1,294 @@
+#include "scanner/bluez/connections.h"
+
+#include "scanner/bluez/loss_text.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace wegslot::bluez {
+namespace {
+
+constexpr auto deviceInterface = "org.bluez.Device1";
+constexpr auto bearerInterface = "org.bluez.Bearer.LE1";
+
+// `Device1.Connect` chooses the bearer itself, and of a phone or headset it may choose the one
+// with the music. Where a device has both, only its low-energy bearer is asked.
+const char* interfaceFor(const Device& device) {
+    return device.isLowEnergyOnly() ? deviceInterface : bearerInterface;
+}
+
+/// BlueZ says of it only whether any of its two bearers is connected.
+bool isToldAsOne(const Device& device) {
+    return !device.isLowEnergyOnly() && !device.lowEnergyConnected;
+}
+
+} // namespace
+
+Connections::Connections(ConnectionListener& listener, Links& links, Scheduler& scheduler,
+                         const Clock& clock)
+    : listener_(listener),
+      links_(links),
+      scheduler_(scheduler),
+      clock_(clock),
+      delayed_(scheduler) {}
+
+Connections::~Connections() {
+    // BlueZ keeps a link whoever asked for it has gone.
+    for (const auto& [id, connection] : connections_)
+        if (const Device* const known = device(id); known != nullptr && connection.isOurs)
+            close(id, *known);
+}
+
+void Connections::setRadio(dbus::Bus& bus, const ObjectTree& objects, std::string adapter) {
+    radio_.emplace(Radio{bus, objects, std::move(adapter)});
+    failures_.clear();
+    for (const auto& [id, connection] : connections_)
+        delayed_.after(Nanoseconds{0}, [this, id = id] { consider(id); });
+}
+
+void Connections::clearRadio() {
+    if (!radio_) return;
+    radio_.reset();
+    lookAgain_.reset();
+    std::vector<Uuid> lost; // whoever is told may ask for connections anew
+    for (auto& [id, connection] : connections_) {
+        connection.answer.reset();
+        const bool stood =
+            connection.stage == Stage::connected || connection.stage == Stage::closing;
+        if (stood) lost.push_back(id);
+        if (!stood) connection.stage = Stage::waiting;
+    }
+    for (const Uuid& id : lost)
+        lose(connections_.find(id));
+}
+
+void Connections::connect(const Uuid& id) {
+    if (connections_.try_emplace(id).second)
+        delayed_.after(Nanoseconds{0}, [this, id] { consider(id); });
+}
+
+void Connections::cancel(const Uuid& id) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end()) return;
+    Connection& connection = found->second;
+    const Device* const known = device(id);
+    if (connection.stage == Stage::connected && connection.isOurs && known != nullptr) {
+        connection.stage = Stage::closing;
+        connection.answer = call(id, *known, "Disconnect",
+                                 [this, id](const dbus::Message&) { lose(connections_.find(id)); });
+        return;
+    }
+    const Stage stage = connection.stage;
+    if (stage == Stage::closing) return;
+    connections_.erase(found);
+    if (stage == Stage::attempting && known != nullptr) close(id, *known); // gives up the attempt
+    delayed_.after(Nanoseconds{0}, [this, id, stage] {
+        if (stage == Stage::connected) listener_.disconnected(id, std::nullopt);
+        if (stage == Stage::attempting || stage == Stage::verifying) listener_.attemptEnded();
+    });
+}
+
+PeripheralState Connections::state(const Uuid& id) const {
+    const auto found = connections_.find(id);
+    if (found == connections_.end()) return PeripheralState::disconnected;
+    switch (found->second.stage) {
+    case Stage::connected:
+        return PeripheralState::connected;
+    case Stage::closing:
+        return PeripheralState::disconnecting;
+    case Stage::waiting:
+    case Stage::attempting:
+    case Stage::verifying:
+        break;
+    }
+    return PeripheralState::connecting;
+}
+
+const Device* Connections::device(const Uuid& id) const {
+    if (!radio_) return nullptr;
+    const std::string* const path = radio_->objects.find(id, radio_->adapter);
+    return path == nullptr ? nullptr : radio_->objects.device(*path);
+}
+
+bool Connections::mayConnect(const Uuid& id, const Device& device) const {
+    // BlueZ reads some of what it finds on a device by itself; a phone that has no bond answers
+    // that by asking its owner to pair.
+    return device.isBonded() || (!device.changing && keys_.contains(id));
+}
+
+bool Connections::isLinked(const Device& device) const {
+    if (device.lowEnergyConnected) return *device.lowEnergyConnected;
+    if (device.isLowEnergyOnly() || !device.connected) return device.connected;
+    return links_.isLinked(radio_->adapter, device.address).value_or(false);
+}
+
+bool Connections::canAttempt(const Uuid& id, const Device& device) const {
+    if (!device.isLowEnergyOnly() && !device.lowEnergyConnected) return false;
+    // Most devices fall silent once they are connected: without the strength of the link a key
+    // would be lost the moment it is held.
+    if (keys_.contains(id) && !links_.canRead(radio_->adapter)) return false;
+    const auto failed = failures_.find(id);
+    return failed == failures_.end() || clock_.now() >= failed->second.notBefore;
+}
+
+void Connections::heard(const Uuid& id) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end() || found->second.stage != Stage::waiting) return;
+    consider(id);
+    const Device* const known = device(id);
+    if (state(id) == PeripheralState::connecting && known != nullptr && canAttempt(id, *known))
+        attempt(id);
+}
+
+void Connections::changed(const Uuid& id) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end()) return;
+    const Stage stage = found->second.stage;
+    if (stage == Stage::waiting) consider(id);
+    if (stage != Stage::connected && stage != Stage::closing) return;
+    const Device* const known = device(id);
+    if (known == nullptr || !isLinked(*known)) lose(found);
+}
+
+void Connections::moved(const Uuid& from, const Uuid& to) {
+    auto node = connections_.extract(from);
+    if (node.empty()) return;
+    // An answer that is under way would come for the former id.
+    if (node.mapped().stage != Stage::connected) node.mapped() = {};
+    node.key() = to;
+    connections_.insert(std::move(node));
+    consider(to);
+}
+
+void Connections::linkEnded(const Uuid& id, std::string_view name) {
+    const auto found = connections_.find(id);
+    if (found != connections_.end() && found->second.stage == Stage::connected)
+        found->second.reason = lossText(name);
+}
+
+void Connections::consider(const Uuid& id) {
+    const auto found = connections_.find(id);
+    const Device* const known = device(id);
+    if (known == nullptr || found == connections_.end() || found->second.stage != Stage::waiting)
+        return;
+    if (!mayConnect(id, *known)) return fail(found);
+    if (isLinked(*known)) return succeed(found, false);
+    if (known->connected && isToldAsOne(*known) && !lookAgain_)
+        lookAgain_ = scheduler_.every(lookAgain, [this] { lookAtBoth(); });
+}
+
+void Connections::lookAtBoth() {
+    std::vector<Uuid> ambiguous;
+    for (const auto& [id, connection] : connections_)
+        if (const Device* const known = device(id);
+            known != nullptr && known->connected && isToldAsOne(*known))
+            ambiguous.push_back(id);
+    if (ambiguous.empty()) lookAgain_.reset();
+    for (const Uuid& id : ambiguous)
+        changed(id);
+}
+
+void Connections::attempt(const Uuid& id) {
+    // Not a reference to the connection: whoever is told may change the map.
+    listener_.attemptBegins();
+    const auto found = connections_.find(id);
+    const Device* const known = device(id);
+    if (found == connections_.end() || known == nullptr) return;
+    found->second.stage = Stage::attempting;
+    found->second.answer = call(id, *known, "Connect", [this, id](const dbus::Message& answer) {
+        attempted(id, answer.error());
+    });
+}
+
+void Connections::attempted(const Uuid& id, const std::optional<std::string>& error) {
+    const auto found = connections_.find(id);
+    const Device* const known = device(id);
+    if (found == connections_.end()) return;
+    if (known == nullptr) return fail(found);
+    if (isLinked(*known)) return succeed(found, !error);
+    // BlueZ has been seen to report an abort of what then stood, and its answer may overtake the
+    // change of the property.
+    found->second.stage = Stage::verifying;
+    found->second.answer = radio_->bus.call(
+        {.destination = "org.bluez",
+         .path = *radio_->objects.find(id, radio_->adapter),
+         .interface = "org.freedesktop.DBus.Properties",
+         .member = "Get",
+         .arguments = {std::string(interfaceFor(*known)), std::string("Connected")}},
+        [this, id, ours = !error](const dbus::Message& answer) {
+            bool isConnected = false;
+            answer.read().variant([&isConnected](dbus::Reader& value) {
+                isConnected = value.boolean().value_or(false);
+            });
+            verified(id, isConnected, ours);
+        });
+}
+
+void Connections::verified(const Uuid& id, bool connected, bool ours) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end()) return;
+    if (connected) return succeed(found, ours);
+    fail(found);
+}
+
+void Connections::succeed(Found connection, bool ours) {
+    const Uuid id = connection->first;
+    const bool attempted = connection->second.stage != Stage::waiting;
+    connection->second = {.stage = Stage::connected, .isOurs = ours, .reason = {}, .answer = {}};
+    failures_.erase(id);
+    if (attempted) listener_.attemptEnded();
+    const Device* const known = device(id);
+    if (known != nullptr && isToldAsOne(*known) && !lookAgain_)
+        lookAgain_ = scheduler_.every(lookAgain, [this] { lookAtBoth(); });
+    listener_.connected(id);
+}
+
+void Connections::fail(Found connection) {
+    const Uuid id = connection->first;
+    const bool attempted = connection->second.stage != Stage::waiting;
+    connections_.erase(connection);
+    if (attempted) {
+        Failures& failures = failures_[id];
+        const auto doubled = firstSpacing * (1 << std::min(failures.count++, 4));
+        failures.notBefore = clock_.now() + std::min(doubled, longestSpacing);
+        listener_.attemptEnded();
+    }
+    listener_.connectFailed(id);
+}
+
+void Connections::lose(Found connection) {
+    if (connection == connections_.end()) return;
+    const Uuid id = connection->first;
+    const auto reason = lossReason(id, connection->second);
+    connections_.erase(connection);
+    listener_.disconnected(id, reason);
+}
+
+std::optional<std::string> Connections::lossReason(const Uuid& id,
+                                                   const Connection& connection) const {
+    if (connection.stage == Stage::closing) return std::nullopt; // as it was asked to
+    const Device* const known = device(id);
+    if (connection.reason || known == nullptr) return connection.reason;
+    const auto code = links_.lossCode(radio_->adapter, known->address);
+    return code ? std::optional(lossText(*code)) : std::nullopt;
+}
+
+void Connections::close(const Uuid& id, const Device& device) {
+    radio_->bus.send({.destination = "org.bluez",
+                      .path = *radio_->objects.find(id, radio_->adapter),
+                      .interface = interfaceFor(device),
+                      .member = "Disconnect"});
+}
+
+Subscription Connections::call(const Uuid& id, const Device& device, const std::string& member,
+                               std::function<void(const dbus::Message&)> answer) {
+    return radio_->bus.call({.destination = "org.bluez",
+                             .path = *radio_->objects.find(id, radio_->adapter),
+                             .interface = interfaceFor(device),
+                             .member = member,
+                             .timeout = patience},
+                            std::move(answer));
+}
+
+} // namespace wegslot::bluez

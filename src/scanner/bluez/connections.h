@@ -1,0 +1,142 @@
+// Connections to devices as the port promises them: a request has no time-out and stays until it
+// is answered or cancelled; success, failure and loss are told once each. BlueZ has no such
+// request, so it is kept here and tried when the device is heard. Nothing is connected that could
+// take a headset's audio or make a stranger's phone ask to pair, and no link that another program
+// opened is ever closed.
+#pragma once
+
+#include "base/clock.h"
+#include "base/delayed_calls.h"
+#include "base/scheduler.h"
+#include "dbus/bus.h"
+#include "scanner/bluetooth_central.h"
+#include "scanner/bluez/links.h"
+#include "scanner/bluez/object_tree.h"
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+namespace wegslot::bluez {
+
+/// Who is told; never from within an operation of `Connections`.
+class ConnectionListener {
+public:
+    ConnectionListener() = default;
+    ConnectionListener(const ConnectionListener&) = delete;
+    ConnectionListener& operator=(const ConnectionListener&) = delete;
+    virtual ~ConnectionListener() = default;
+
+    virtual void connected(const Uuid& id) = 0;
+    virtual void connectFailed(const Uuid& id) = 0;
+    virtual void disconnected(const Uuid& id, const std::optional<std::string>& reason) = 0;
+
+    /// BlueZ is about to be asked to connect a device, and has answered.
+    virtual void attemptBegins() = 0;
+    virtual void attemptEnded() = 0;
+};
+
+class Connections {
+public:
+    /// BlueZ waits 40 s for a device to be heard and some more to read its services.
+    static constexpr std::chrono::microseconds patience = std::chrono::seconds{90};
+
+    /// Between two attempts at a device that fails: doubled from the first to the longest, so
+    /// that a device that refuses leaves the radio to the others.
+    static constexpr Nanoseconds firstSpacing = std::chrono::seconds{2};
+    static constexpr Nanoseconds longestSpacing = std::chrono::seconds{15};
+
+    /// How often a link of either kind is looked at again where BlueZ tells of both as one.
+    static constexpr Nanoseconds lookAgain = std::chrono::seconds{5};
+
+    Connections(ConnectionListener& listener, Links& links, Scheduler& scheduler,
+                const Clock& clock);
+    ~Connections();
+    Connections(const Connections&) = delete;
+    Connections& operator=(const Connections&) = delete;
+
+    /// The radio to work with: a bus with BlueZ, its objects and the adapter's path. They must
+    /// stay until `clearRadio`.
+    void setRadio(dbus::Bus& bus, const ObjectTree& objects, std::string adapter);
+
+    /// The radio went. What was connected is lost; requests stay.
+    void clearRadio();
+
+    /// Devices that may be connected without a bond, if their address is fixed: somebody chose
+    /// them as keys.
+    void setKeys(std::set<Uuid> keys) { keys_ = std::move(keys); }
+
+    void connect(const Uuid& id);
+    void cancel(const Uuid& id);
+    [[nodiscard]] PeripheralState state(const Uuid& id) const;
+
+    // What is learned of devices.
+
+    void heard(const Uuid& id);
+    void changed(const Uuid& id);
+    void moved(const Uuid& from, const Uuid& to);
+    /// `name`: BlueZ's for the reason. Its `Connected` changes right after.
+    void linkEnded(const Uuid& id, std::string_view name);
+
+private:
+    enum class Stage {
+        waiting,    ///< to be heard
+        attempting, ///< BlueZ was asked
+        verifying,  ///< BlueZ answered, and is asked whether there is a link
+        connected,
+        closing, ///< BlueZ was asked to end it
+    };
+
+    struct Connection {
+        Stage stage = Stage::waiting;
+        bool isOurs = false; ///< opened by us, so ours to close
+        std::optional<std::string> reason;
+        Subscription answer;
+    };
+
+    struct Failures {
+        int count = 0;
+        TimePoint notBefore;
+    };
+
+    using Found = std::map<Uuid, Connection>::iterator;
+
+    struct Radio {
+        dbus::Bus& bus;
+        const ObjectTree& objects;
+        std::string adapter;
+    };
+
+    [[nodiscard]] const Device* device(const Uuid& id) const;
+    [[nodiscard]] bool mayConnect(const Uuid& id, const Device& device) const;
+    [[nodiscard]] bool isLinked(const Device& device) const;
+    [[nodiscard]] std::optional<std::string> lossReason(const Uuid& id,
+                                                        const Connection& connection) const;
+    [[nodiscard]] bool canAttempt(const Uuid& id, const Device& device) const;
+
+    void consider(const Uuid& id);
+    void lookAtBoth();
+    void attempt(const Uuid& id);
+    void attempted(const Uuid& id, const std::optional<std::string>& error);
+    void verified(const Uuid& id, bool connected, bool ours);
+    void succeed(Found connection, bool ours);
+    void fail(Found connection);
+    void lose(Found connection);
+    void close(const Uuid& id, const Device& device);
+    Subscription call(const Uuid& id, const Device& device, const std::string& member,
+                      std::function<void(const dbus::Message&)> answer);
+
+    ConnectionListener& listener_;
+    Links& links_;
+    Scheduler& scheduler_;
+    const Clock& clock_;
+    std::optional<Radio> radio_;
+    std::set<Uuid> keys_;
+    std::map<Uuid, Connection> connections_;
+    std::map<Uuid, Failures> failures_;
+    DelayedCalls delayed_;
+    Timer lookAgain_;
+};
+
+} // namespace wegslot::bluez

@@ -1,0 +1,52 @@
+#include "scanner/bluez/loss_text.h"
+
+#include <array>
+
+namespace wegslot::bluez {
+namespace {
+
+constexpr auto timeout = "geen antwoord meer";
+constexpr auto remote = "verbroken door het apparaat";
+constexpr auto local = "verbroken door deze computer";
+constexpr auto authentication = "beveiliging mislukt";
+
+} // namespace
+
+std::string lossText(std::string_view name) {
+    constexpr std::string_view prefix = "org.bluez.Reason.";
+    if (!name.starts_with(prefix)) return "onbekende reden";
+    const std::string_view reason = name.substr(prefix.size());
+    if (reason == "Timeout") return timeout;
+    if (reason == "Remote") return remote;
+    if (reason == "Local") return local;
+    if (reason == "Authentication") return authentication;
+    if (reason == "Suspend") return "computer ging slapen";
+    return "onbekende reden";
+}
+
+std::string lossText(std::uint8_t code) {
+    switch (code) {
+    case 0x05: // authentication failure
+    case 0x06: // PIN or key missing
+    case 0x3D: // MIC failure
+        return authentication;
+    case 0x08: // connection timeout
+    case 0x22: // link layer response timeout
+        return timeout;
+    case 0x13: // remote user terminated
+    case 0x14: // remote device: low resources
+        return remote;
+    case 0x15: // remote device: power off
+        return "apparaat ging uit";
+    case 0x16: // terminated by local host
+        return local;
+    case 0x3E: // failed to be established
+        return "kwam niet tot stand";
+    default: // the codes are an open set
+        break;
+    }
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    return std::string("reden 0x") + digits[code >> 4U] + digits[code & 0xFU];
+}
+
+} // namespace wegslot::bluez
