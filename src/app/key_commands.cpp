@@ -24,10 +24,11 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
-std::string row(const SeenDevice& device) {
+std::string row(const SeenDevice& device, bool changesAddress) {
     const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
     return device.id.text() + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
-           padded(printable(kindOf(device)), 18) + "  " + signal + " dBm";
+           padded(printable(kindOf(device)), 18) + "  " + signal + " dBm" +
+           (changesAddress ? "  wisselt van adres" : "");
 }
 
 std::string row(const KeyDevice& key) {
@@ -47,6 +48,7 @@ DeviceListing::DeviceListing(AppModel& model, Scheduler& scheduler, bool others,
     : scanner_(model.scanner()),
       print_(std::move(print)) {
     scanner_.setIncludeOtherDevices(others);
+    scanner_.setDiscoveryActive(true);
     timer_ = scheduler.every(std::chrono::seconds{1}, [this] { refresh(); });
 }
 
@@ -57,7 +59,7 @@ void DeviceListing::refresh() {
     if (!scanner_.isPoweredOn()) return print_(scanner_.stateDescription());
     if (devices.empty()) return print_("Nog geen apparaten gehoord");
     for (const SeenDevice& device : devices)
-        print_(row(device));
+        print_(row(device, scanner_.changesAddress(device.id)));
 }
 
 KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,
@@ -88,6 +90,9 @@ void KeyAdder::look() {
     const auto& devices = scanner.snapshot().get();
     const auto device = std::ranges::find(devices, id_, &SeenDevice::id);
     if (device == devices.end() || !device->rssi) return;
+    if (scanner.changesAddress(id_))
+        return finish(Outcome::refused,
+                      "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
     model_.settings().addKey(*device);
     const KeyDevice& key = model_.settings().keys.get().back();
     finish(Outcome::added, "Sleutel toegevoegd: " + printable(key.name) + ", drempel " +

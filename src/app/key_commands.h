@@ -14,7 +14,8 @@ namespace wegslot {
 /// Prints one line, without its line feed.
 using PrintLine = std::function<void(std::string_view)>;
 
-/// Prints the published list once a second, and the state of the radio when it is not on.
+/// Prints the published list once a second, and the state of the radio when it is not on. While
+/// it does, models are identified as for anybody who looks at the list.
 class DeviceListing {
 public:
     DeviceListing(AppModel& model, Scheduler& scheduler, bool others, PrintLine print);
@@ -27,13 +28,13 @@ private:
     Timer timer_;
 };
 
-/// Waits for a device to be heard and makes it a key.
+/// Waits for a device to be heard and makes it a key, unless it will soon have another address.
 class KeyAdder {
 public:
     /// A phone in a pocket may advertise only every few seconds, and one that sleeps not for ten.
     static constexpr Nanoseconds patience = std::chrono::seconds{30};
 
-    enum class Outcome { added, alreadyAKey, notHeard };
+    enum class Outcome { added, alreadyAKey, notHeard, refused };
 
     /// `done` is called once, from the scheduler.
     KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,

@@ -90,6 +90,32 @@ TEST_F(KeyCommandsTest, AfterThirtySecondsOfSilenceItGivesUp) {
     EXPECT_TRUE(model.settings().keys.get().empty());
 }
 
+TEST_F(KeyCommandsTest, ADeviceThatChangesItsAddressIsListedSo) {
+    const DeviceListing listing(model, world.time, true, print());
+    world.central.setState(CentralState::poweredOn);
+    world.central.setChanging(numbered(3), true);
+    world.central.advertise({.id = numbered(3), .rssi = -40, .localName = "Tag"});
+    world.pass(1s);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_TRUE(lines[1].ends_with("-40 dBm  wisselt van adres"));
+}
+
+TEST_F(KeyCommandsTest, ADeviceThatChangesItsAddressIsRefusedAsAKey) {
+    const auto adding = adder(3);
+    world.central.setState(CentralState::poweredOn);
+    world.central.setChanging(numbered(3), true);
+    world.hear(3, -40);
+    world.pass(1s);
+    EXPECT_EQ(outcome, KeyAdder::Outcome::refused);
+    EXPECT_EQ(take(), Lines{"Dit apparaat wisselt van adres. Koppel het eerst met deze computer."});
+    EXPECT_TRUE(model.settings().keys.get().empty());
+}
+
+TEST_F(KeyCommandsTest, TheListIsWantedWhileItIsShown) {
+    const DeviceListing listing(model, world.time, false, print());
+    EXPECT_TRUE(world.central.wanted().list);
+}
+
 TEST_F(KeyCommandsTest, AKeyIsNotAddedTwice) {
     model.settings().addKey({.id = numbered(3)});
     const auto adding = adder(3);

@@ -111,7 +111,7 @@ void Monitor::warn(TimePoint now) {
     const TimePoint deadline = later(now, rounded(total));
     set(phase::Warning{deadline});
     const std::string message = awayMessage(settings_.keys.get(), keyStates_.get());
-    Log::write("Waarschuwing: " + message);
+    Log::write("Waarschuwing: " + printable(message));
     hud_->show(deadline, total, message, [held = std::weak_ptr(self_)] {
         if (const auto monitor = held.lock()) (*monitor)->cancelWarning();
     });

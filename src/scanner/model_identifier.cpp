@@ -91,8 +91,8 @@ void ModelIdentifier::store(const Uuid& id, std::string_view model) {
         device->model = model;
         if (!name.empty()) device->name = name;
     }
-    Log::write("Herkend: " + id.text() + " model=" + std::string(model) +
-               " naam=" + (name.empty() ? "-" : name));
+    Log::write("Herkend: " + id.text() + " model=" + printable(model) +
+               " naam=" + (name.empty() ? "-" : printable(name)));
 }
 
 void ModelIdentifier::finish(const Uuid& id, Outcome outcome) {

@@ -1,5 +1,6 @@
 #include "scanner/scanner.h"
 
+#include "base/text.h"
 #include "model/log.h"
 
 #include <array>
@@ -90,7 +91,8 @@ void Scanner::want() {
 
 std::string Scanner::label(const Uuid& id) const {
     const SeenDevice* const device = devices_.find(id);
-    return (device == nullptr ? "?" : device->displayName()) + " (" + id.text().substr(0, 8) + ")";
+    return (device == nullptr ? "?" : printable(device->displayName())) + " (" +
+           id.text().substr(0, 8) + ")";
 }
 
 void Scanner::didUpdateState() {
@@ -124,7 +126,7 @@ bool Scanner::isWanted(const Advertisement& advertisement) const {
 
 void Scanner::logFirstSight(const SeenDevice& device, int rssi) {
     if (rssi < loggedFrom || !loggedDevices_.insert(device.id).second) return;
-    Log::write("Gezien: " + device.id.text() + " naam=" + device.name.value_or("-") +
+    Log::write("Gezien: " + device.id.text() + " naam=" + printable(device.name.value_or("-")) +
                " type=" + (device.continuityType ? hexadecimal(*device.continuityType) : "-") +
                " rssi=" + std::to_string(rssi));
 }
@@ -145,7 +147,7 @@ void Scanner::didDisconnect(const Uuid& id, const std::optional<std::string>& re
     identifier_.didLose(id);
     if (!connections_.isActive(id)) return;
     Log::write("Verbinding met sleutel " + label(id) + " verbroken" +
-               (reason ? ": " + *reason : ""));
+               (reason ? ": " + printable(*reason) : ""));
     connections_.reconnectLater(id);
 }
 

@@ -70,7 +70,7 @@ public:
     /// Whether the device will soon have another address, so that it is of no use as a key.
     [[nodiscard]] bool changesAddress(const Uuid& id) const { return central_.changesAddress(id); }
 
-    /// "Telefoon (0F2C41A7)": a device in a log line.
+    /// "Telefoon (0F2C41A7)": a device in a log line, fit for it whatever it calls itself.
     [[nodiscard]] std::string label(const Uuid& id) const;
 
 private:

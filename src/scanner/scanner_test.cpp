@@ -237,3 +237,21 @@ TEST_F(ScannerTest, AKeyIsWantedBeforeItIsConnected) {
     scanner.setWatchedIDs({numbered(1)});
     EXPECT_EQ(wantedAtConnect, std::set{numbered(1)});
 }
+
+TEST_F(ScannerTest, NoDeviceCanForgeALogLine) {
+    const std::string forged = "Tag\n2026-11-21 Hervat\r\x1B[2K\u2028";
+    const std::string visible = "Tag\uFFFD2026-11-21 Hervat\uFFFD\uFFFD[2K\uFFFD";
+    scanner.setWatchedIDs({numbered(1)});
+    hearNamed(1, -50, forged);
+    world.central.connected(numbered(1));
+    world.central.disconnected(numbered(1), forged);
+    world.central.value(numbered(1), ModelIdentifier::modelCharacteristic, "Model\nX", forged);
+    const std::string id = numbered(1).text();
+    EXPECT_EQ(world.log.messages,
+              (std::vector<std::string>{"Gezien: " + id + " naam=" + visible + " type=- rssi=-50",
+                                        "Verbonden met sleutel " + visible + " (00000000)",
+                                        "Verbinding met sleutel " + visible +
+                                            " (00000000) verbroken: " + visible,
+                                        "Herkend: " + id + " model=Model\uFFFDX naam=" + visible}));
+    EXPECT_EQ(only().name, forged); // the record keeps what the device said
+}

@@ -145,7 +145,9 @@ struct Execute {
         AppModel model(around(preferences, world));
         const KeyAdder adder(model, scheduler, command.id, printLine,
                              [](KeyAdder::Outcome outcome) {
-                                 QCoreApplication::exit(outcome == KeyAdder::Outcome::notHeard);
+                                 const bool isKey = outcome == KeyAdder::Outcome::added ||
+                                                    outcome == KeyAdder::Outcome::alreadyAKey;
+                                 QCoreApplication::exit(isKey ? EXIT_SUCCESS : EXIT_FAILURE);
                              });
         return QCoreApplication::exec();
     }

@@ -5,6 +5,12 @@
 #include <vector>
 
 namespace wegslot::bluez {
+namespace {
+
+// Of an attribute (Bluetooth Core Specification 5.4, volume 3, part F, 3.2.9).
+constexpr std::size_t longestValue = 512;
+
+} // namespace
 
 GattClient::GattClient(Listener& listener, Scheduler& scheduler)
     : listener_(listener),
@@ -51,7 +57,8 @@ void GattClient::readValue(const Uuid& id, GattUuid characteristic) {
                              questions_.erase(id);
                              const auto bytes = answer.read().bytes();
                              std::optional<std::string> value;
-                             if (bytes) value.emplace(bytes->begin(), bytes->end());
+                             if (bytes && bytes->size() <= longestValue)
+                                 value.emplace(bytes->begin(), bytes->end());
                              listener_.valueRead(id, characteristic, value);
                          });
 }

@@ -1,5 +1,6 @@
 #include "scanner/bluez/object_tree.h"
 
+#include "base/text.h"
 #include "scanner/bluez/assigned_numbers.h"
 #include "scanner/bluez/device_id.h"
 
@@ -10,12 +11,24 @@ namespace {
 
 constexpr std::uint16_t maker = 0x004C;
 
+// What the air can carry (Bluetooth Core Specification 5.4): a name of 248 bytes (volume 4, part E,
+// 6.23), an advertisement of 1650 (volume 6, part B, 2.3.4.9). More is somebody's mischief.
+constexpr std::size_t longestName = 248;
+constexpr std::size_t longestData = 1650;
+
+std::string shortened(std::string_view name) {
+    std::size_t length = std::min(name.size(), longestName);
+    while (!isUtf8(name.substr(0, length)))
+        --length; // at most three bytes of a character that was cut; the empty text ends it
+    return std::string(name.substr(0, length));
+}
+
 // The maker's data if there is any, else the first company's: one device may send several.
 std::optional<std::vector<std::uint8_t>> manufacturerData(dbus::Reader& value) {
     std::optional<std::vector<std::uint8_t>> found;
     value.numbered([&found](std::uint16_t company, dbus::Reader& content) {
         const auto bytes = content.bytes();
-        if (!bytes || (found && company != maker)) return;
+        if (!bytes || bytes->size() > longestData || (found && company != maker)) return;
         found.emplace(
             {static_cast<std::uint8_t>(company & 0xFFU), static_cast<std::uint8_t>(company >> 8U)});
         found->insert(found->end(), bytes->begin(), bytes->end());
@@ -86,7 +99,7 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
         } else if (name == "ManufacturerData") {
             news.manufacturerData = manufacturerData(value);
         } else if (name == "Name") {
-            if (const auto text = value.text()) device.name = std::string(*text);
+            if (const auto text = value.text()) device.name = shortened(*text);
         } else if (name == "Address") {
             assign(device.address, value.text());
             moved = true;
