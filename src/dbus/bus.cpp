@@ -1,5 +1,7 @@
 #include "dbus/bus.h"
 
+#include "dbus/writer.h"
+
 #include <systemd/sd-bus.h>
 
 #include <array>
@@ -16,49 +18,40 @@ Failure failure(const std::string& what, int error) {
 }
 
 struct Append {
-    sd_bus_message* message;
+    Writer& writer;
 
-    int operator()(bool value) const {
-        const int number = value ? 1 : 0;
-        return sd_bus_message_append_basic(message, 'b', &number);
-    }
-    int operator()(std::uint32_t value) const {
-        return sd_bus_message_append_basic(message, 'u', &value);
-    }
-    int operator()(std::int16_t value) const {
-        return sd_bus_message_append_basic(message, 'n', &value);
-    }
-    int operator()(const std::string& value) const {
-        return sd_bus_message_append_basic(message, 's', value.c_str());
-    }
-    int operator()(const Dictionary& dictionary) const {
-        sd_bus_message_open_container(message, 'a', "{sv}");
-        for (const auto& [name, value] : dictionary) {
-            sd_bus_message_open_container(message, 'e', "sv");
-            (*this)(name);
-            constexpr std::array signatures{"b", "n", "s"};
-            sd_bus_message_open_container(message, 'v', signatures.at(value.index()));
-            std::visit(*this, value);
-            sd_bus_message_close_container(message);
-            sd_bus_message_close_container(message);
-        }
-        return sd_bus_message_close_container(message);
+    void operator()(bool value) const { writer.boolean(value); }
+    void operator()(std::uint32_t value) const { writer.uint32(value); }
+    void operator()(std::int16_t value) const { writer.int16(value); }
+    void operator()(const std::string& value) const { writer.text(value); }
+    void operator()(const ObjectPath& path) const { writer.path(path.text); }
+    void operator()(const Dictionary& dictionary) const {
+        writer.array("{sv}", [&dictionary](Writer& entries) {
+            for (const auto& [name, value] : dictionary)
+                entries.entry("sv", [&name = name, &value = value](Writer& entry) {
+                    constexpr std::array signatures{"b", "n", "s"};
+                    entry.text(name);
+                    entry.variant(signatures.at(value.index()), [&value](Writer& content) {
+                        std::visit(Append{content}, value);
+                    });
+                });
+        });
     }
 };
 
 /// Null when the call cannot be formed: a name that is none, a text that is not UTF-8.
 MessagePointer formed(sd_bus* bus, const Call& call) {
     sd_bus_message* message = nullptr;
-    int error =
+    const int error =
         sd_bus_message_new_method_call(bus, &message, call.destination.c_str(), call.path.c_str(),
                                        call.interface.c_str(), call.member.c_str());
     MessagePointer owned(message, sd_bus_message_unref);
     if (error < 0) return MessagePointer{nullptr, sd_bus_message_unref};
     sd_bus_message_set_auto_start(message, call.autoStart ? 1 : 0);
-    for (const Argument& argument : call.arguments) {
-        error = std::visit(Append{message}, argument);
-        if (error < 0) return MessagePointer{nullptr, sd_bus_message_unref};
-    }
+    Writer writer(message);
+    for (const Argument& argument : call.arguments)
+        std::visit(Append{writer}, argument);
+    if (!writer.isWhole()) return MessagePointer{nullptr, sd_bus_message_unref};
     return owned;
 }
 

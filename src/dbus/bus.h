@@ -25,7 +25,10 @@ namespace wegslot::dbus {
 /// One argument of a call.
 using Dictionary =
     std::vector<std::pair<std::string, std::variant<bool, std::int16_t, std::string>>>;
-using Argument = std::variant<bool, std::uint32_t, std::string, Dictionary>;
+struct ObjectPath {
+    std::string text;
+};
+using Argument = std::variant<bool, std::uint32_t, std::string, ObjectPath, Dictionary>;
 
 struct Call {
     std::string destination;
@@ -65,6 +68,9 @@ public:
     [[nodiscard]] Subscription
     followOwner(const std::string& name,
                 std::function<void(const std::optional<std::string>&)> listener);
+
+    /// The bus as its library knows it; for this seam only.
+    [[nodiscard]] sd_bus* native() const { return bus_; }
 
     // For the event loop.
 

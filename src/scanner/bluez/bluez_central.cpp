@@ -134,6 +134,7 @@ void BluezCentral::dropRadio() {
     if (!discovery_) return;
     discovering(false);
     schedule_.stop();
+    monitorAdvertisements(false);
     discovery_.reset();
     readings_.clear();
     gatt_.clearRadio();
@@ -151,7 +152,19 @@ void BluezCentral::listenForKeys() {
     const bool linksTell = adapter_ && links_.canRead(*adapter_);
     for (const Uuid& id : wanted_.connect)
         if (!linksTell || peripheralState(id) != PeripheralState::connected) keys.insert(id);
+    monitorAdvertisements(wanted_.list || !keys.empty());
     schedule_.want(wanted_.list, std::move(keys));
+}
+
+void BluezCentral::monitorAdvertisements(bool wanted) {
+    const bool offered = discovery_ && surroundings_.adapter && surroundings_.adapter->hasMonitors;
+    if ((wanted && offered) == (monitor_ != nullptr)) return;
+    if (monitor_) {
+        monitor_.reset();
+        return schedule_.setUnfiltered(false);
+    }
+    monitor_ = std::make_unique<bluez::AdvertisementMonitor>(
+        *bus_, *adapter_, [this](bool active) { schedule_.setUnfiltered(active); });
 }
 
 void BluezCentral::startScan() { discovery_->start(); }

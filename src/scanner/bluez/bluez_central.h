@@ -9,6 +9,7 @@
 #include "base/scheduler.h"
 #include "dbus/connection.h"
 #include "scanner/bluetooth_central.h"
+#include "scanner/bluez/advertisement_monitor.h"
 #include "scanner/bluez/central_state.h"
 #include "scanner/bluez/connections.h"
 #include "scanner/bluez/discovery.h"
@@ -95,6 +96,7 @@ private:
     [[nodiscard]] bool canScan() const;
     void awaitGrace();
     void listenForKeys();
+    void monitorAdvertisements(bool wanted);
     void treatDeafness();
     void wokeUp();
     [[nodiscard]] const bluez::Device* find(const Uuid& id) const;
@@ -107,6 +109,7 @@ private:
     dbus::Bus* bus_ = nullptr;
     std::unique_ptr<bluez::ObjectWatch> watch_;
     std::unique_ptr<bluez::Discovery> discovery_;
+    std::unique_ptr<bluez::AdvertisementMonitor> monitor_; ///< while there is anything to hear
     bluez::Connections connections_;
     bluez::GattClient gatt_;
     ScanSchedule schedule_;

@@ -1,0 +1,85 @@
+#include "dbus/object.h"
+
+#include <systemd/sd-bus.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace wegslot::dbus {
+namespace {
+
+/// What the C library points into for as long as the object is shown.
+struct Exported {
+    Interface interface;
+    std::vector<sd_bus_vtable> table;
+};
+
+int getProperty(sd_bus*, const char*, const char*, const char* name, sd_bus_message* reply,
+                void* data, sd_bus_error*) {
+    const auto& properties = static_cast<Exported*>(data)->interface.properties;
+    const auto found = std::ranges::find(properties, std::string_view(name), &Property::name);
+    if (found == properties.end()) return -ENOENT;
+    Writer writer(reply);
+    found->write(writer);
+    return writer.isWhole() ? 0 : -EINVAL;
+}
+
+int callMethod(sd_bus_message* call, void* data, sd_bus_error*) {
+    const auto& methods = static_cast<Exported*>(data)->interface.methods;
+    const std::string_view member = sd_bus_message_get_member(call);
+    const auto found = std::ranges::find(methods, member, &Method::name);
+    if (found == methods.end()) return -ENOENT;
+    // A copy: answering may end the object.
+    const auto answer = found->answer;
+    sd_bus_message* reply = nullptr;
+    if (const int error = sd_bus_message_new_method_return(call, &reply); error < 0) return error;
+    const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(
+        reply, sd_bus_message_unref);
+    Writer writer(reply);
+    answer(Message{call}, writer);
+    if (!writer.isWhole()) return -EINVAL;
+    return sd_bus_send(nullptr, reply, nullptr) < 0 ? -EIO : 1;
+}
+
+std::vector<sd_bus_vtable> tableOf(const Interface& interface) {
+    std::vector<sd_bus_vtable> table;
+    table.push_back(SD_BUS_VTABLE_START(0));
+    for (const Property& property : interface.properties)
+        table.push_back(
+            SD_BUS_PROPERTY(property.name.c_str(), property.signature.c_str(), getProperty, 0, 0));
+    for (const Method& method : interface.methods)
+        table.push_back(SD_BUS_METHOD(method.name.c_str(), method.arguments.c_str(),
+                                      method.results.c_str(), callMethod,
+                                      SD_BUS_VTABLE_UNPRIVILEGED));
+    table.push_back(SD_BUS_VTABLE_END);
+    return table;
+}
+
+} // namespace
+
+Subscription exportObject(Bus& bus, const std::string& path, Interface interface) {
+    const auto exported = std::make_shared<Exported>();
+    exported->interface = std::move(interface);
+    exported->table = tableOf(exported->interface);
+    sd_bus_slot* slot = nullptr;
+    if (sd_bus_add_object_vtable(bus.native(), &slot, path.c_str(),
+                                 exported->interface.name.c_str(), exported->table.data(),
+                                 exported.get()) < 0)
+        return {};
+    sd_bus_emit_object_added(bus.native(), path.c_str());
+    return Subscription{[exported, slot, path, native = bus.native()] {
+        sd_bus_emit_object_removed(native, path.c_str());
+        sd_bus_slot_unref(slot);
+    }};
+}
+
+Subscription exportObjectManager(Bus& bus, const std::string& path) {
+    sd_bus_slot* slot = nullptr;
+    if (sd_bus_add_object_manager(bus.native(), &slot, path.c_str()) < 0) return {};
+    return Subscription{[slot] { sd_bus_slot_unref(slot); }};
+}
+
+} // namespace wegslot::dbus

@@ -1,0 +1,49 @@
+// Writing side of the D-Bus seam: values appended to a message one after the other, containers by
+// a function that fills them. Types are D-Bus signatures; what does not fit (a text that is not
+// UTF-8, a path that is none) spoils the message, which is then not to be sent.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+
+struct sd_bus_message;
+
+namespace wegslot::dbus {
+
+class Writer {
+public:
+    using Fill = std::function<void(Writer&)>;
+
+    explicit Writer(sd_bus_message* message) : message_(message) {}
+
+    void text(const std::string& value);
+    void path(const std::string& value);
+    void boolean(bool value);
+    void byte(std::uint8_t value);
+    void int16(std::int16_t value);
+    void uint32(std::uint32_t value);
+    void bytes(std::span<const std::uint8_t> value);
+
+    // `contents`: the signature of what `fill` appends (of one element, for an array).
+
+    void array(const char* contents, const Fill& fill);
+    void structure(const char* contents, const Fill& fill);
+    void entry(const char* contents, const Fill& fill); ///< of a dictionary
+    void variant(const char* contents, const Fill& fill);
+
+    /// Whether everything did fit.
+    [[nodiscard]] bool isWhole() const { return whole_; }
+
+private:
+    void basic(char type, const void* value);
+    void container(char type, const char* contents, const Fill& fill);
+
+    void check(int result) { whole_ = whole_ && result >= 0; }
+
+    sd_bus_message* message_;
+    bool whole_ = true;
+};
+
+} // namespace wegslot::dbus

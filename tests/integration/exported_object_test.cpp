@@ -1,0 +1,145 @@
+// An object of ours on a real bus, asked by another program on it.
+
+#include "dbus/object.h"
+
+#include "tests/support/bus_loop.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include <systemd/sd-bus.h>
+
+using namespace wegslot;
+
+namespace {
+
+struct ExportedObjectTest : testing::Test {
+    BusLoop loop;
+    std::unique_ptr<dbus::Bus> ours = loop.connect();
+    std::unique_ptr<dbus::Bus> other = loop.connect();
+    Handle drivingOurs = loop.attach(*ours);
+    Handle drivingOther = loop.attach(*other);
+
+    std::string level = "laag";
+    int called = 0;
+
+    [[nodiscard]] std::string name() const {
+        const char* unique = nullptr;
+        sd_bus_get_unique_name(ours->native(), &unique);
+        return unique;
+    }
+    [[nodiscard]] dbus::Interface lamp() {
+        return {
+            .name = "nl.example.Lamp",
+            .properties = {{"Level", "s", [this](dbus::Writer& value) { value.text(level); }},
+                           {"Steps", "ay",
+                            [](dbus::Writer& value) {
+                                value.bytes(std::array<std::uint8_t, 2>{1, 2});
+                            }}},
+            .methods = {{"Set", "s", "s", [this](const dbus::Message& call, dbus::Writer& answer) {
+                             ++called;
+                             answer.text(std::exchange(
+                                 level, std::string(call.read().text().value_or(""))));
+                         }}}};
+    }
+    /// What `read` makes of the answer; the error's name when it is one.
+    std::string ask(const std::string& path, const std::string& interface,
+                    const std::string& member, std::vector<dbus::Argument> arguments,
+                    const std::function<std::string(dbus::Reader&)>& read) {
+        std::optional<std::string> result;
+        const auto call = other->call({.destination = name(),
+                                       .path = path,
+                                       .interface = interface,
+                                       .member = member,
+                                       .arguments = std::move(arguments)},
+                                      [&](const dbus::Message& answer) {
+                                          auto reader = answer.read();
+                                          result = answer.error() ? *answer.error() : read(reader);
+                                      });
+        EXPECT_TRUE(loop.runUntil([&] { return result.has_value(); }));
+        return result.value_or("");
+    }
+    std::string property(const std::string& which) {
+        return ask("/lamp", "org.freedesktop.DBus.Properties", "Get",
+                   {std::string("nl.example.Lamp"), which}, [](dbus::Reader& reader) {
+                       std::string text;
+                       reader.variant([&text](dbus::Reader& value) {
+                           if (const auto bytes = value.bytes()) {
+                               for (const auto byte : *bytes)
+                                   text += std::to_string(byte);
+                           } else {
+                               text = value.text().value_or("");
+                           }
+                       });
+                       return text;
+                   });
+    }
+    static std::string text(dbus::Reader& reader) {
+        return std::string(reader.text().value_or(""));
+    }
+};
+
+} // namespace
+
+TEST_F(ExportedObjectTest, PropertiesAreReadWhenAskedFor) {
+    const auto shown = dbus::exportObject(*ours, "/lamp", lamp());
+    loop.settle();
+    EXPECT_EQ(property("Level"), "laag");
+    level = "hoog";
+    EXPECT_EQ(property("Level"), "hoog");
+    EXPECT_EQ(property("Steps"), "12");
+    EXPECT_EQ(property("Geen"), "org.freedesktop.DBus.Error.UnknownProperty");
+}
+
+TEST_F(ExportedObjectTest, MethodsAreAnswered) {
+    const auto shown = dbus::exportObject(*ours, "/lamp", lamp());
+    loop.settle();
+    EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Set", {std::string("hoog")}, text), "laag");
+    EXPECT_EQ(level, "hoog");
+    EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Set", {true}, text),
+              "org.freedesktop.DBus.Error.InvalidArgs");
+    EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Break", {}, text),
+              "org.freedesktop.DBus.Error.UnknownMethod");
+    EXPECT_EQ(called, 1);
+}
+
+TEST_F(ExportedObjectTest, AnAnswerThatCannotBeSentIsAnError) {
+    level = "\xFF"; // not UTF-8
+    const auto shown = dbus::exportObject(*ours, "/lamp", lamp());
+    loop.settle();
+    EXPECT_EQ(property("Level"), "org.freedesktop.DBus.Error.InvalidArgs");
+}
+
+TEST_F(ExportedObjectTest, AnEndedHandleTakesTheObjectAway) {
+    auto shown = dbus::exportObject(*ours, "/lamp", lamp());
+    loop.settle();
+    EXPECT_EQ(property("Level"), "laag");
+    shown.reset();
+    EXPECT_EQ(property("Level"), "org.freedesktop.DBus.Error.UnknownObject");
+}
+
+TEST_F(ExportedObjectTest, AManagerListsWhatIsBelowItAndTellsOfChanges) {
+    const auto manager = dbus::exportObjectManager(*ours, "/lamps");
+    auto shown = dbus::exportObject(*ours, "/lamps/one", lamp());
+    const auto objects = [](dbus::Reader& reader) {
+        std::string paths;
+        reader.objects([&paths](std::string_view path, dbus::Reader&) { paths += path; });
+        return paths;
+    };
+    loop.settle();
+    EXPECT_EQ(ask("/lamps", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", {}, objects),
+              "/lamps/one");
+    bool removed = false;
+    const auto told =
+        other->onSignal("interface='org.freedesktop.DBus.ObjectManager',member='InterfacesRemoved'",
+                        [&removed](const dbus::Message&) { removed = true; });
+    loop.settle();
+    shown.reset();
+    EXPECT_TRUE(loop.runUntil([&] { return removed; }));
+}
+
+TEST_F(ExportedObjectTest, WhatHasNoProperNameIsNotShown) {
+    EXPECT_FALSE(dbus::exportObject(*ours, "lamp", lamp()));
+    EXPECT_FALSE(dbus::exportObject(*ours, "/lamp", {.name = "lamp!"}));
+}
