@@ -1,6 +1,7 @@
 // A map of properties as BlueZ sends it, with any names and any types: the bytes say what is put
 // in. Reading it must leave the message readable to its end.
 
+#include "scanner/bluez/gatt_tree.h"
 #include "scanner/bluez/object_tree.h"
 #include "tests/fuzz/expect.h"
 
@@ -8,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include <sys/socket.h>
@@ -94,8 +96,9 @@ void appendValue(sd_bus_message* message, Input& input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static sd_bus* const bus = unconnectedBus();
-    constexpr std::array names{"RSSI",        "ManufacturerData", "Name",       "Address",
-                               "AddressType", "Powered",          "PowerState", "Roles"};
+    constexpr std::array names{"RSSI",      "ManufacturerData", "Name",  "Address", "AddressType",
+                               "Powered",   "PowerState",       "Roles", "Paired",  "Bonded",
+                               "Connected", "ServicesResolved", "UUIDs", "Class",   "UUID"};
     Input input(data, size);
     sd_bus_message* message = nullptr;
     expect(sd_bus_message_new_signal(bus, &message, "/a", "a.b", "C") >= 0);
@@ -113,16 +116,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     expect(sd_bus_message_seal(message, 1, 0) >= 0);
 
     bluez::ObjectTree tree;
-    for (const bool asDevice : {true, false}) {
+    bluez::GattTree gatt;
+    const std::string device = "/org/bluez/hci0/dev_1";
+    const std::array<std::function<void(dbus::Reader&)>, 5> readings{
+        [&](dbus::Reader& reader) { static_cast<void>(tree.readDevice(device, reader)); },
+        [&](dbus::Reader& reader) { static_cast<void>(tree.readBearer(device, reader)); },
+        [&](dbus::Reader& reader) { tree.readAdapter("/org/bluez/hci0", reader); },
+        [&](dbus::Reader& reader) { gatt.readService(device + "/service1", reader); },
+        [&](dbus::Reader& reader) { gatt.readCharacteristic(device + "/service1/char1", reader); },
+    };
+    for (const auto& read : readings) {
         expect(sd_bus_message_rewind(message, 1) >= 0);
         dbus::Reader reader(message);
-        if (asDevice) {
-            static_cast<void>(tree.readDevice("/org/bluez/hci0/dev_1", reader));
-        } else {
-            tree.readAdapter("/org/bluez/hci0", reader);
-        }
+        read(reader);
         expect(reader.text() == "the end");
     }
+    if (const auto id = tree.device(device)->id)
+        expect(*tree.find(*id, "/org/bluez/hci0") == device);
+    expect(gatt.services(device).size() <= 1);
+    for (const GattUuid service : gatt.services(device))
+        expect(gatt.characteristics(device, service).size() <= 1);
     sd_bus_message_unref(message);
     return 0;
 }
