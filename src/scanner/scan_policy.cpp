@@ -11,6 +11,8 @@ void ScanPolicy::want(bool list, std::set<Uuid> keys, TimePoint now) {
     } else if (!listSince_) {
         listSince_ = now;
     }
+    for (const Uuid& id : keys)
+        if (!keys_.contains(id)) lastHeard_[id] = now - nextScan;
     keys_ = std::move(keys);
     std::erase_if(lastHeard_, [this](const auto& entry) { return !keys_.contains(entry.first); });
 }
@@ -19,11 +21,6 @@ bool ScanPolicy::heard(const Uuid& id, TimePoint now) {
     if (!keys_.contains(id)) return false;
     lastHeard_[id] = now;
     return true;
-}
-
-void ScanPolicy::makeWay(TimePoint now) {
-    wayMadeAt_ = now;
-    if (std::exchange(scanning_, false)) since_ = now;
 }
 
 void ScanPolicy::reset() {
@@ -44,7 +41,8 @@ ScanPolicy::Decision ScanPolicy::decide(TimePoint now) {
     }
     const TimePoint end = burstEnd(now);
     if (now < end) return {Scan::on, end};
-    return turn(isContinuous(now) ? Scan::anew : Scan::off, now);
+    if (now >= *since_ + longestBurst) searchedAt_ = since_;
+    return turn(isContinuous(now) && !isWayAsked() ? Scan::anew : Scan::off, now);
 }
 
 ScanPolicy::Decision ScanPolicy::turn(Scan scan, TimePoint now) {
@@ -61,33 +59,42 @@ bool ScanPolicy::isPresent(TimePoint lastHeard, TimePoint now) const {
     return now - lastHeard < presence;
 }
 
+bool ScanPolicy::isSearching() const {
+    return !searchedAt_ || *since_ - *searchedAt_ >= searchInterval;
+}
+
+bool ScanPolicy::isWayAsked() const { return wayMadeAt_ && *wayMadeAt_ >= *since_; }
+
+ScanPolicy::Heard ScanPolicy::heardInBurst(TimePoint now) const {
+    const bool searching = isSearching();
+    Heard heard = Heard::noneIsHere;
+    for (const auto& [id, lastHeard] : lastHeard_) {
+        if (!searching && !isPresent(lastHeard, now)) continue;
+        if (lastHeard < *since_) return Heard::some;
+        heard = Heard::all;
+    }
+    return heard;
+}
+
 TimePoint ScanPolicy::burstEnd(TimePoint now) const {
+    const TimePoint full = *since_ + longestBurst;
+    // Once every key that is here has been heard, the rest of the burst would tell nothing new.
+    const Heard heard = heardInBurst(now);
+    if (isWayAsked()) return heard == Heard::some ? full : *wayMadeAt_;
     if (isContinuous(now)) {
         const TimePoint limit = *listSince_ + listLimit;
-        return unfiltered_ ? limit : std::min(*since_ + longestBurst, limit);
+        return unfiltered_ ? limit : std::min(full, limit);
     }
-    // Once every key that is here has been heard, the rest of the burst would tell nothing new.
-    bool anyPresent = false;
-    bool allHeard = true;
-    for (const auto& [id, lastHeard] : lastHeard_) {
-        if (!isPresent(lastHeard, now)) continue;
-        anyPresent = true;
-        allHeard = allHeard && lastHeard >= *since_;
-    }
-    return *since_ + (anyPresent && allHeard ? shortestBurst : longestBurst);
+    return heard == Heard::all ? *since_ + shortestBurst : full;
 }
 
 TimePoint ScanPolicy::gapEnd(TimePoint now) const {
-    TimePoint end = now;
-    if (since_) {
-        // Nobody here to grow old: the longest gap, after which a key that returns is caught.
-        end = *since_ + nextScan;
-        for (const auto& [id, lastHeard] : lastHeard_)
-            if (isPresent(lastHeard, now)) end = std::min(end, lastHeard + nextScan);
-        end = isContinuous(now) ? now : std::max(end, *since_ + shortestGap);
-    }
-    if (wayMadeAt_ && isContinuous(now)) end = std::max(end, *wayMadeAt_ + nextScan);
-    return end;
+    if (!since_ || (isContinuous(now) && !wayMadeAt_)) return now;
+    // Nobody here to grow old: the longest gap, after which a key that returns is caught.
+    TimePoint end = *since_ + nextScan;
+    for (const auto& [id, lastHeard] : lastHeard_)
+        if (isPresent(lastHeard, now)) end = std::min(end, lastHeard + nextScan);
+    return std::max(end, *since_ + shortestGap);
 }
 
 } // namespace wegslot

@@ -19,9 +19,9 @@ public:
     /// A key not heard for longer may be judged weak (the smoothing window) or lost (the
     /// shortest time-out that can be set).
     static constexpr Nanoseconds freshness = std::chrono::seconds{5};
-    /// From asking for a scan to its first report, and a random delay of each advertisement;
-    /// 0.15 to 0.31 s were measured under emulation.
-    static constexpr Nanoseconds startUp = std::chrono::milliseconds{400};
+    /// From asking for a scan to its first report (0.15 to 0.31 s were measured under emulation),
+    /// and the random delay of each advertisement, up to 10 ms.
+    static constexpr Nanoseconds startUp = std::chrono::milliseconds{350};
 
     /// A controller that filters duplicates reports a device once a scan, so a key heard at the
     /// start of one scan must be in time for the end of the next.
@@ -29,12 +29,16 @@ public:
 
     /// For a median of more than one sample where the key and the controller allow it.
     static constexpr Nanoseconds shortestBurst = std::chrono::seconds{1};
-    /// A bonded mouse advertises every 30 ms or less while it reconnects: several times in this.
-    static constexpr Nanoseconds shortestGap = std::chrono::milliseconds{300};
-    /// Hears the slowest key, and leaves the gap its room before the next scan.
-    static constexpr Nanoseconds longestBurst = nextScan - shortestGap;
+    /// Hears the slowest key wherever in its interval the scan begins.
+    static constexpr Nanoseconds longestBurst = slowestKey + startUp;
+    /// What is left: 300 ms. A bonded mouse advertises every 30 ms or less while it reconnects:
+    /// several times in this.
+    static constexpr Nanoseconds shortestGap = nextScan - longestBurst;
     /// A key not heard for this long is taken to be elsewhere: nothing is late any more.
     static constexpr Nanoseconds presence = std::chrono::seconds{30};
+    /// How often a burst has its full length for the sake of those elsewhere. Short bursts may
+    /// miss a key that returns for minutes: theirs and its rhythm can be one.
+    static constexpr Nanoseconds searchInterval = std::chrono::seconds{10};
     /// A list left open is not a reason to scan for ever.
     static constexpr Nanoseconds listLimit = std::chrono::minutes{2};
 
@@ -49,7 +53,8 @@ public:
         std::optional<TimePoint> until; ///< ask again then; nothing: not before something changes
     };
 
-    /// The keys to be heard, and whether a list of everything is open.
+    /// The keys to be heard, and whether a list of everything is open. A key that is new is taken
+    /// to be here and due: it may be one whose connection has just ended.
     void want(bool list, std::set<Uuid> keys, TimePoint now);
 
     /// The controller does not filter duplicates at the moment.
@@ -58,8 +63,9 @@ public:
     /// An advertisement came. True when it is a key's, so that the next decision may differ.
     bool heard(const Uuid& id, TimePoint now);
 
-    /// Ends the scan for as long as a connection takes to be made; `resume` ends that early.
-    void makeWay(TimePoint now);
+    /// A connection waits for the radio: ends the scan as soon as every key that is here has been
+    /// heard in it, and begins no other before that is due for a key; `resume` ends that early.
+    void makeWay(TimePoint now) { wayMadeAt_ = now; }
     void resume() { wayMadeAt_.reset(); }
 
     /// No scan is running: the radio was off, asleep or restarted. The next begins at once.
@@ -69,8 +75,14 @@ public:
     [[nodiscard]] Decision decide(TimePoint now);
 
 private:
+    /// Of the keys that a burst is for.
+    enum class Heard { noneIsHere, some, all };
+
     [[nodiscard]] bool isContinuous(TimePoint now) const;
     [[nodiscard]] bool isPresent(TimePoint lastHeard, TimePoint now) const;
+    [[nodiscard]] bool isSearching() const;
+    [[nodiscard]] bool isWayAsked() const;
+    [[nodiscard]] Heard heardInBurst(TimePoint now) const;
     [[nodiscard]] TimePoint burstEnd(TimePoint now) const;
     [[nodiscard]] TimePoint gapEnd(TimePoint now) const;
     Decision turn(Scan scan, TimePoint now);
@@ -80,7 +92,8 @@ private:
     std::unordered_map<Uuid, TimePoint> lastHeard_; ///< of the keys
     bool unfiltered_ = false;
     bool scanning_ = false;
-    std::optional<TimePoint> since_; ///< of the scan or the gap
+    std::optional<TimePoint> since_;      ///< of the scan or the gap
+    std::optional<TimePoint> searchedAt_; ///< when the last burst of full length began
     std::optional<TimePoint> wayMadeAt_;
 };
 

@@ -39,13 +39,48 @@ TEST_F(ScanPolicyTest, WithEveryKeyConnectedItStops) {
     EXPECT_EQ(due(), std::nullopt);
 }
 
-TEST_F(ScanPolicyTest, AnAbsentKeyIsListenedForInLongBurstsWithLongGaps) {
+TEST_F(ScanPolicyTest, AKeyThatIsNewIsListenedForAsOneThatIsHereAndDue) {
     policy.want(false, {key}, now);
     EXPECT_EQ(at(0s), Scan::on);
     EXPECT_EQ(at(ScanPolicy::longestBurst - 1ns), Scan::on);
     EXPECT_EQ(at(ScanPolicy::longestBurst), Scan::off);
-    EXPECT_EQ(at(ScanPolicy::longestBurst + ScanPolicy::nextScan - 1ns), Scan::off);
-    EXPECT_EQ(at(ScanPolicy::longestBurst + ScanPolicy::nextScan), Scan::on);
+    EXPECT_EQ(at(ScanPolicy::freshness - ScanPolicy::startUp - 2s - 1ns), Scan::off);
+    EXPECT_EQ(at(ScanPolicy::longestBurst + ScanPolicy::shortestGap), Scan::on);
+}
+
+TEST_F(ScanPolicyTest, AKeyWhoseConnectionEndsIsListenedForAfterTheShortestGap) {
+    policy.want(false, {key}, now);
+    EXPECT_EQ(at(0s), Scan::on);
+    policy.heard(key, now);
+    EXPECT_EQ(at(1s), Scan::off);
+    EXPECT_EQ(at(1100ms), Scan::off);
+    policy.want(false, {key, other}, now);
+    EXPECT_EQ(at(1s + ScanPolicy::shortestGap - 1ns), Scan::off);
+    EXPECT_EQ(at(1s + ScanPolicy::shortestGap), Scan::on);
+    policy.heard(key, now);
+    EXPECT_EQ(at(1s + ScanPolicy::shortestGap + ScanPolicy::shortestBurst), Scan::on);
+}
+
+TEST_F(ScanPolicyTest, AnAbsentKeyIsListenedForInLongBurstsWithLongGaps) {
+    policy.want(false, {key}, now);
+    Nanoseconds begin{};
+    while (begin < ScanPolicy::presence - ScanPolicy::nextScan) { // as if it was heard then
+        EXPECT_EQ(at(begin), Scan::on);
+        EXPECT_EQ(at(begin += ScanPolicy::longestBurst), Scan::off);
+        begin += ScanPolicy::shortestGap;
+    }
+    begin += ScanPolicy::nextScan - ScanPolicy::shortestGap;
+    EXPECT_EQ(at(begin - 1ns), Scan::off);
+    EXPECT_EQ(at(begin), Scan::on);
+    EXPECT_EQ(at(begin + ScanPolicy::longestBurst - 1ns), Scan::on);
+    EXPECT_EQ(at(begin + ScanPolicy::longestBurst), Scan::off);
+}
+
+TEST_F(ScanPolicyTest, ABurstIsLongEnoughForTheSlowestKeyAndTheStartOfTheRadio) {
+    EXPECT_EQ(ScanPolicy::longestBurst, ScanPolicy::slowestKey + ScanPolicy::startUp);
+    // Heard at the start of one scan and at the end of the next.
+    EXPECT_EQ(ScanPolicy::longestBurst + ScanPolicy::shortestGap + ScanPolicy::longestBurst,
+              ScanPolicy::freshness);
 }
 
 TEST_F(ScanPolicyTest, ABurstEndsOnceEveryKeyThatIsHereWasHeard) {
@@ -54,12 +89,13 @@ TEST_F(ScanPolicyTest, ABurstEndsOnceEveryKeyThatIsHereWasHeard) {
     policy.heard(key, now + 100ms);
     policy.heard(other, now + 1500ms);
     EXPECT_EQ(at(1500ms), Scan::off);
-    EXPECT_EQ(at(2699ms), Scan::off);
-    EXPECT_EQ(at(2700ms), Scan::on); // the older one grows old first
+    const Nanoseconds next = 100ms + ScanPolicy::nextScan; // the older one grows old first
+    EXPECT_EQ(at(next - 1ns), Scan::off);
+    EXPECT_EQ(at(next), Scan::on);
     policy.heard(other, now + 10ms);
-    EXPECT_EQ(at(2700ms + ScanPolicy::shortestBurst), Scan::on); // `key` was not heard in it
+    EXPECT_EQ(at(next + ScanPolicy::shortestBurst), Scan::on); // `key` was not heard in it
     policy.heard(key, now);
-    EXPECT_EQ(at(2700ms + ScanPolicy::shortestBurst), Scan::off);
+    EXPECT_EQ(at(next + ScanPolicy::shortestBurst), Scan::off);
 }
 
 TEST_F(ScanPolicyTest, ABurstHasAShortestLengthSoThatTheMedianHasSamples) {
@@ -82,21 +118,37 @@ TEST_F(ScanPolicyTest, AKeyMissedInItsBurstIsListenedForAgainAfterTheShortestGap
     EXPECT_EQ(at(missed + ScanPolicy::shortestGap), Scan::on);
 }
 
-TEST_F(ScanPolicyTest, AKeyThatIsElsewhereDoesNotLengthenTheBursts) {
+TEST_F(ScanPolicyTest, AKeyThatIsElsewhereLengthensABurstEveryTenSecondsOnly) {
     policy.want(false, {key, other}, now);
-    EXPECT_EQ(at(0s), Scan::on);
-    policy.heard(other, now);
-    for (Nanoseconds time = 100ms; time < ScanPolicy::presence; time += 100ms) {
-        static_cast<void>(at(time));
+    Nanoseconds time{};
+    const auto nextBurst = [&] { // `key` is heard as soon as it begins
+        while (at(time) == Scan::off)
+            time += 10ms;
         policy.heard(key, now);
+        const Nanoseconds begin = time;
+        while (at(time) == Scan::on)
+            time += 10ms;
+        return std::pair(begin, time - begin);
+    };
+    Nanoseconds searched{};
+    while (time < ScanPolicy::presence)
+        static_cast<void>(nextBurst());
+    while (searched == Nanoseconds{0})
+        if (const auto [begin, length] = nextBurst(); length == ScanPolicy::longestBurst)
+            searched = begin;
+    int searches = 0;
+    for (int burst = 0; burst < 20; ++burst) {
+        const auto [begin, length] = nextBurst();
+        if (length == ScanPolicy::shortestBurst) {
+            EXPECT_LT(begin - searched, ScanPolicy::searchInterval);
+            continue;
+        }
+        EXPECT_EQ(length, ScanPolicy::longestBurst);
+        EXPECT_GE(begin - searched, ScanPolicy::searchInterval);
+        searched = begin;
+        ++searches;
     }
-    int scanning = 0;
-    for (Nanoseconds time = ScanPolicy::presence; time < ScanPolicy::presence + 36s;
-         time += 100ms) {
-        scanning += at(time) == Scan::on ? 1 : 0;
-        if (scanning > 0 && at(time) == Scan::on) policy.heard(key, now);
-    }
-    EXPECT_EQ(scanning, 100); // one second of each 3.6
+    EXPECT_EQ(searches, 5);
 }
 
 TEST_F(ScanPolicyTest, WhileTheListIsOpenItScansContinuouslyAndAnewBeforeAKeyGrowsOld) {
@@ -126,7 +178,7 @@ TEST_F(ScanPolicyTest, AListLeftOpenIsServedInBurstsAfterTwoMinutes) {
 }
 
 TEST_F(ScanPolicyTest, AConnectionBeingMadeHasTheRadioToItself) {
-    policy.want(true, {key}, now);
+    policy.want(true, {}, now);
     EXPECT_EQ(at(0s), Scan::on);
     policy.makeWay(now + 1s);
     EXPECT_EQ(at(1s), Scan::off);
@@ -138,14 +190,32 @@ TEST_F(ScanPolicyTest, AConnectionBeingMadeHasTheRadioToItself) {
     EXPECT_EQ(at(4s), Scan::on);
 }
 
-TEST_F(ScanPolicyTest, InBurstsAConnectionBeingMadeKeepsNoKeyWaiting) {
-    policy.want(false, {key, other}, now);
-    EXPECT_EQ(at(0s), Scan::on);
-    policy.heard(other, now);
-    policy.makeWay(now + 2s);
-    EXPECT_EQ(at(2s), Scan::off);
-    EXPECT_EQ(at(ScanPolicy::nextScan - 1ns), Scan::off);
-    EXPECT_EQ(at(ScanPolicy::nextScan), Scan::on);
+TEST_F(ScanPolicyTest, AConnectionWaitsUntilEveryKeyThatIsHereWasHeard) {
+    for (const bool list : {false, true}) {
+        policy = {};
+        policy.want(list, {key, other}, World::start);
+        EXPECT_EQ(at(0s), Scan::on);
+        policy.heard(key, now);
+        policy.makeWay(now + 500ms);
+        EXPECT_EQ(at(500ms), Scan::on);
+        EXPECT_EQ(at(700ms), Scan::on);
+        policy.heard(other, now);
+        EXPECT_EQ(at(700ms), Scan::off); // the shortest burst is for those who wait for nobody
+        EXPECT_EQ(at(ScanPolicy::nextScan - 1ns), Scan::off);
+        EXPECT_EQ(at(ScanPolicy::nextScan), Scan::on); // due for `key`
+    }
+}
+
+TEST_F(ScanPolicyTest, AConnectionWaitsNoLongerThanTheBurstLasts) {
+    for (const bool list : {false, true}) {
+        policy = {};
+        policy.want(list, {key, other}, World::start);
+        EXPECT_EQ(at(0s), Scan::on);
+        policy.heard(key, now + 100ms);
+        policy.makeWay(now + 500ms);
+        EXPECT_EQ(at(ScanPolicy::longestBurst - 1ns), Scan::on);
+        EXPECT_EQ(at(ScanPolicy::longestBurst), Scan::off);
+    }
 }
 
 TEST_F(ScanPolicyTest, AfterTheRadioWasGoneItBeginsAtOnce) {

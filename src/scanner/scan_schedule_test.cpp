@@ -43,7 +43,7 @@ TEST_F(ScanScheduleTest, BurstsFollowOneAnotherByThemselves) {
     schedule.want(false, {key});
     time.advance(ScanPolicy::longestBurst);
     EXPECT_EQ(takeOrders(), (Orders{"start", "stop"}));
-    time.advance(ScanPolicy::nextScan);
+    time.advance(ScanPolicy::shortestGap);
     EXPECT_EQ(takeOrders(), Orders{"start"});
     EXPECT_TRUE(schedule.isScanning());
 }

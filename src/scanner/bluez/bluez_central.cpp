@@ -86,7 +86,9 @@ void BluezCentral::report(CentralState state) {
         scanWanted_ = false;
     }
     if (state == reported_ && (sameAdapter || !on)) {
-        if (scanWanted_) takeRadio();
+        if (!scanWanted_) return;
+        takeRadio();
+        listenForKeys(); // the adapter may offer more than it did
         return;
     }
     reported_ = state;
