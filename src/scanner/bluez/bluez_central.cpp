@@ -173,7 +173,10 @@ void BluezCentral::startScan() { discovery_->start(); }
 
 void BluezCentral::restartScan() { discovery_->restart(); }
 
-void BluezCentral::stopScan() { discovery_->stop(); }
+void BluezCentral::stopScan() {
+    discovery_->stop();
+    connections_.radioIsFree();
+}
 
 void BluezCentral::discovering(bool discovering) {
     hearing_.listen(discovering, clock_.now());
@@ -319,6 +322,11 @@ void BluezCentral::readValue(const Uuid& id, GattUuid characteristic) {
 void BluezCentral::connected(const Uuid& id) {
     listenForKeys();
     if (delegate_ != nullptr) delegate_->didConnect(id);
+}
+
+void BluezCentral::radioNeeded() {
+    schedule_.makeWay();
+    if (!schedule_.isScanning()) connections_.radioIsFree();
 }
 
 void BluezCentral::connectFailed(const Uuid& id) {

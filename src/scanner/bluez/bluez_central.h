@@ -80,8 +80,8 @@ private:
     void connected(const Uuid& id) override;
     void connectFailed(const Uuid& id) override;
     void disconnected(const Uuid& id, const std::optional<std::string>& reason) override;
-    void attemptBegins() override { schedule_.makeWay(); }
-    void attemptEnded() override { schedule_.resume(); }
+    void radioNeeded() override;
+    void radioReleased() override { schedule_.resume(); }
     void servicesFound(const Uuid& id, std::span<const GattUuid> services) override;
     void characteristicsFound(const Uuid& id, GattUuid service,
                               std::span<const GattUuid> characteristics) override;

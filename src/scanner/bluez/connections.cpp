@@ -84,8 +84,8 @@ void Connections::cancel(const Uuid& id) {
     connections_.erase(found);
     if (stage == Stage::attempting && known != nullptr) close(id, *known); // gives up the attempt
     delayed_.after(Nanoseconds{0}, [this, id, stage] {
-        if (stage == Stage::connected) listener_.disconnected(id, std::nullopt);
-        if (stage == Stage::attempting || stage == Stage::verifying) listener_.attemptEnded();
+        if (stage == Stage::connected) return listener_.disconnected(id, std::nullopt);
+        if (stage != Stage::waiting) listener_.radioReleased();
     });
 }
 
@@ -98,6 +98,7 @@ PeripheralState Connections::state(const Uuid& id) const {
     case Stage::closing:
         return PeripheralState::disconnecting;
     case Stage::waiting:
+    case Stage::heard:
     case Stage::attempting:
     case Stage::verifying:
         break;
@@ -133,11 +134,22 @@ bool Connections::canAttempt(const Uuid& id, const Device& device) const {
 }
 
 void Connections::heard(const Uuid& id) {
-    const auto found = connections_.find(id);
-    if (found == connections_.end() || found->second.stage != Stage::waiting) return;
+    if (!connections_.contains(id)) return; // as most that is heard
     consider(id);
+    const auto found = connections_.find(id);
     const Device* const known = device(id);
-    if (state(id) == PeripheralState::connecting && known != nullptr && canAttempt(id, *known))
+    if (found == connections_.end() || found->second.stage != Stage::waiting || known == nullptr ||
+        !canAttempt(id, *known))
+        return;
+    found->second.stage = Stage::heard;
+    listener_.radioNeeded();
+}
+
+void Connections::radioIsFree() {
+    std::vector<Uuid> heard;
+    for (const auto& [id, connection] : connections_)
+        if (connection.stage == Stage::heard) heard.push_back(id);
+    for (const Uuid& id : heard)
         attempt(id);
 }
 
@@ -190,11 +202,10 @@ void Connections::lookAtBoth() {
 }
 
 void Connections::attempt(const Uuid& id) {
-    // Not a reference to the connection: whoever is told may change the map.
-    listener_.attemptBegins();
     const auto found = connections_.find(id);
     const Device* const known = device(id);
-    if (found == connections_.end() || known == nullptr) return;
+    if (found == connections_.end()) return;
+    if (known == nullptr) return fail(found);
     found->second.stage = Stage::attempting;
     found->second.answer = call(id, *known, "Connect", [this, id](const dbus::Message& answer) {
         attempted(id, answer.error());
@@ -237,7 +248,7 @@ void Connections::succeed(Found connection, bool ours) {
     const bool attempted = connection->second.stage != Stage::waiting;
     connection->second = {.stage = Stage::connected, .isOurs = ours, .reason = {}, .answer = {}};
     failures_.erase(id);
-    if (attempted) listener_.attemptEnded();
+    if (attempted) listener_.radioReleased();
     const Device* const known = device(id);
     if (known != nullptr && isToldAsOne(*known) && !lookAgain_)
         lookAgain_ = scheduler_.every(lookAgain, [this] { lookAtBoth(); });
@@ -252,7 +263,7 @@ void Connections::fail(Found connection) {
         Failures& failures = failures_[id];
         const auto doubled = firstSpacing * (1 << std::min(failures.count++, 4));
         failures.notBefore = clock_.now() + std::min(doubled, longestSpacing);
-        listener_.attemptEnded();
+        listener_.radioReleased();
     }
     listener_.connectFailed(id);
 }

@@ -32,9 +32,9 @@ public:
     virtual void connectFailed(const Uuid& id) = 0;
     virtual void disconnected(const Uuid& id, const std::optional<std::string>& reason) = 0;
 
-    /// BlueZ is about to be asked to connect a device, and has answered.
-    virtual void attemptBegins() = 0;
-    virtual void attemptEnded() = 0;
+    /// A device was heard that is to be connected, as soon as `radioIsFree`; and that is over.
+    virtual void radioNeeded() = 0;
+    virtual void radioReleased() = 0;
 };
 
 class Connections {
@@ -74,6 +74,9 @@ public:
     // What is learned of devices.
 
     void heard(const Uuid& id);
+    /// No scan is running: who waits for the radio is connected now. Most controllers cannot do
+    /// both at a time.
+    void radioIsFree();
     void changed(const Uuid& id);
     void moved(const Uuid& from, const Uuid& to);
     /// `name`: BlueZ's for the reason. Its `Connected` changes right after.
@@ -82,6 +85,7 @@ public:
 private:
     enum class Stage {
         waiting,    ///< to be heard
+        heard,      ///< and waiting for the radio
         attempting, ///< BlueZ was asked
         verifying,  ///< BlueZ answered, and is asked whether there is a link
         connected,
