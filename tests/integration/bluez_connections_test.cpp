@@ -35,11 +35,27 @@ TEST_F(BluezConnectionsTest, ABondedDeviceIsConnectedWhenItIsHeardWithTheScanOut
 TEST_F(BluezConnectionsTest, WithEveryKeyConnectedNothingIsScannedFor) {
     start();
     connected();
+    central->readRSSI(id);
+    loop.settle();
     const auto starts = calls("StartDiscovery");
     live(10s);
     EXPECT_EQ(calls("StartDiscovery"), starts);
     linkGoes();
     EXPECT_TRUE(isCalled("StartDiscovery", starts + 1));
+}
+
+TEST_F(BluezConnectionsTest, AConnectionWhoseStrengthCannotBeReadIsListenedForBeside) {
+    start();
+    connected();
+    links.strengths[address] = std::nullopt; // a controller that has no measurement
+    central->readRSSI(id);
+    live(10s);
+    const auto starts = calls("StartDiscovery");
+    EXPECT_GT(starts, 2);
+    links.strengths[address] = -50;
+    central->readRSSI(id);
+    live(10s);
+    EXPECT_LE(calls("StartDiscovery"), starts + 1);
 }
 
 TEST_F(BluezConnectionsTest, AKeyThatBlueZDoesNotKnowYetIsConnectedWhenItAppears) {

@@ -139,6 +139,7 @@ void BluezCentral::dropRadio() {
     monitorAdvertisements(false);
     discovery_.reset();
     readings_.clear();
+    measured_.clear();
     gatt_.clearRadio();
     connections_.clearRadio();
 }
@@ -151,9 +152,8 @@ void BluezCentral::want(const Wanted& wanted) {
 
 void BluezCentral::listenForKeys() {
     std::set<Uuid> keys = wanted_.hear;
-    const bool linksTell = adapter_ && links_.canRead(*adapter_);
     for (const Uuid& id : wanted_.connect)
-        if (!linksTell || peripheralState(id) != PeripheralState::connected) keys.insert(id);
+        if (!measured_.contains(id)) keys.insert(id);
     monitorAdvertisements(wanted_.list || !keys.empty());
     schedule_.want(wanted_.list, std::move(keys));
 }
@@ -288,6 +288,7 @@ std::optional<std::string> BluezCentral::peripheralName(const Uuid& id) const {
 
 void BluezCentral::cancelConnection(const Uuid& id) {
     readings_.erase(id);
+    measured_.erase(id);
     gatt_.drop(id);
     connections_.cancel(id);
     listenForKeys();
@@ -295,15 +296,19 @@ void BluezCentral::cancelConnection(const Uuid& id) {
 
 void BluezCentral::readRSSI(const Uuid& id) {
     const bluez::Device* const device = find(id);
-    const auto tell = [this, id](std::optional<int> rssi) {
-        readings_.erase(id);
-        if (delegate_ != nullptr) delegate_->didReadRSSI(id, rssi);
-    };
+    const auto tell = [this, id](std::optional<int> rssi) { strengthRead(id, rssi); };
     if (device == nullptr || peripheralState(id) != PeripheralState::connected) {
         delayed_.after(Nanoseconds{0}, [tell] { tell(std::nullopt); });
         return;
     }
     readings_[id] = links_.read(*adapter_, device->address, tell);
+}
+
+void BluezCentral::strengthRead(const Uuid& id, std::optional<int> rssi) {
+    readings_.erase(id);
+    const bool changed = rssi ? measured_.insert(id).second : measured_.erase(id) > 0;
+    if (changed) listenForKeys(); // what no link tells, advertisements may
+    if (delegate_ != nullptr) delegate_->didReadRSSI(id, rssi);
 }
 
 void BluezCentral::discoverServices(const Uuid& id, GattUuid service) {
@@ -320,7 +325,6 @@ void BluezCentral::readValue(const Uuid& id, GattUuid characteristic) {
 }
 
 void BluezCentral::connected(const Uuid& id) {
-    listenForKeys();
     if (delegate_ != nullptr) delegate_->didConnect(id);
 }
 
@@ -335,6 +339,7 @@ void BluezCentral::connectFailed(const Uuid& id) {
 
 void BluezCentral::disconnected(const Uuid& id, const std::optional<std::string>& reason) {
     readings_.erase(id);
+    measured_.erase(id);
     gatt_.drop(id);
     listenForKeys();
     if (delegate_ != nullptr) delegate_->didDisconnect(id, reason);

@@ -22,6 +22,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace wegslot {
@@ -99,6 +100,7 @@ private:
     void monitorAdvertisements(bool wanted);
     void treatDeafness();
     void wokeUp();
+    void strengthRead(const Uuid& id, std::optional<int> rssi);
     [[nodiscard]] const bluez::Device* find(const Uuid& id) const;
 
     dbus::Connection& systemBus_;
@@ -122,6 +124,7 @@ private:
     std::optional<CentralState> reported_;
     std::optional<std::string> reportedAdapter_;
     std::map<Uuid, Subscription> readings_; ///< of connections' strengths, under way
+    std::set<Uuid> measured_;               ///< whose last reading gave one
     DelayedCalls delayed_;
     Timer evaluation_;
     Timer grace_;
