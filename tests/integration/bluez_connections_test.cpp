@@ -250,7 +250,7 @@ TEST_F(BluezConnectionsTest, ALossIsToldOnceWithBluezsReason) {
                          });
     linkGoes();
     change({{"Connected", false}});
-    EXPECT_EQ(take(), Events{"lost: verbroken door het apparaat"});
+    EXPECT_EQ(take(), Events{"lost: door het apparaat beëindigd"});
 }
 
 TEST_F(BluezConnectionsTest, WhereBluezGivesNoReasonTheControllersIsTold) {

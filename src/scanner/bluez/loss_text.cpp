@@ -6,8 +6,8 @@ namespace wegslot::bluez {
 namespace {
 
 constexpr auto timeout = "geen antwoord meer";
-constexpr auto remote = "verbroken door het apparaat";
-constexpr auto local = "verbroken door deze computer";
+constexpr auto remote = "door het apparaat beëindigd";
+constexpr auto local = "door deze computer beëindigd";
 constexpr auto authentication = "beveiliging mislukt";
 
 } // namespace

@@ -7,10 +7,10 @@ using wegslot::bluez::lossText;
 TEST(LossText, OfBluezAndOfTheControllerAgree) {
     EXPECT_EQ(lossText("org.bluez.Reason.Timeout"), "geen antwoord meer");
     EXPECT_EQ(lossText(std::uint8_t{0x08}), "geen antwoord meer");
-    EXPECT_EQ(lossText("org.bluez.Reason.Remote"), "verbroken door het apparaat");
-    EXPECT_EQ(lossText(std::uint8_t{0x13}), "verbroken door het apparaat");
-    EXPECT_EQ(lossText("org.bluez.Reason.Local"), "verbroken door deze computer");
-    EXPECT_EQ(lossText(std::uint8_t{0x16}), "verbroken door deze computer");
+    EXPECT_EQ(lossText("org.bluez.Reason.Remote"), "door het apparaat beëindigd");
+    EXPECT_EQ(lossText(std::uint8_t{0x13}), "door het apparaat beëindigd");
+    EXPECT_EQ(lossText("org.bluez.Reason.Local"), "door deze computer beëindigd");
+    EXPECT_EQ(lossText(std::uint8_t{0x16}), "door deze computer beëindigd");
     EXPECT_EQ(lossText("org.bluez.Reason.Authentication"), "beveiliging mislukt");
     EXPECT_EQ(lossText(std::uint8_t{0x3D}), "beveiliging mislukt");
     EXPECT_EQ(lossText("org.bluez.Reason.Suspend"), "computer ging slapen");
