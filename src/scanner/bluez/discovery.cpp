@@ -71,6 +71,7 @@ void Discovery::begin() {
     setFilter([this] {
         call("StartDiscovery", {}, [this](const dbus::Message& answer) {
             if (const auto error = answer.error()) return refused(*error);
+            refusals_ = 0;
             nextRetry_ = firstRetry;
             on_ = true;
             listener_.discovering(true);
@@ -122,7 +123,7 @@ void Discovery::refused(const std::string& error) {
         retry_.reset();
         proceed();
     });
-    nextRetry_ = std::min(nextRetry_ * 2, longestRetry);
+    if (++refusals_ >= quickRetries) nextRetry_ = std::min(nextRetry_ * 2, longestRetry);
 }
 
 } // namespace wegslot::bluez

@@ -15,10 +15,11 @@ namespace wegslot::bluez {
 
 class Discovery {
 public:
-    /// Between attempts: doubled from the first to the longest. A daemon that was killed keeps
-    /// saying "in progress" for some seconds; an adapter that refuses for good costs two calls
-    /// a minute.
+    /// Between attempts at first: after a daemon was killed the kernel scans on, and the next one
+    /// says "in progress" until that ends, 10.24 s after it began.
     static constexpr Nanoseconds firstRetry = std::chrono::seconds{1};
+    static constexpr int quickRetries = 12;
+    /// Then doubled, up to this: an adapter that refuses for good costs two calls a minute.
     static constexpr Nanoseconds longestRetry = std::chrono::seconds{30};
 
     class Listener {
@@ -68,6 +69,7 @@ private:
     bool renewWanted_ = false;
     bool otherStrength_ = false; ///< which of the two equivalent filters is set
     std::optional<std::vector<std::string>> understood_;
+    int refusals_ = 0; ///< since it last began
     Nanoseconds nextRetry_ = firstRetry;
     Subscription answer_;
     Timer retry_;
