@@ -3,11 +3,11 @@
 // After every event and every tick the core is compared with the oracle.
 #pragma once
 
-#include "tests/properties/dice.h"
 #include "tests/properties/invariants.h"
 #include "tests/properties/oracle.h"
 #include "tests/properties/plain_radio.h"
 #include "tests/properties/stage.h"
+#include "tests/support/dice.h"
 
 #include <array>
 #include <cstdint>

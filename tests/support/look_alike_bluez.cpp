@@ -114,7 +114,15 @@ LookAlikeBluez::LookAlikeBluez(BusLoop& loop) : service(loop, "org.bluez") {
                    rememberFilter(call);
                    answerWith(filterError)(bluez, call);
                });
-    service.on(adapter + ".StartDiscovery", answerWith(discoveryError));
+    service.on(adapter + ".StartDiscovery",
+               [this, answerWith](LookAlike& bluez, sd_bus_message* call) {
+                   answerWith(discoveryError)(bluez, call);
+                   if (discoveryError.empty()) setDiscovering(true);
+               });
+    service.on(adapter + ".StopDiscovery", [this](LookAlike& bluez, sd_bus_message* call) {
+        discovering_ ? bluez.reply(call) : bluez.fail(call, "org.bluez.Error.Failed");
+        setDiscovering(false);
+    });
 }
 
 void LookAlikeBluez::addAdapter(const std::string& path, bool powered) {
@@ -132,6 +140,7 @@ void LookAlikeBluez::removeAdapter(const std::string& path) {
 
 void LookAlikeBluez::setPowered(bool powered, const std::string& path) {
     adapters_[path]["Powered"] = powered;
+    if (!powered) setDiscovering(false);
     changed(path, adapterInterface, {{"Powered", powered}});
 }
 
@@ -152,6 +161,18 @@ void LookAlikeBluez::removeDevice(const std::string& address, const std::string&
                    removed(pathOf(address, adapter), deviceInterface));
 }
 
+void LookAlikeBluez::addObject(const std::string& path, const std::string& interface,
+                               const Properties& properties) {
+    objects_[interface][path] = properties;
+    service.signal("/", managerInterface, "InterfacesAdded",
+                   added(path, interface.c_str(), properties));
+}
+
+void LookAlikeBluez::removeObject(const std::string& path, const std::string& interface) {
+    objects_[interface].erase(path);
+    service.signal("/", managerInterface, "InterfacesRemoved", removed(path, interface.c_str()));
+}
+
 void LookAlikeBluez::report(const std::string& address, std::int16_t rssi, Properties further,
                             const std::string& adapter) {
     further["RSSI"] = rssi;
@@ -160,7 +181,16 @@ void LookAlikeBluez::report(const std::string& address, std::int16_t rssi, Prope
 
 void LookAlikeBluez::changeDevice(const std::string& address, const Properties& properties,
                                   const std::string& adapter) {
+    const auto device = devices_.find(pathOf(address, adapter));
+    if (device != devices_.end())
+        for (const auto& [name, value] : properties)
+            device->second[name] = value;
     changed(pathOf(address, adapter), deviceInterface, properties);
+}
+
+void LookAlikeBluez::invalidateStrength(const std::string& address, const std::string& adapter) {
+    devices_[pathOf(address, adapter)].erase("RSSI");
+    changed(pathOf(address, adapter), deviceInterface, {}, "RSSI");
 }
 
 std::string LookAlikeBluez::pathOf(const std::string& address, const std::string& adapter) {
@@ -172,7 +202,9 @@ std::string LookAlikeBluez::pathOf(const std::string& address, const std::string
 void LookAlikeBluez::vanish() {
     adapters_.clear();
     devices_.clear();
+    objects_.clear();
     filter_.clear();
+    discovering_ = false;
     service.vanish();
 }
 
@@ -182,27 +214,39 @@ void LookAlikeBluez::answerObjects(sd_bus_message* call) {
         sd_bus_message_open_container(message, 'a', "{oa{sa{sv}}}");
         appendObjects(message, adapterInterface, adapters_);
         appendObjects(message, deviceInterface, devices_);
+        for (const auto& [interface, objects] : objects_)
+            appendObjects(message, interface.c_str(), objects);
         sd_bus_message_close_container(message);
     });
 }
 
 void LookAlikeBluez::rememberFilter(sd_bus_message* call) {
-    filter_.clear();
+    Properties before = std::exchange(filter_, Properties{});
     dbus::Reader(call).properties([this](std::string_view name, dbus::Reader& value) {
         Value& remembered = filter_[std::string(name)];
         if (const auto flag = value.boolean()) remembered = *flag;
         if (const auto number = value.integer()) remembered = static_cast<std::int16_t>(*number);
         if (const auto text = value.text()) remembered = std::string(*text);
     });
+    if (discovering_ && filter_ != before && onScan) onScan();
+}
+
+void LookAlikeBluez::setDiscovering(bool discovering) {
+    const bool before = std::exchange(discovering_, discovering);
+    if (discovering && onScan) onScan();
+    if (before && !discovering && onScanEnd) onScanEnd();
 }
 
 void LookAlikeBluez::changed(const std::string& path, const char* interface,
-                             const Properties& properties) {
+                             const Properties& properties, const char* invalidated) {
     service.signal(path, "org.freedesktop.DBus.Properties", "PropertiesChanged",
                    [&](sd_bus_message* message) {
                        sd_bus_message_append(message, "s", interface);
                        appendProperties(message, properties);
-                       sd_bus_message_append(message, "as", 0);
+                       if (invalidated == nullptr)
+                           sd_bus_message_append(message, "as", 0);
+                       else
+                           sd_bus_message_append(message, "as", 1, invalidated);
                    });
 }
 

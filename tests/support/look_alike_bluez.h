@@ -4,6 +4,7 @@
 #include "tests/support/look_alike.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -33,11 +34,18 @@ public:
                    Properties further = {}, const std::string& adapter = adapterPath);
     void removeDevice(const std::string& address, const std::string& adapter = adapterPath);
 
+    /// An object of any other interface, at any path.
+    void addObject(const std::string& path, const std::string& interface,
+                   const Properties& properties);
+    void removeObject(const std::string& path, const std::string& interface);
+
     /// A report of a device that was added.
     void report(const std::string& address, std::int16_t rssi, Properties further = {},
                 const std::string& adapter = adapterPath);
     void changeDevice(const std::string& address, const Properties& changed,
                       const std::string& adapter = adapterPath);
+    /// Its strength is of no more use, as at the end of discovery.
+    void invalidateStrength(const std::string& address, const std::string& adapter = adapterPath);
 
     [[nodiscard]] static std::string pathOf(const std::string& address,
                                             const std::string& adapter = adapterPath);
@@ -45,6 +53,15 @@ public:
     /// As a kill: everything is forgotten, the name goes.
     void vanish();
     void appear() { service.appear(); }
+
+    /// Whether a discovery session stands.
+    [[nodiscard]] bool isDiscovering() const { return discovering_; }
+
+    /// Told when the controller begins to scan, also anew: discovery starts, or its filter is
+    /// another.
+    std::function<void()> onScan;
+    /// Told when discovery ends.
+    std::function<void()> onScanEnd;
 
     /// The filter that was set last.
     [[nodiscard]] const Properties& filter() const { return filter_; }
@@ -61,11 +78,15 @@ public:
 private:
     void answerObjects(sd_bus_message* call);
     void rememberFilter(sd_bus_message* call);
-    void changed(const std::string& path, const char* interface, const Properties& properties);
+    void setDiscovering(bool discovering);
+    void changed(const std::string& path, const char* interface, const Properties& properties,
+                 const char* invalidated = nullptr);
 
     std::map<std::string, Properties> adapters_;
     std::map<std::string, Properties> devices_;
+    std::map<std::string, std::map<std::string, Properties>> objects_; ///< others, by interface
     Properties filter_;
+    bool discovering_ = false;
 };
 
 } // namespace wegslot

@@ -1,0 +1,121 @@
+// How long it takes to notice that a key has gone: from its going to `leaving` and to `away`, and
+// until it is near again once it is back. In virtual time, with the default settings, a thousand
+// departures for each way in which a key is followed. The key sends every 0.5 s and is gone at
+// once, each time at another moment.
+#include "app/app_model.h"
+#include "replay/replayed_platform.h"
+#include "tests/support/captured_log.h"
+#include "tests/support/fake_central.h"
+#include "tests/support/world.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <vector>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int departures = 1000;
+
+struct Case {
+    const char* name;
+    bool connected;
+    bool listOpen;
+    bool filtersDuplicates;
+};
+
+struct Times {
+    std::vector<double> toLeaving;
+    std::vector<double> toAway;
+    std::vector<double> toNear;
+};
+
+class Home {
+public:
+    Home(const Case& what, std::uint64_t seed)
+        : radio_(time_, {.filtersDuplicates = what.filtersDuplicates, .startUp = 50ms}, seed),
+          model_({store_, radio_, {time_, time_, session_, activity_, controller_}, [] {
+                      return std::make_unique<RecordedHud>([](const Warning*) {});
+                  }}) {
+        KeyDevice key = keyNamed("Telefoon", 1);
+        key.isApple = what.connected; // those are the ones that are connected
+        model_.settings().keys.set({key});
+        static_cast<void>(model_.monitor());
+        radio_.add(numbered(1),
+                   {.identity = DeviceSpec::Identity::bonded, .rssi = -50, .interval = 500ms});
+        radio_.setPowered(true);
+        time_.advance(20s);
+        if (what.listOpen) model_.scanner().setDiscoveryActive(true);
+    }
+
+    void depart(Nanoseconds phase, Times& times) {
+        time_.advance(20s + phase);
+        const TimePoint gone = time_.now();
+        radio_.silence(numbered(1));
+        times.toLeaving.push_back(until(KeyState::leaving, gone));
+        times.toAway.push_back(until(KeyState::away, gone));
+        time_.advance(30s + 3 * phase);
+        const TimePoint back = time_.now();
+        radio_.speak(numbered(1));
+        times.toNear.push_back(until(KeyState::near, back));
+    }
+
+private:
+    double until(KeyState state, TimePoint since) {
+        const auto isIn = [this](KeyState wanted) {
+            const auto& states = model_.monitor().keyStates().get();
+            const auto found = states.find(numbered(1));
+            return found != states.end() && found->second == wanted;
+        };
+        while (!isIn(state) && time_.now() < since + 10min)
+            time_.advance(10ms);
+        return Seconds(time_.now() - since).count();
+    }
+
+    CapturedLog log_;
+    VirtualTime time_{World::start};
+    MemoryStore store_;
+    ReplayedSession session_;
+    ReplayedActivity activity_{time_};
+    RecordedLock lock_{[] {}};
+    LockController controller_{{&lock_}};
+    FakeCentral radio_;
+    AppModel model_;
+};
+
+void print(const char* what, std::vector<double> values) {
+    std::ranges::sort(values);
+    const auto at = [&values](double part) {
+        return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
+    };
+    std::printf(" %s %5.1f %5.1f %5.1f", what, at(0.5), at(0.99), at(1));
+}
+
+} // namespace
+
+int main() {
+    constexpr std::array cases{
+        Case{"connected", true, false, true},
+        Case{"bursts, the controller filters duplicates", false, false, true},
+        Case{"bursts, it does not", false, false, false},
+        Case{"list open, it filters", false, true, true},
+        Case{"list open, it does not", false, true, false},
+    };
+    std::puts("seconds: median, 99th percentile, longest");
+    for (const Case& what : cases) {
+        Times times;
+        for (int departure = 0; departure < departures; ++departure) {
+            Home home(what, static_cast<std::uint64_t>(departure) + 1);
+            home.depart(std::chrono::milliseconds{departure * 7 % 5003}, times);
+        }
+        std::printf("%-42s", what.name);
+        print("leaving", times.toLeaving);
+        print("away", times.toAway);
+        print("near again", times.toNear);
+        std::puts("");
+    }
+    return 0;
+}
