@@ -15,6 +15,9 @@ import subprocess
 import tempfile
 
 KERNEL_METAPACKAGE = "linux-image-amd64"
+# Debian's 6.1.192 deletes a Bluetooth channel twice when a link is lost while a request is under
+# way: a kernel BUG that takes bluetoothd along. 6.1.190 and 6.12 do not.
+BROKEN_KERNELS = ["linux-image-6.1.0-55-amd64", "linux-image-6.1.0-56-amd64"]
 INITRAMFS_MODULES = ["virtio_pci", "virtio_console", "9pnet_virtio", "9p", "overlay"]
 XZ_MAGIC = b"\xfd7zXZ\x00"
 HERE = pathlib.Path(__file__).resolve().parent
@@ -44,9 +47,10 @@ def prepare(cache: pathlib.Path) -> Image:
 
 
 def _kernel_folder(cache: pathlib.Path) -> pathlib.Path:
-    present = sorted(cache.glob("linux-image-*/kernel"))
-    if present:
-        return present[-1].parent
+    present = [kernel.parent for kernel in sorted(cache.glob("linux-image-*/kernel"))]
+    usable = [folder for folder in present if folder.name not in BROKEN_KERNELS]
+    if usable:
+        return usable[-1]
     package = _kernel_package()
     with tempfile.TemporaryDirectory(prefix="partial-", dir=cache) as partial:
         made = pathlib.Path(partial)
@@ -61,7 +65,19 @@ def _kernel_package() -> str:
         raise ImageError(
             f"apt-cache knows no {KERNEL_METAPACKAGE} (is this Debian, and has apt-get update run?)"
         )
-    return found.group(1)
+    package = found.group(1)
+    return _neighbour_of(package) if package in BROKEN_KERNELS else package
+
+
+def _neighbour_of(broken: str) -> str:
+    """The newest kernel of the same series that is not known to be broken."""
+    series, _, kind = re.fullmatch(r"(.*-)(\d+)(-\w+)", broken).groups()
+    form = re.compile(re.escape(series) + r"(\d+)" + re.escape(kind))
+    listed = map(form.fullmatch, _run(["apt-cache", "pkgnames", series]).split())
+    usable = [found for found in listed if found and found.group() not in BROKEN_KERNELS]
+    if not usable:
+        raise ImageError(f"{broken} crashes in these tests, and apt-cache knows no other {series}N")
+    return max(usable, key=lambda found: int(found.group(1))).group()
 
 
 def _unpack_kernel(package: str, made: pathlib.Path) -> None:

@@ -15,15 +15,16 @@ void Advertiser::makeLoud(TimePoint now) {
     due_ = now;
 }
 
-void Advertiser::advertiseIfDue(TimePoint now, Controller& controller) {
-    if (!loud_ || due_ > now) return;
+bool Advertiser::advertiseIfDue(TimePoint now, Controller& controller) {
+    if (!loud_ || due_ > now) return false;
     const auto missed = (now - due_) / interval_;
     due_ += missed * interval_;
     const bool isFresh = missed == 0;
     due_ += interval_;
-    if (!isFresh) return;
+    if (!isFresh) return false;
     controller.advertise(advertisement_.type, advertisement_.address, advertisement_.data,
                          advertisement_.rssi);
+    return true;
 }
 
 } // namespace controller

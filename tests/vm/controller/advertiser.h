@@ -1,7 +1,5 @@
-// A named device that advertises at a steady interval until it is silenced.
+// Advertises at a steady interval until it is silenced.
 #pragma once
-
-#include <string>
 
 #include "address.h"
 #include "controller.h"
@@ -20,7 +18,13 @@ class Advertiser {
 public:
     Advertiser(Advertisement advertisement, Duration interval, TimePoint first);
 
+    const Advertisement& advertisement() const { return advertisement_; }
+
     void setRssi(int rssi) { advertisement_.rssi = rssi; }
+
+    void setAddress(const Address& address) { advertisement_.address = address; }
+
+    void setType(ReportType type) { advertisement_.type = type; }
 
     void silence() { loud_ = false; }
 
@@ -31,9 +35,9 @@ public:
     /// When it advertises next, if it is loud.
     TimePoint due() const { return due_; }
 
-    /// Advertises if it is time. What fell due more than an interval ago, while nobody scanned, is
-    /// past; the device keeps its beat.
-    void advertiseIfDue(TimePoint now, Controller& controller);
+    /// Advertises if it is time; true if it did. What fell due more than an interval ago, while
+    /// nobody listened, is past; the beat is kept.
+    bool advertiseIfDue(TimePoint now, Controller& controller);
 
 private:
     Advertisement advertisement_;

@@ -1,34 +1,32 @@
 #include "air.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace controller {
 
-void Air::put(const std::string& name, Advertiser device) {
-    devices_.insert_or_assign(name, std::move(device));
+void Air::put(const std::string& name, const DeviceDescription& description, TimePoint now) {
+    devices_.insert_or_assign(name, std::make_unique<Device>(description, now));
 }
 
-Advertiser* Air::find(const std::string& name) {
+Device* Air::find(const std::string& name) {
     const auto found = devices_.find(name);
-    return found == devices_.end() ? nullptr : &found->second;
+    return found == devices_.end() ? nullptr : found->second.get();
 }
 
-void Air::advertiseDue(TimePoint now, Controller& controller) {
+void Air::act(TimePoint now, Controller& controller) {
     if (flood_) flood_->advertiseIfDue(now, controller);
-    for (auto& [name, device] : devices_)
-        device.advertiseIfDue(now, controller);
+    for (const auto& [name, device] : devices_)
+        device->actIfDue(now, controller);
 }
 
-std::optional<TimePoint> Air::nextDue(bool isScanned) const {
+std::optional<TimePoint> Air::nextDue(bool isHeard) const {
     std::optional<TimePoint> earliest;
     const auto consider = [&](TimePoint due) {
         earliest = earliest ? std::min(*earliest, due) : due;
     };
     if (flood_ && !flood_->hasEnded()) consider(flood_->due());
-    if (!isScanned) return earliest;
     for (const auto& [name, device] : devices_) {
-        if (device.isLoud()) consider(device.due());
+        if (const std::optional<TimePoint> due = device->due(isHeard)) consider(*due);
     }
     return earliest;
 }

@@ -2,21 +2,26 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
-#include "advertiser.h"
+#include "device.h"
 #include "flood.h"
 
 namespace controller {
 
 class Air {
 public:
-    /// Replaces a device of that name.
-    void put(const std::string& name, Advertiser device);
+    using Devices = std::map<std::string, std::unique_ptr<Device>>;
+
+    /// Replaces a device of that name, which has no link.
+    void put(const std::string& name, const DeviceDescription& description, TimePoint now);
 
     /// Null if there is none of that name.
-    Advertiser* find(const std::string& name);
+    Device* find(const std::string& name);
+
+    const Devices& devices() const { return devices_; }
 
     void start(Flood flood) { flood_ = std::move(flood); }
 
@@ -24,13 +29,14 @@ public:
     const Flood* flood() const { return flood_ ? &*flood_ : nullptr; }
 
     /// Brings to the controller what has fallen due.
-    void advertiseDue(TimePoint now, Controller& controller);
+    void act(TimePoint now, Controller& controller);
 
-    /// When `advertiseDue` is to be called next. Named devices count only while somebody scans.
-    std::optional<TimePoint> nextDue(bool isScanned) const;
+    /// When `act` is to be called next. What named devices advertise counts only while somebody
+    /// listens.
+    std::optional<TimePoint> nextDue(bool isHeard) const;
 
 private:
-    std::map<std::string, Advertiser> devices_;
+    Devices devices_;
     std::optional<Flood> flood_;
 };
 

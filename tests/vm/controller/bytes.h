@@ -2,6 +2,7 @@
 // byte first.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>

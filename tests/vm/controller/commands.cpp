@@ -3,19 +3,13 @@
 #include <algorithm>
 #include <random>
 
+#include "abilities.h"
+#include "link_commands.h"
+
 namespace controller {
 
 namespace {
 
-constexpr unsigned bluetooth50 = 9;
-constexpr unsigned manufacturerForTests = 0xFFFF;
-constexpr unsigned aclPacketLength = 251;
-constexpr unsigned aclPackets = 8;
-constexpr unsigned acceptListSize = 16;
-constexpr unsigned defaultDataOctets = 27;
-constexpr unsigned defaultDataMicroseconds = 328;
-constexpr unsigned maximumDataOctets = 251;
-constexpr unsigned maximumDataMicroseconds = 2120;
 constexpr std::size_t commandMaskLength = 64;
 
 Bytes done(Status status = Status::Success) { return Bytes{static_cast<std::uint8_t>(status)}; }
@@ -23,7 +17,7 @@ Bytes done(Status status = Status::Success) { return Bytes{static_cast<std::uint
 Bytes accepted(ByteView, ControllerState&) { return done(); }
 
 Bytes reset(ByteView, ControllerState& state) {
-    state.scan.reset();
+    state.reset();
     return done();
 }
 
@@ -44,9 +38,9 @@ Bytes localFeatures(ByteView, ControllerState&) {
 
 Bytes bufferSize(ByteView, ControllerState&) {
     Bytes bytes = done();
-    append16(bytes, aclPacketLength);
+    append16(bytes, dataPacketLength);
     append8(bytes, 0); // no voice
-    append16(bytes, aclPackets);
+    append16(bytes, dataPackets);
     append16(bytes, 0);
     return bytes;
 }
@@ -59,20 +53,26 @@ Bytes ownAddress(ByteView, ControllerState& state) {
 
 Bytes lowEnergyBufferSize(ByteView, ControllerState&) {
     Bytes bytes = done();
-    append16(bytes, aclPacketLength);
-    append8(bytes, aclPackets);
+    append16(bytes, dataPacketLength);
+    append8(bytes, dataPackets);
     return bytes;
 }
 
 Bytes lowEnergyFeatures(ByteView, ControllerState&) {
-    // Encryption and long data packets; no extended advertising, so that the kernel scans in the
-    // older way.
-    return {0, 0x21, 0, 0, 0, 0, 0, 0, 0};
+    Bytes bytes = done();
+    append(bytes, lowEnergyFeatureMask);
+    return bytes;
 }
 
 Bytes lowEnergyStates(ByteView, ControllerState&) {
     // Every combination of scanning, advertising and connections.
     return {0, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x03, 0, 0};
+}
+
+Bytes setRandomAddress(ByteView parameters, ControllerState& state) {
+    std::copy_n(parameters.begin(), state.randomAddress.bytes.size(),
+                state.randomAddress.bytes.begin());
+    return done();
 }
 
 Bytes advertisingPower(ByteView, ControllerState&) { return {0, 0}; }
@@ -98,17 +98,17 @@ Bytes setScanEnable(ByteView parameters, ControllerState& state) {
 Bytes readAcceptListSize(ByteView, ControllerState&) { return {0, acceptListSize}; }
 
 Bytes clearAcceptList(ByteView, ControllerState& state) {
-    state.scan.clearAcceptList();
+    state.acceptList.clear();
     return done();
 }
 
 Bytes addToAcceptList(ByteView parameters, ControllerState& state) {
-    state.scan.accept(readAddress(parameters));
+    state.acceptList.insert(readAddress(parameters));
     return done();
 }
 
 Bytes removeFromAcceptList(ByteView parameters, ControllerState& state) {
-    state.scan.acceptNoMore(readAddress(parameters));
+    state.acceptList.erase(readAddress(parameters));
     return done();
 }
 
@@ -140,43 +140,59 @@ Bytes maximumDataLength(ByteView, ControllerState&) {
 
 Bytes supportedCommands(ByteView, ControllerState&);
 
+/// Whether a command's answer is its result, or just says that the result will come.
+enum class Answer : std::uint8_t { Now, Later };
+
 struct KnownCommand {
     std::uint16_t opcode;
     /// Where the mask of supported commands has it.
     std::uint8_t octet;
     std::uint8_t bit;
     std::uint8_t parameterLength;
-    Bytes (*answer)(ByteView, ControllerState&);
+    Answer answer;
+    Bytes (*carryOut)(ByteView, ControllerState&);
 };
 
+constexpr auto now = Answer::Now;
+constexpr auto later = Answer::Later;
+
 constexpr KnownCommand knownCommands[] = {
-    {0x0C01, 5, 6, 8, accepted}, // Set Event Mask
-    {0x0C03, 5, 7, 0, reset},
-    {0x1001, 14, 3, 0, localVersion},
-    {0x1002, 14, 4, 0, supportedCommands},
-    {0x1003, 14, 5, 0, localFeatures},
-    {0x1005, 14, 7, 0, bufferSize},
-    {0x1009, 15, 1, 0, ownAddress},
-    {0x2001, 25, 0, 8, accepted}, // LE Set Event Mask
-    {0x2002, 25, 1, 0, lowEnergyBufferSize},
-    {0x2003, 25, 2, 0, lowEnergyFeatures},
-    {0x2005, 25, 4, 6, accepted},  // LE Set Random Address
-    {0x2006, 25, 5, 15, accepted}, // LE Set Advertising Parameters: nobody is there to hear us
-    {0x2007, 25, 6, 0, advertisingPower},
-    {0x2008, 25, 7, 32, accepted}, // LE Set Advertising Data
-    {0x2009, 26, 0, 32, accepted}, // LE Set Scan Response Data
-    {0x200A, 26, 1, 1, accepted},  // LE Set Advertising Enable
-    {0x200B, 26, 2, 7, setScanParameters},
-    {0x200C, 26, 3, 2, setScanEnable},
-    {0x200F, 26, 6, 0, readAcceptListSize},
-    {0x2010, 26, 7, 0, clearAcceptList},
-    {0x2011, 27, 0, 7, addToAcceptList},
-    {0x2012, 27, 1, 7, removeFromAcceptList},
-    {0x2018, 27, 7, 0, randomNumber},
-    {0x201C, 28, 3, 0, lowEnergyStates},
-    {0x2023, 33, 7, 0, defaultDataLength},
-    {0x2024, 34, 0, 4, accepted}, // LE Write Suggested Default Data Length
-    {0x202F, 35, 3, 0, maximumDataLength},
+    {0x0406, 0, 5, 3, later, disconnect},
+    {0x041D, 2, 7, 2, later, readRemoteVersion},
+    {0x0C01, 5, 6, 8, now, accepted}, // Set Event Mask
+    {0x0C03, 5, 7, 0, now, reset},
+    {0x1001, 14, 3, 0, now, localVersion},
+    {0x1002, 14, 4, 0, now, supportedCommands},
+    {0x1003, 14, 5, 0, now, localFeatures},
+    {0x1005, 14, 7, 0, now, bufferSize},
+    {0x1009, 15, 1, 0, now, ownAddress},
+    {0x1405, 15, 5, 2, now, readRssi},
+    {0x2001, 25, 0, 8, now, accepted}, // LE Set Event Mask
+    {0x2002, 25, 1, 0, now, lowEnergyBufferSize},
+    {0x2003, 25, 2, 0, now, lowEnergyFeatures},
+    {0x2005, 25, 4, 6, now, setRandomAddress},
+    {0x2006, 25, 5, 15, now, accepted}, // LE Set Advertising Parameters: nobody is there to hear us
+    {0x2007, 25, 6, 0, now, advertisingPower},
+    {0x2008, 25, 7, 32, now, accepted}, // LE Set Advertising Data
+    {0x2009, 26, 0, 32, now, accepted}, // LE Set Scan Response Data
+    {0x200A, 26, 1, 1, now, accepted},  // LE Set Advertising Enable
+    {0x200B, 26, 2, 7, now, setScanParameters},
+    {0x200C, 26, 3, 2, now, setScanEnable},
+    {0x200D, 26, 4, 25, later, createConnection},
+    {0x200E, 26, 5, 0, now, cancelConnection},
+    {0x200F, 26, 6, 0, now, readAcceptListSize},
+    {0x2010, 26, 7, 0, now, clearAcceptList},
+    {0x2011, 27, 0, 7, now, addToAcceptList},
+    {0x2012, 27, 1, 7, now, removeFromAcceptList},
+    {0x2013, 27, 2, 14, later, updateConnection},
+    {0x2016, 27, 5, 2, later, readRemoteFeatures},
+    {0x2018, 27, 7, 0, now, randomNumber},
+    {0x2019, 28, 0, 28, later, startEncryption},
+    {0x201C, 28, 3, 0, now, lowEnergyStates},
+    {0x2022, 33, 6, 6, now, setDataLength},
+    {0x2023, 33, 7, 0, now, defaultDataLength},
+    {0x2024, 34, 0, 4, now, accepted}, // LE Write Suggested Default Data Length
+    {0x202F, 35, 3, 0, now, maximumDataLength},
 };
 
 Bytes supportedCommands(ByteView, ControllerState&) {
@@ -194,9 +210,13 @@ Bytes answer(const Command& command, ControllerState& state) {
     const auto* known =
         std::find_if(std::begin(knownCommands), std::end(knownCommands),
                      [&](const KnownCommand& each) { return each.opcode == command.opcode; });
-    if (known == std::end(knownCommands)) return done(Status::UnknownCommand);
-    if (command.parameters.size() < known->parameterLength) return done(Status::InvalidParameters);
-    return known->answer(command.parameters, state);
+    if (known == std::end(knownCommands))
+        return commandComplete(command.opcode, done(Status::UnknownCommand));
+    const Bytes result = command.parameters.size() < known->parameterLength
+                             ? done(Status::InvalidParameters)
+                             : known->carryOut(command.parameters, state);
+    if (known->answer == Answer::Now) return commandComplete(command.opcode, result);
+    return commandStatus(command.opcode, Status{result.front()});
 }
 
 } // namespace controller

@@ -3,20 +3,13 @@
 // two cannot disagree.
 #pragma once
 
-#include "address.h"
 #include "bytes.h"
+#include "controller_state.h"
 #include "h4.h"
-#include "scan.h"
 
 namespace controller {
 
-/// What commands read and change.
-struct ControllerState {
-    Address address;
-    Scan scan;
-};
-
-/// The parameters of the Command Complete event; they start with the status.
+/// The event that answers the command; what follows from it waits in the outbox, if that is held.
 Bytes answer(const Command& command, ControllerState& state);
 
 } // namespace controller

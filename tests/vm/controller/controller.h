@@ -1,22 +1,17 @@
-// A Bluetooth controller as the kernel sees one through H4 packets: answers its commands and
-// reports to it what the air brings. It knows neither time nor devices.
+// A Bluetooth controller as the kernel sees one through H4 packets: answers its commands, reports
+// to it what the air brings and carries its links. It knows neither time nor devices.
 #pragma once
 
-#include <functional>
-#include <string_view>
-
+#include "admission.h"
 #include "commands.h"
 
 namespace controller {
 
 class Controller {
 public:
-    /// Takes one whole packet for the kernel.
-    using Send = std::function<void(ByteView)>;
-
     Controller(const Address& address, Send send);
 
-    /// One whole packet from the kernel. Data packets are ignored: there are no connections.
+    /// One whole packet from the kernel.
     void receive(ByteView packet);
 
     /// An advertisement on the air. A connectable device also answers an active scan, with nothing
@@ -24,13 +19,33 @@ public:
     /// True if it was delivered.
     bool advertise(ReportType type, const Address& address, ByteView data, int rssi);
 
+    /// The device can be connected now, under this address; whether the kernel has been waiting
+    /// for that is known here.
+    void offer(const Address& address, Peer& peer, const Admission& admission);
+
+    /// Ends the device's link, if it has one.
+    void drop(const Peer& peer, std::uint8_t reason);
+
+    /// The kernel is told that the controller is broken; it answers with a reset.
+    void reportHardwareError(std::uint8_t code);
+
+    /// The kernel has lost its controller.
+    void unplugged() { state_.reset(); }
+
+    /// Whether advertisements can matter to the kernel at present.
+    bool isListening() const { return state_.scan.isOn() || state_.initiator.isOn(); }
+
+    bool isConnecting() const { return state_.initiator.isOn(); }
+
     Scan& scan() { return state_.scan; }
 
     const Scan& scan() const { return state_.scan; }
 
 private:
+    void receive(const Command& command);
+    void receive(const DataPacket& packet);
+
     ControllerState state_;
-    Send send_;
 };
 
 } // namespace controller

@@ -19,112 +19,213 @@ void appendStructure(Bytes& data, Structure type, ByteView content) {
     append(data, content);
 }
 
-/// Collects the options of one line. Address and type only make sense together, so the address
-/// is read when all words have been seen.
+using Complaint = std::optional<std::string>;
+
+Complaint none() { return std::nullopt; }
+
+/// Collects the options of one line. Address and type only make sense together, as do the parts
+/// of the data, so these are put together when all words have been seen.
 class DeviceLine {
 public:
     /// What is wrong with the word, if anything.
-    std::optional<std::string> take(std::string_view word) {
-        const std::size_t equals = word.find('=');
-        const std::string_view key = word.substr(0, equals);
-        const std::string_view value =
-            equals == std::string_view::npos ? "" : word.substr(equals + 1);
-        if (key == "connectable" && equals == std::string_view::npos) return setConnectable();
-        if (key == "address") return setAddress(value);
-        if (key == "type") return setType(value);
-        if (key == "rssi") return setRssi(value);
-        if (key == "interval") return setInterval(value);
-        if (key == "data") return setBytes(raw_, value);
-        if (key == "manufacturer") return setBytes(manufacturer_, value);
-        if (key == "name") return setName(value);
-        return "unknown: " + std::string(word);
-    }
+    Complaint take(std::string_view word);
 
-    Instruction finish(std::string name) const {
-        const std::optional<Address> address = parseAddress(address_, type_);
-        if (!address) return Misunderstood{"no address=AA:BB:CC:DD:EE:FF"};
-        PutDevice device{.name = std::move(name), .advertisement = {}, .interval = interval_};
-        device.advertisement.address = *address;
-        device.advertisement.type = reportType_;
-        device.advertisement.rssi = rssi_;
-        device.advertisement.data = data();
-        if (device.advertisement.data.size() > mostData)
-            return Misunderstood{"more than 31 bytes of data"};
-        return device;
-    }
+    Instruction finish(std::string name) const;
 
 private:
-    using Complaint = std::optional<std::string>;
+    struct Option;
+    struct Flag;
 
-    static Complaint none() { return std::nullopt; }
+    /// For options that hold a value as it is read.
+    template <auto member>
+    Complaint setRssi(std::string_view value);
+    template <auto member>
+    Complaint setText(std::string_view value);
+    template <auto member>
+    Complaint setBytes(std::string_view value);
 
-    Complaint setConnectable() {
-        reportType_ = ReportType::Connectable;
-        return none();
-    }
+    Complaint setAddress(std::string_view value);
+    Complaint setType(std::string_view value);
+    Complaint setInterval(std::string_view value);
+    Complaint setModel(std::string_view value);
+    Complaint setBattery(std::string_view value);
+    Complaint setMtu(std::string_view value);
+    Complaint setResolvingKey(std::string_view value);
+    Complaint setAddressInterval(std::string_view value);
 
-    Complaint setAddress(std::string_view value) {
-        address_ = value;
-        return none();
-    }
+    bool isConnectable() const { return made_.advertisement.type == ReportType::Connectable; }
 
-    Complaint setType(std::string_view value) {
-        if (value != "public" && value != "random") return "no type: " + std::string(value);
-        type_ = value == "public" ? AddressType::Public : AddressType::Random;
-        return none();
-    }
+    Bytes data() const;
 
-    Complaint setRssi(std::string_view value) {
-        const std::optional<int> rssi = parseRssiValue(value);
-        if (!rssi) return "no signal strength: " + std::string(value);
-        rssi_ = *rssi;
-        return none();
-    }
-
-    Complaint setInterval(std::string_view value) {
-        // The bounds that the radio's rules set for advertising.
-        const std::optional<double> seconds = parseDecimal(value);
-        if (!seconds || *seconds < 0.02 || *seconds > 10485.76)
-            return "no interval: " + std::string(value);
-        interval_ = *seconds;
-        return none();
-    }
-
-    static Complaint setBytes(Bytes& target, std::string_view value) {
-        const std::optional<Bytes> bytes = parseHex(value);
-        if (!bytes) return "no hexadecimal bytes: " + std::string(value);
-        target = *bytes;
-        return none();
-    }
-
-    Complaint setName(std::string_view value) {
-        const std::optional<std::string> plain = parseEscaped(value);
-        if (!plain) return "no name: " + std::string(value);
-        localName_.assign(plain->begin(), plain->end());
-        return none();
-    }
-
-    /// A line that spells out its data gets that; otherwise a connectable device gets the flags
-    /// that every real one sends.
-    Bytes data() const {
-        Bytes data = raw_;
-        if (raw_.empty() && reportType_ == ReportType::Connectable) {
-            appendStructure(data, Structure::Flags, Bytes{generalDiscoverableLowEnergyOnly});
-        }
-        if (!manufacturer_.empty()) appendStructure(data, Structure::Manufacturer, manufacturer_);
-        if (!localName_.empty()) appendStructure(data, Structure::CompleteName, localName_);
-        return data;
-    }
-
+    DeviceDescription made_;
     std::string_view address_;
     AddressType type_ = AddressType::Public;
-    ReportType reportType_ = ReportType::NotConnectable;
-    int rssi_ = -60;
-    double interval_ = 0.3;
+    int rssi_ = Advertisement{}.rssi;
+    std::optional<int> linkRssi_;
     Bytes raw_;
     Bytes manufacturer_;
-    Bytes localName_;
+    std::string localName_;
+    std::string accessName_;
 };
+
+struct DeviceLine::Option {
+    std::string_view key;
+    Complaint (DeviceLine::*set)(std::string_view);
+};
+
+struct DeviceLine::Flag {
+    std::string_view word;
+    void (*set)(DeviceDescription&);
+};
+
+Complaint DeviceLine::take(std::string_view word) {
+    static constexpr Option options[] = {
+        {"address", &DeviceLine::setAddress},
+        {"type", &DeviceLine::setType},
+        {"rssi", &DeviceLine::setRssi<&DeviceLine::rssi_>},
+        {"interval", &DeviceLine::setInterval},
+        {"data", &DeviceLine::setBytes<&DeviceLine::raw_>},
+        {"manufacturer", &DeviceLine::setBytes<&DeviceLine::manufacturer_>},
+        {"name", &DeviceLine::setText<&DeviceLine::localName_>},
+        {"link-rssi", &DeviceLine::setRssi<&DeviceLine::linkRssi_>},
+        {"gap-name", &DeviceLine::setText<&DeviceLine::accessName_>},
+        {"model", &DeviceLine::setModel},
+        {"battery", &DeviceLine::setBattery},
+        {"mtu", &DeviceLine::setMtu},
+        {"irk", &DeviceLine::setResolvingKey},
+        {"changes-every", &DeviceLine::setAddressInterval},
+    };
+    static constexpr Flag flags[] = {
+        {"connectable",
+         [](DeviceDescription& made) { made.advertisement.type = ReportType::Connectable; }},
+        {"advertises-while-linked",
+         [](DeviceDescription& made) { made.advertisesWhileLinked = true; }},
+        {"mute", [](DeviceDescription& made) { made.isMute = true; }},
+        {"unpairable", [](DeviceDescription& made) { made.pairability = Pairability::Refuses; }},
+        {"mouse", [](DeviceDescription& made) { made.profile.isMouse = true; }},
+        {"changing", [](DeviceDescription& made) { made.privacy = Changing{}; }},
+    };
+    for (const Flag& flag : flags) {
+        if (flag.word != word) continue;
+        flag.set(made_);
+        return none();
+    }
+    const std::size_t equals = word.find('=');
+    for (const Option& option : options) {
+        if (equals == std::string_view::npos || option.key != word.substr(0, equals)) continue;
+        return (this->*option.set)(word.substr(equals + 1));
+    }
+    return "unknown: " + std::string(word);
+}
+
+Instruction DeviceLine::finish(std::string name) const {
+    const std::optional<Address> address = parseAddress(address_, type_);
+    if (!address) return Misunderstood{"no address=AA:BB:CC:DD:EE:FF"};
+    PutDevice device{.name = std::move(name), .description = made_};
+    device.description.advertisement.address = *address;
+    device.description.advertisement.rssi = rssi_;
+    device.description.advertisement.data = data();
+    device.description.linkRssi = linkRssi_;
+    device.description.profile.name = accessName_.empty() ? localName_ : accessName_;
+    if (device.description.advertisement.data.size() > mostData)
+        return Misunderstood{"more than 31 bytes of data"};
+    if (made_.addressInterval && std::holds_alternative<std::monostate>(made_.privacy))
+        return Misunderstood{"changes-every= without irk= or changing"};
+    return device;
+}
+
+template <auto member>
+Complaint DeviceLine::setRssi(std::string_view value) {
+    const std::optional<int> rssi = parseRssiValue(value);
+    if (!rssi) return "no signal strength: " + std::string(value);
+    this->*member = *rssi;
+    return none();
+}
+
+template <auto member>
+Complaint DeviceLine::setText(std::string_view value) {
+    const std::optional<std::string> plain = parseEscaped(value);
+    if (!plain) return "no text: " + std::string(value);
+    this->*member = *plain;
+    return none();
+}
+
+template <auto member>
+Complaint DeviceLine::setBytes(std::string_view value) {
+    const std::optional<Bytes> bytes = parseHex(value);
+    if (!bytes) return "no hexadecimal bytes: " + std::string(value);
+    this->*member = *bytes;
+    return none();
+}
+
+Complaint DeviceLine::setAddress(std::string_view value) {
+    address_ = value;
+    return none();
+}
+
+Complaint DeviceLine::setType(std::string_view value) {
+    if (value != "public" && value != "random") return "no type: " + std::string(value);
+    type_ = value == "public" ? AddressType::Public : AddressType::Random;
+    return none();
+}
+
+Complaint DeviceLine::setInterval(std::string_view value) {
+    // The bounds that the radio's rules set for advertising.
+    const std::optional<double> seconds = parseDecimal(value);
+    if (!seconds || *seconds < 0.02 || *seconds > 10485.76)
+        return "no interval: " + std::string(value);
+    made_.interval = *seconds;
+    return none();
+}
+
+Complaint DeviceLine::setModel(std::string_view value) {
+    const std::optional<std::string> plain = parseEscaped(value);
+    if (!plain) return "no text: " + std::string(value);
+    made_.profile.model = *plain;
+    return none();
+}
+
+Complaint DeviceLine::setBattery(std::string_view value) {
+    if (value != "open" && value != "protected") return "no battery: " + std::string(value);
+    made_.profile.battery = value == "open" ? Battery::Open : Battery::Protected;
+    return none();
+}
+
+Complaint DeviceLine::setMtu(std::string_view value) {
+    // The least that there is, and the most that a packet's length can say of one value.
+    const std::optional<int> bytes = parseInteger(value);
+    if (!bytes || *bytes < 23 || *bytes > 517) return "no mtu: " + std::string(value);
+    made_.profile.mtu = static_cast<unsigned>(*bytes);
+    return none();
+}
+
+Complaint DeviceLine::setResolvingKey(std::string_view value) {
+    Resolvable privacy;
+    const std::optional<Bytes> bytes = parseHex(value);
+    if (!bytes || bytes->size() != privacy.key.size()) return "no key: " + std::string(value);
+    std::copy(bytes->begin(), bytes->end(), privacy.key.begin());
+    made_.privacy = privacy;
+    return none();
+}
+
+Complaint DeviceLine::setAddressInterval(std::string_view value) {
+    const std::optional<double> seconds = parseDecimal(value);
+    if (!seconds || *seconds <= 0 || *seconds > 86400) return "no interval: " + std::string(value);
+    made_.addressInterval = *seconds;
+    return none();
+}
+
+/// A line that spells out its data gets that; otherwise a connectable device gets the flags
+/// that every real one sends.
+Bytes DeviceLine::data() const {
+    Bytes data = raw_;
+    if (raw_.empty() && isConnectable())
+        appendStructure(data, Structure::Flags, Bytes{generalDiscoverableLowEnergyOnly});
+    if (!manufacturer_.empty()) appendStructure(data, Structure::Manufacturer, manufacturer_);
+    if (!localName_.empty())
+        appendStructure(data, Structure::CompleteName, Bytes(localName_.begin(), localName_.end()));
+    return data;
+}
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "director.h"
 
+#include "link.h"
+
 namespace controller {
 
 namespace {
@@ -10,9 +12,55 @@ TimePoint now() { return std::chrono::steady_clock::now(); }
 
 std::string error(const std::string& why) { return "error: " + why; }
 
-std::string noSuchDevice(const std::string& name) { return error("no device is called " + name); }
+std::string notConnected(const std::string& name) { return error("not connected: " + name); }
 
 std::string yesOrNo(bool value) { return value ? "yes" : "no"; }
+
+void turn(Device& device, SwitchDevice::To to) {
+    using To = SwitchDevice::To;
+    switch (to) {
+    case To::Silent:
+        return device.advertiser().silence();
+    case To::Loud:
+        return device.advertiser().makeLoud(now());
+    case To::Connectable:
+        return device.advertiser().setType(ReportType::Connectable);
+    case To::NotConnectable:
+        return device.advertiser().setType(ReportType::NotConnectable);
+    case To::Mute:
+        return device.setMute(true);
+    case To::Unmute:
+        return device.setMute(false);
+    case To::Admit:
+        return device.setAdmission(Admit{});
+    case To::Refuse:
+        return device.setAdmission(Ignore{});
+    case To::Forget:
+        return device.pairing().forgetBond();
+    }
+}
+
+/// The names of the devices that are connected, with commas between them.
+std::string namesOfLinked(const Air& air) {
+    std::string names;
+    for (const auto& [name, device] : air.devices()) {
+        if (device->link() == nullptr) continue;
+        names += (names.empty() ? "" : ",") + name;
+    }
+    return names;
+}
+
+std::string describe(const Device& device) {
+    const Link* link = device.link();
+    return "address=" + toText(device.address().shown()) +
+           " advertising=" + yesOrNo(device.isAdvertising()) +
+           " connected=" + yesOrNo(link != nullptr) +
+           " encrypted=" + yesOrNo(link != nullptr && link->isEncrypted()) +
+           " bonded=" + yesOrNo(device.pairing().isBonded()) +
+           " connects=" + std::to_string(device.timesLinked()) +
+           " requests=" + std::to_string(device.timesAsked()) +
+           " pairing-requests=" + std::to_string(device.pairing().timesAsked());
+}
 
 } // namespace
 
@@ -26,31 +74,76 @@ std::string Director::carryOut(std::string_view line) {
                       parseInstruction(line));
 }
 
+template <typename Act>
+std::string Director::with(const std::string& name, Act act) {
+    Device* device = air_.find(name);
+    if (device == nullptr) return error("no device is called " + name);
+    return act(*device);
+}
+
 std::string Director::carryOut(const PutDevice& instruction) {
-    air_.put(instruction.name,
-             Advertiser(instruction.advertisement, fromSeconds(instruction.interval), now()));
+    if (const Device* earlier = air_.find(instruction.name))
+        controller_.drop(*earlier, static_cast<std::uint8_t>(Status::ConnectionTimeout));
+    air_.put(instruction.name, instruction.description, now());
     return ok;
 }
 
 std::string Director::carryOut(const SetRssi& instruction) {
-    Advertiser* device = air_.find(instruction.name);
-    if (device == nullptr) return noSuchDevice(instruction.name);
-    device->setRssi(instruction.rssi);
-    return ok;
+    return with(instruction.name, [&](Device& device) {
+        switch (instruction.of) {
+        case SetRssi::Of::Advertisements:
+            device.advertiser().setRssi(instruction.rssi);
+            break;
+        case SetRssi::Of::Link:
+            device.setLinkRssi(instruction.rssi);
+            break;
+        }
+        return ok;
+    });
 }
 
-std::string Director::carryOut(const SetLoudness& instruction) {
-    Advertiser* device = air_.find(instruction.name);
-    if (device == nullptr) return noSuchDevice(instruction.name);
-    switch (instruction.loudness) {
-    case SetLoudness::Loudness::Silent:
-        device->silence();
-        break;
-    case SetLoudness::Loudness::Loud:
-        device->makeLoud(now());
-        break;
-    }
-    return ok;
+std::string Director::carryOut(const SwitchDevice& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        turn(device, instruction.to);
+        return ok;
+    });
+}
+
+std::string Director::carryOut(const FailConnections& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        device.setAdmission(instruction.failure);
+        return ok;
+    });
+}
+
+std::string Director::carryOut(const DropLink& instruction) {
+    return with(instruction.name, [&](const Device& device) {
+        if (device.link() == nullptr) return notConnected(instruction.name);
+        controller_.drop(device, instruction.reason);
+        return std::string(ok);
+    });
+}
+
+std::string Director::carryOut(const SetModel& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        device.setModel(instruction.model);
+        return ok;
+    });
+}
+
+std::string Director::carryOut(const SayGarbage& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        return device.say(instruction.bytes) ? ok : notConnected(instruction.name);
+    });
+}
+
+std::string Director::carryOut(const ChangeAddress& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        if (!device.address().isPrivate())
+            return error("no private addresses: " + instruction.name);
+        device.address().change(now());
+        return ok + (" " + toText(device.address().shown()));
+    });
 }
 
 std::string Director::carryOut(const SetDuplicateFilter& instruction) {
@@ -75,13 +168,25 @@ std::string Director::carryOut(const TellStatus&) {
     return "ok plugged=" + yesOrNo(port_.isPlugged()) + " scanning=" + yesOrNo(scan.isOn()) +
            " active=" + yesOrNo(scan.isActive()) +
            " filter-duplicates=" + yesOrNo(scan.filtersDuplicates()) +
-           " scans-started=" + std::to_string(scan.timesStarted());
+           " scans-started=" + std::to_string(scan.timesStarted()) +
+           " connecting=" + yesOrNo(controller_.isConnecting()) +
+           " connected=" + namesOfLinked(air_);
+}
+
+std::string Director::carryOut(const TellDevice& instruction) {
+    return with(instruction.name,
+                [](const Device& device) { return ok + (" " + describe(device)); });
+}
+
+std::string Director::carryOut(const ReportHardwareError& instruction) {
+    controller_.reportHardwareError(instruction.code);
+    return ok;
 }
 
 std::string Director::carryOut(const Unplug&) {
     if (!port_.isPlugged()) return error("unplugged already");
     port_.unplug();
-    controller_.scan().reset();
+    controller_.unplugged();
     return ok;
 }
 

@@ -23,15 +23,26 @@ public:
 private:
     std::string carryOut(const PutDevice& instruction);
     std::string carryOut(const SetRssi& instruction);
-    std::string carryOut(const SetLoudness& instruction);
+    std::string carryOut(const SwitchDevice& instruction);
+    std::string carryOut(const FailConnections& instruction);
+    std::string carryOut(const DropLink& instruction);
+    std::string carryOut(const SetModel& instruction);
+    std::string carryOut(const SayGarbage& instruction);
+    std::string carryOut(const ChangeAddress& instruction);
     std::string carryOut(const SetDuplicateFilter& instruction);
     std::string carryOut(const StartFlood& instruction);
     std::string carryOut(const TellFloodResult& instruction);
     std::string carryOut(const TellStatus& instruction);
+    std::string carryOut(const TellDevice& instruction);
+    std::string carryOut(const ReportHardwareError& instruction);
     std::string carryOut(const Unplug& instruction);
     std::string carryOut(const Plug& instruction);
     std::string carryOut(const Quit& instruction);
     std::string carryOut(const Misunderstood& instruction);
+
+    /// Does it to the device, or says that there is none of that name.
+    template <typename Act>
+    std::string with(const std::string& name, Act act);
 
     Air& air_;
     Controller& controller_;

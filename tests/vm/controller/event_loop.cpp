@@ -35,7 +35,7 @@ void EventLoop::serve(LineChannel owner) {
 void EventLoop::run() {
     while (!director_.wantsToQuit() && !(hasOwner_ && scripts_.empty())) {
         waitForNext();
-        air_.advertiseDue(std::chrono::steady_clock::now(), controller_);
+        air_.act(std::chrono::steady_clock::now(), controller_);
     }
 }
 
@@ -45,7 +45,7 @@ void EventLoop::waitForNext() {
     for (const LineChannel& script : scripts_)
         watched.push_back({script.descriptor(), POLLIN, 0});
 
-    const std::optional<TimePoint> due = air_.nextDue(controller_.scan().isOn());
+    const std::optional<TimePoint> due = air_.nextDue(controller_.isListening());
     const timespec timeout = due ? until(*due) : timespec{};
     if (::ppoll(watched.data(), watched.size(), due ? &timeout : nullptr, nullptr) <= 0) return;
 

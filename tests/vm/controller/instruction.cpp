@@ -19,17 +19,68 @@ constexpr double mostFloodReports = 1e9;
 Misunderstood usage(std::string_view form) { return {"expected: " + std::string(form)}; }
 
 Instruction parseRssi(const Words& words) {
-    if (words.size() != 3) return usage("rssi NAME DBM");
+    if (words.size() != 3) return usage(std::string(words[0]) + " NAME DBM");
     const std::optional<int> rssi = parseRssiValue(words[2]);
     if (!rssi) return Misunderstood{"no signal strength: " + std::string(words[2])};
-    return SetRssi{.name = std::string(words[1]), .rssi = *rssi};
+    using Of = SetRssi::Of;
+    return SetRssi{.name = std::string(words[1]),
+                   .of = words[0] == "rssi" ? Of::Advertisements : Of::Link,
+                   .rssi = *rssi};
 }
 
-Instruction parseLoudness(const Words& words) {
-    if (words.size() != 2) return usage("silent NAME, or loud NAME");
-    using Loudness = SetLoudness::Loudness;
-    return SetLoudness{.name = std::string(words[1]),
-                       .loudness = words[0] == "loud" ? Loudness::Loud : Loudness::Silent};
+template <SwitchDevice::To to>
+Instruction parseSwitch(const Words& words) {
+    if (words.size() != 2) return usage(std::string(words[0]) + " NAME");
+    return SwitchDevice{.name = std::string(words[1]), .to = to};
+}
+
+/// The two digits at this place among the words, or what is usual without them.
+std::optional<std::uint8_t> codeAt(std::size_t place, const Words& words, std::uint8_t usual) {
+    if (words.size() <= place) return usual;
+    const std::optional<Bytes> bytes = parseHex(words[place]);
+    return bytes && bytes->size() == 1 ? std::optional(bytes->front()) : std::nullopt;
+}
+
+Instruction parseFail(const Words& words) {
+    if (words.size() < 2 || words.size() > 3) return usage("fail NAME [STATUS]");
+    const std::optional<std::uint8_t> status = codeAt(2, words, Fail{}.status);
+    if (!status || *status == 0) return Misunderstood{"no status: " + std::string(words[2])};
+    return FailConnections{.name = std::string(words[1]), .failure = {*status}};
+}
+
+Instruction parseDrop(const Words& words) {
+    if (words.size() < 2 || words.size() > 3) return usage("drop NAME [REASON]");
+    const std::optional<std::uint8_t> reason = codeAt(2, words, DropLink{}.reason);
+    if (!reason) return Misunderstood{"no reason: " + std::string(words[2])};
+    return DropLink{.name = std::string(words[1]), .reason = *reason};
+}
+
+Instruction parseHardwareError(const Words& words) {
+    if (words.size() > 2) return usage("hardware-error [CODE]");
+    const std::optional<std::uint8_t> code = codeAt(1, words, 0);
+    if (!code) return Misunderstood{"no code: " + std::string(words[1])};
+    return ReportHardwareError{*code};
+}
+
+Instruction parseModel(const Words& words) {
+    if (words.size() != 3) return usage("model NAME TEXT");
+    const std::optional<std::string> model = parseEscaped(words[2]);
+    if (!model) return Misunderstood{"no text: " + std::string(words[2])};
+    return SetModel{.name = std::string(words[1]), .model = *model};
+}
+
+Instruction parseGarbage(const Words& words) {
+    if (words.size() != 3) return usage("garbage NAME HEX");
+    const std::optional<Bytes> bytes = parseHex(words[2]);
+    if (!bytes) return Misunderstood{"no hexadecimal bytes: " + std::string(words[2])};
+    return SayGarbage{.name = std::string(words[1]), .bytes = *bytes};
+}
+
+/// For what is about a device and needs nothing more.
+template <typename AboutDevice>
+Instruction parseName(const Words& words) {
+    if (words.size() != 2) return usage(std::string(words[0]) + " NAME");
+    return AboutDevice{std::string(words[1])};
 }
 
 Instruction parseDuplicateFilter(const Words& words) {
@@ -76,15 +127,32 @@ struct Form {
     Instruction (*parse)(const Words&);
 };
 
+using To = SwitchDevice::To;
+
 constexpr Form forms[] = {
     {"device", parseDevice},
     {"rssi", parseRssi},
-    {"silent", parseLoudness},
-    {"loud", parseLoudness},
+    {"link-rssi", parseRssi},
+    {"silent", parseSwitch<To::Silent>},
+    {"loud", parseSwitch<To::Loud>},
+    {"connectable", parseSwitch<To::Connectable>},
+    {"non-connectable", parseSwitch<To::NotConnectable>},
+    {"mute", parseSwitch<To::Mute>},
+    {"unmute", parseSwitch<To::Unmute>},
+    {"admit", parseSwitch<To::Admit>},
+    {"refuse", parseSwitch<To::Refuse>},
+    {"forget", parseSwitch<To::Forget>},
+    {"fail", parseFail},
+    {"drop", parseDrop},
+    {"model", parseModel},
+    {"garbage", parseGarbage},
+    {"rotate", parseName<ChangeAddress>},
     {"filter-duplicates", parseDuplicateFilter},
     {"flood", parseFlood},
     {"flood-result", parsePlain<TellFloodResult>},
     {"status", parsePlain<TellStatus>},
+    {"device-status", parseName<TellDevice>},
+    {"hardware-error", parseHardwareError},
     {"unplug", parsePlain<Unplug>},
     {"plug", parsePlain<Plug>},
     {"quit", parsePlain<Quit>},

@@ -14,9 +14,9 @@ void Scan::start(bool filterDuplicates) {
     ++timesStarted_;
 }
 
-bool Scan::takes(const Address& address) {
+bool Scan::takes(const Address& address, const std::set<Address>& acceptList) {
     if (!on_) return false;
-    if (policy_ == ScanFilterPolicy::AcceptListOnly && !acceptList_.contains(address)) return false;
+    if (policy_ == ScanFilterPolicy::AcceptListOnly && !acceptList.contains(address)) return false;
     if (!filtersDuplicates_ || duplicateFilter_ == DuplicateFilter::Ignore) return true;
     return delivered_.insert(address).second;
 }
@@ -26,7 +26,6 @@ void Scan::reset() {
     filtersDuplicates_ = false;
     kind_ = ScanKind::Passive;
     policy_ = ScanFilterPolicy::Everyone;
-    acceptList_.clear();
     delivered_.clear();
 }
 

@@ -36,15 +36,9 @@ public:
 
     void setDuplicateFilter(DuplicateFilter filter) { duplicateFilter_ = filter; }
 
-    void clearAcceptList() { acceptList_.clear(); }
-
-    void accept(const Address& address) { acceptList_.insert(address); }
-
-    void acceptNoMore(const Address& address) { acceptList_.erase(address); }
-
     /// To be asked once for each advertisement that is about to be delivered: a duplicate filter
     /// remembers the question.
-    bool takes(const Address& address);
+    bool takes(const Address& address, const std::set<Address>& acceptList);
 
     /// As after power-on. The count of starts and the kind of duplicate filter belong to the test
     /// and stay.
@@ -57,7 +51,6 @@ private:
     ScanFilterPolicy policy_ = ScanFilterPolicy::Everyone;
     DuplicateFilter duplicateFilter_ = DuplicateFilter::Ignore;
     unsigned long timesStarted_ = 0;
-    std::set<Address> acceptList_;
     std::set<Address> delivered_;
 };
 

@@ -43,7 +43,9 @@ Bytes VirtualPort::read() {
 }
 
 void VirtualPort::write(ByteView packet) {
-    if (isPlugged() && writeWhole(device_.number(), packet) < 0) unplug();
+    if (!isPlugged() || writeWhole(device_.number(), packet) >= 0) return;
+    // ENXIO: the adapter is off just now, as between closing and opening it after a hardware error.
+    if (errno != ENXIO) unplug();
 }
 
 } // namespace controller

@@ -25,8 +25,8 @@ public:
     /// The next packet that the kernel has sent; empty if there is none.
     Bytes read();
 
-    /// Unplugs if the kernel takes no more: a test then sees a missing controller, not a silent
-    /// one.
+    /// What comes while the adapter is off is lost. Unplugs if the kernel takes no more: a test
+    /// then sees a missing controller, not a silent one.
     void write(ByteView packet);
 
 private:

@@ -49,6 +49,27 @@ class Radio:
         """How often the kernel has switched the scan on."""
         return int(self.status()["scans-started"])
 
+    def is_connecting(self) -> bool:
+        """Whether the kernel has asked for a connection that has not come about yet."""
+        return self.status()["connecting"] == "yes"
+
+    def connected(self) -> list[str]:
+        """The names of the devices that are connected."""
+        return [name for name in self.status()["connected"].split(",") if name]
+
+    def device(self, name: str) -> dict[str, str]:
+        """What `device-status` says of it."""
+        words = self.tell(f"device-status {name}").split()
+        return dict(word.split("=", 1) for word in words)
+
+    def connects(self, name: str) -> int:
+        """How often it has been connected so far."""
+        return int(self.device(name)["connects"])
+
+    def rotate(self, name: str) -> str:
+        """The private address that it goes by from now on."""
+        return self.tell(f"rotate {name}")
+
     def flood_result(self) -> dict | None:
         """None while the flood runs; then {"reports": N, "devices": {address: last RSSI}}."""
         try:

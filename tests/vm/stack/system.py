@@ -1,5 +1,6 @@
 """The whole stack in the guest: kernel module, system bus, controller, bluetoothd, a login."""
 
+import json
 import os
 import pathlib
 import signal
@@ -13,6 +14,8 @@ from .radio import Radio
 from .waiting import wait_for
 
 BUS_SOCKET = pathlib.Path("/run/dbus/system_bus_socket")
+RADIO_SOCKET = pathlib.Path("/run/radio")
+LINK_RSSI = pathlib.Path(__file__).with_name("link_rssi.py")
 VIRTUAL_PORT = pathlib.Path("/dev/vhci")
 POLICY = pathlib.Path("/etc/dbus-1/system.d/logind-stand-in.conf")
 # The rest of the policy is the host's own.
@@ -42,7 +45,7 @@ class System:
         if self.with_login:
             self.login = Login(self.logs)
         self.radio = Radio(
-            self.programs / "virtual-controller", pathlib.Path("/run/radio"), self.logs
+            self.programs / "virtual-controller", RADIO_SOCKET, self.logs
         )
         self.bus = bluez.connect()
         self.adapter = bluez.Adapter(self.bus)
@@ -82,8 +85,27 @@ class System:
         """A program of the test, its output with the other logs."""
         return Daemon(name, command, self.logs)
 
+    @staticmethod
+    def load_modules(*names: str) -> None:
+        """Of the guest's kernel, which loads few by itself."""
+        subprocess.run(["modprobe", "-a", *names], check=True)
+
+    @staticmethod
+    def links_seen_by_nobody() -> list[dict]:
+        """Address, handle and strength of each link, as a user without privilege reads them."""
+        told = subprocess.run(
+            ["python3", str(LINK_RSSI)],
+            user="nobody",
+            group="nogroup",
+            extra_groups=[],
+            check=True,
+            capture_output=True,
+            encoding="utf-8",
+        )
+        return json.loads(told.stdout)
+
     def _load_module(self) -> None:
-        subprocess.run(["modprobe", "hci_vhci"], check=True)
+        self.load_modules("hci_vhci")
         wait_for(VIRTUAL_PORT.exists, START_SECONDS, f"{VIRTUAL_PORT} is there")
 
     def _start_bus(self) -> None:

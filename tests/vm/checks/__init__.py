@@ -1,0 +1,1 @@
+"""What selftest shows, group by group."""

@@ -1,0 +1,20 @@
+// The commands that make, use and end links. Each gives the parameters of its Command Complete
+// event, or just the status where the result comes in an event of its own.
+#pragma once
+
+#include "bytes.h"
+#include "controller_state.h"
+
+namespace controller {
+
+Bytes createConnection(ByteView parameters, ControllerState& state);
+Bytes cancelConnection(ByteView parameters, ControllerState& state);
+Bytes disconnect(ByteView parameters, ControllerState& state);
+Bytes readRemoteVersion(ByteView parameters, ControllerState& state);
+Bytes readRemoteFeatures(ByteView parameters, ControllerState& state);
+Bytes updateConnection(ByteView parameters, ControllerState& state);
+Bytes setDataLength(ByteView parameters, ControllerState& state);
+Bytes readRssi(ByteView parameters, ControllerState& state);
+Bytes startEncryption(ByteView parameters, ControllerState& state);
+
+} // namespace controller

@@ -1,0 +1,103 @@
+#include "link_events.h"
+
+#include "abilities.h"
+
+namespace controller {
+
+namespace {
+
+constexpr std::uint8_t disconnectionCompleteEvent = 0x05;
+constexpr std::uint8_t encryptionChangeEvent = 0x08;
+constexpr std::uint8_t remoteVersionEvent = 0x0C;
+constexpr std::uint8_t hardwareErrorEvent = 0x10;
+constexpr std::uint8_t completedPacketsEvent = 0x13;
+constexpr std::uint8_t keyRefreshEvent = 0x30;
+
+constexpr std::uint8_t connectionCompleteSubevent = 0x01;
+constexpr std::uint8_t connectionUpdateSubevent = 0x03;
+constexpr std::uint8_t remoteFeaturesSubevent = 0x04;
+constexpr std::uint8_t dataLengthChangeSubevent = 0x07;
+
+Bytes about(LinkHandle handle, Status status = Status::Success) {
+    Bytes parameters;
+    append8(parameters, static_cast<unsigned>(status));
+    append16(parameters, handle);
+    return parameters;
+}
+
+void append(Bytes& to, const LinkTerms& terms) {
+    append16(to, terms.interval);
+    append16(to, terms.latency);
+    append16(to, terms.timeout);
+}
+
+} // namespace
+
+Bytes connectionComplete(Status status, LinkHandle handle, const Address& peer,
+                         const LinkTerms& terms) {
+    Bytes parameters = about(handle, status);
+    append8(parameters, 0); // we are the central
+    append8(parameters, static_cast<unsigned>(peer.type));
+    append(parameters, peer.bytes);
+    append(parameters, terms);
+    append8(parameters, 0); // clock accuracy
+    return lowEnergyEvent(connectionCompleteSubevent, parameters);
+}
+
+Bytes disconnectionComplete(LinkHandle handle, std::uint8_t reason) {
+    Bytes parameters = about(handle);
+    append8(parameters, reason);
+    return event(disconnectionCompleteEvent, parameters);
+}
+
+Bytes connectionUpdateComplete(LinkHandle handle, const LinkTerms& terms) {
+    Bytes parameters = about(handle);
+    append(parameters, terms);
+    return lowEnergyEvent(connectionUpdateSubevent, parameters);
+}
+
+Bytes remoteFeaturesComplete(LinkHandle handle) {
+    Bytes parameters = about(handle);
+    append(parameters, lowEnergyFeatureMask);
+    return lowEnergyEvent(remoteFeaturesSubevent, parameters);
+}
+
+Bytes remoteVersionComplete(LinkHandle handle) {
+    Bytes parameters = about(handle);
+    append8(parameters, bluetooth50);
+    append16(parameters, manufacturerForTests);
+    append16(parameters, 0); // subversion
+    return event(remoteVersionEvent, parameters);
+}
+
+Bytes dataLengthChange(LinkHandle handle) {
+    Bytes parameters;
+    append16(parameters, handle);
+    for (int direction = 0; direction < 2; ++direction) {
+        append16(parameters, maximumDataOctets);
+        append16(parameters, maximumDataMicroseconds);
+    }
+    return lowEnergyEvent(dataLengthChangeSubevent, parameters);
+}
+
+Bytes encryptionChange(LinkHandle handle, Status status) {
+    Bytes parameters = about(handle, status);
+    append8(parameters, status == Status::Success ? 1 : 0);
+    return event(encryptionChangeEvent, parameters);
+}
+
+Bytes encryptionKeyRefreshComplete(LinkHandle handle, Status status) {
+    return event(keyRefreshEvent, about(handle, status));
+}
+
+Bytes onePacketCompleted(LinkHandle handle) {
+    Bytes parameters;
+    append8(parameters, 1); // of one link
+    append16(parameters, handle);
+    append16(parameters, 1);
+    return event(completedPacketsEvent, parameters);
+}
+
+Bytes hardwareError(std::uint8_t code) { return event(hardwareErrorEvent, Bytes{code}); }
+
+} // namespace controller
