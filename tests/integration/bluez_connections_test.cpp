@@ -178,6 +178,20 @@ TEST_F(BluezConnectionsTest, ALinkOfOursIsClosedWhenItIsNotWantedAnyMore) {
     EXPECT_EQ(central->peripheralState(id), PeripheralState::disconnected);
 }
 
+TEST_F(BluezConnectionsTest, AskedForWhileItClosesItIsConnectedAfterwards) {
+    start();
+    connected();
+    central->cancelConnection(id);
+    central->connect(id);
+    EXPECT_EQ(central->peripheralState(id), PeripheralState::disconnecting);
+    linkGoes();
+    EXPECT_EQ(take(), Events{"lost"});
+    hear();
+    linkComes();
+    answerConnect();
+    EXPECT_EQ(take(), Events{"connected"});
+}
+
 TEST_F(BluezConnectionsTest, ALinkOfOursIsClosedAtTheEnd) {
     start();
     connected();

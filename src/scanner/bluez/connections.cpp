@@ -64,8 +64,9 @@ void Connections::clearRadio() {
 }
 
 void Connections::connect(const Uuid& id) {
-    if (connections_.try_emplace(id).second)
-        delayed_.after(Nanoseconds{0}, [this, id] { consider(id); });
+    const auto [connection, isNew] = connections_.try_emplace(id);
+    if (isNew) delayed_.after(Nanoseconds{0}, [this, id] { consider(id); });
+    connection->second.again = connection->second.stage == Stage::closing;
 }
 
 void Connections::cancel(const Uuid& id) {
@@ -80,6 +81,7 @@ void Connections::cancel(const Uuid& id) {
         return;
     }
     const Stage stage = connection.stage;
+    connection.again = false;
     if (stage == Stage::closing) return;
     connections_.erase(found);
     if (stage == Stage::attempting && known != nullptr) close(id, *known); // gives up the attempt
@@ -166,10 +168,12 @@ void Connections::changed(const Uuid& id) {
 void Connections::moved(const Uuid& from, const Uuid& to) {
     auto node = connections_.extract(from);
     if (node.empty()) return;
-    // An answer that is under way would come for the former id.
-    if (node.mapped().stage != Stage::connected) node.mapped() = {};
+    const Stage stage = node.mapped().stage;
+    const bool stands = stage == Stage::connected || stage == Stage::closing;
+    if (!stands) node.mapped() = {}; // an answer under way would come for the former id
     node.key() = to;
     connections_.insert(std::move(node));
+    if (!stands && stage != Stage::waiting) listener_.radioReleased();
     consider(to);
 }
 
@@ -272,7 +276,9 @@ void Connections::lose(Found connection) {
     if (connection == connections_.end()) return;
     const Uuid id = connection->first;
     const auto reason = lossReason(id, connection->second);
+    const bool again = connection->second.again;
     connections_.erase(connection);
+    if (again) connect(id);
     listener_.disconnected(id, reason);
 }
 

@@ -95,6 +95,7 @@ private:
     struct Connection {
         Stage stage = Stage::waiting;
         bool isOurs = false; ///< opened by us, so ours to close
+        bool again = false;  ///< asked for anew while it closes
         std::optional<std::string> reason;
         Subscription answer;
     };

@@ -49,6 +49,12 @@ class Login:
         session = self._object(self.session_path, "org.freedesktop.login1.Session")
         session.SetLockedHint(dbus.Boolean(locked))
 
+    def prepare_for_sleep(self, sleeping: bool) -> None:
+        """What logind tells everybody before the computer sleeps, and once it is awake."""
+        self._object(MANAGER_PATH, MOCK).EmitSignal(
+            "org.freedesktop.login1.Manager", "PrepareForSleep", "b", [dbus.Boolean(sleeping)]
+        )
+
     def end(self) -> None:
         self.daemon.end()
 
