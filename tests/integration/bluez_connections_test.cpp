@@ -192,6 +192,72 @@ TEST_F(BluezConnectionsTest, AskedForWhileItClosesItIsConnectedAfterwards) {
     EXPECT_EQ(take(), Events{"connected"});
 }
 
+TEST_F(BluezConnectionsTest, AnotherAdapterTakesOverAndOurLinkOnTheFormerIsClosed) {
+    bluez.addAdapter("/org/bluez/hci1");
+    bluez.removeAdapter();
+    bluez.addDevice(address, {}, {{"Paired", true}}, "/org/bluez/hci1");
+    central->want({.connect = {id}});
+    ASSERT_TRUE(isCalled("StartDiscovery", 1));
+    central->connect(id);
+    bluez.report(address, -60, {}, "/org/bluez/hci1");
+    loop.settle();
+    links.strengths[address] = -55;
+    bluez.changeDevice(address, {{"Connected", true}}, "/org/bluez/hci1");
+    answerConnect();
+    ASSERT_EQ(take(), Events{"connected"});
+    bluez.addAdapter(); // comes first by its path
+    loop.settle();
+    EXPECT_EQ(take(), Events{"lost"});
+    EXPECT_EQ(calls("Disconnect"), 1);
+}
+
+TEST_F(BluezConnectionsTest, ALinkThatSomebodyElseOpensFirstIsNotOurs) {
+    start();
+    central->connect(id);
+    untilListening();
+    bluez.report(address, -60); // in one turn: heard, and linked before the radio is free
+    bluez.changeDevice(address, {{"Connected", true}});
+    links.strengths[address] = -50;
+    loop.settle();
+    if (!connects.empty()) answerConnect("org.bluez.Error.AlreadyConnected");
+    EXPECT_EQ(take(), Events{"connected"});
+    central->cancelConnection(id);
+    loop.settle();
+    EXPECT_EQ(calls("Disconnect"), 0);
+}
+
+TEST_F(BluezConnectionsTest, AnAttemptUnderWayIsGivenUpAtTheEnd) {
+    start();
+    central->connect(id);
+    hear();
+    ASSERT_TRUE(isCalled("Connect", 1));
+    delegate.reset();
+    central.reset();
+    loop.settle();
+    EXPECT_EQ(calls("Disconnect"), 1);
+}
+
+TEST_F(BluezConnectionsTest, WhoWaitsForTheRadioGetsItWhenAnotherAttemptEnds) {
+    const std::string other = "AA:BB:CC:DD:EE:02";
+    const Uuid second = deviceId(other, "public");
+    start();
+    bluez.addDevice(other, {}, {{"Paired", true}});
+    central->want({.list = true, .connect = {id, second}, .hear = {}});
+    central->connect(id);
+    central->connect(second);
+    hear();
+    bluez.report(other, -60);
+    loop.settle();
+    live(3s);
+    ASSERT_EQ(calls("Connect"), 2);
+    answerConnect("org.bluez.Error.Failed"); // the second's
+    central->connect(second);
+    live(4s);
+    bluez.report(other, -60); // heard while the first is still being tried
+    live(3s);
+    EXPECT_EQ(calls("Connect"), 3);
+}
+
 TEST_F(BluezConnectionsTest, ALinkOfOursIsClosedAtTheEnd) {
     start();
     connected();

@@ -81,7 +81,7 @@ void BluezCentral::report(CentralState state) {
     const bool sameAdapter = adapter_ == reportedAdapter_;
     reportedAdapter_ = adapter_;
     if (!on || !sameAdapter) {
-        if (discovery_) discovery_->stop(); // on an adapter that may stay
+        connections_.leave(); // an adapter that may stay
         dropRadio();
         scanWanted_ = false;
     }
@@ -126,7 +126,7 @@ void BluezCentral::takeRadio() {
     discovery_ = std::make_unique<bluez::Discovery>(*bus_, scheduler_, *adapter_, listener);
     connections_.setRadio(*bus_, watch_->objects(), *adapter_);
     gatt_.setRadio(*bus_, *watch_, *adapter_);
-    if (!links_.canRead(*adapter_))
+    if (!std::exchange(toldUnreadable_, !links_.canRead(*adapter_)) && toldUnreadable_)
         Log::write("Signaal van verbindingen niet te lezen: sleutels worden alleen beluisterd");
     listenForKeys();
     schedule_.start();
@@ -141,7 +141,8 @@ void BluezCentral::dropRadio() {
     readings_.clear();
     measured_.clear();
     gatt_.clearRadio();
-    connections_.clearRadio();
+    using LinksThen = bluez::Connections::LinksThen;
+    connections_.clearRadio(renewal_ ? LinksThen::kept : LinksThen::forgotten);
 }
 
 void BluezCentral::want(const Wanted& wanted) {
@@ -220,6 +221,7 @@ void BluezCentral::wokeUp() {
     // The kernel ended the scan before the sleep, and BlueZ begins another only after a while.
     discovery_->renew();
     schedule_.start();
+    connections_.arrangeRadio();
 }
 
 // --- Devices ------------------------------------------------------------------------------------
@@ -229,8 +231,8 @@ void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews
     if (device == nullptr || !device->id || !adapter_ || !bluez::isUnder(path, *adapter_)) return;
     const Uuid id = *device->id; // whoever is told may change what the device is
     if (news.formerId) {
-        connections_.moved(*news.formerId, id);
         if (delegate_ != nullptr) delegate_->didIdentify(*news.formerId, id);
+        connections_.moved(*news.formerId, id);
     }
     if (news.standing) {
         connections_.changed(id);

@@ -119,6 +119,7 @@ private:
     Wanted wanted_;
     bluez::Surroundings surroundings_;
     bool discoveryDenied_ = false;
+    bool toldUnreadable_ = false;        ///< that links' strengths cannot be read
     bool scanWanted_ = false;            ///< the scanner asked for it since the radio came on
     std::optional<std::string> adapter_; ///< path of the chosen one
     std::optional<CentralState> reported_;

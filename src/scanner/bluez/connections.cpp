@@ -35,9 +35,13 @@ Connections::Connections(ConnectionListener& listener, Links& links, Scheduler& 
 
 Connections::~Connections() {
     // BlueZ keeps a link whoever asked for it has gone.
-    for (const auto& [id, connection] : connections_)
-        if (const Device* const known = device(id); known != nullptr && connection.isOurs)
-            close(id, *known);
+    leave();
+}
+
+void Connections::leave() {
+    for (const Uuid& id : ours_)
+        if (const Device* const known = device(id)) close(id, *known);
+    ours_.clear();
 }
 
 void Connections::setRadio(dbus::Bus& bus, const ObjectTree& objects, std::string adapter) {
@@ -47,7 +51,7 @@ void Connections::setRadio(dbus::Bus& bus, const ObjectTree& objects, std::strin
         delayed_.after(Nanoseconds{0}, [this, id = id] { consider(id); });
 }
 
-void Connections::clearRadio() {
+void Connections::clearRadio(LinksThen links) {
     if (!radio_) return;
     radio_.reset();
     lookAgain_.reset();
@@ -59,6 +63,7 @@ void Connections::clearRadio() {
         if (stood) lost.push_back(id);
         if (!stood) connection.stage = Stage::waiting;
     }
+    if (links == LinksThen::forgotten) ours_.clear();
     for (const Uuid& id : lost)
         lose(connections_.find(id));
 }
@@ -73,21 +78,36 @@ void Connections::cancel(const Uuid& id) {
     const auto found = connections_.find(id);
     if (found == connections_.end()) return;
     Connection& connection = found->second;
+    connection.again = false;
+    const Stage stage = connection.stage;
+    if (stage == Stage::closing) return;
     const Device* const known = device(id);
-    if (connection.stage == Stage::connected && connection.isOurs && known != nullptr) {
+    const bool isOurs = ours_.contains(id) && known != nullptr;
+    if (stage == Stage::connected && isOurs) {
         connection.stage = Stage::closing;
-        connection.answer = call(id, *known, "Disconnect",
-                                 [this, id](const dbus::Message&) { lose(connections_.find(id)); });
+        connection.answer = call(id, *known, "Disconnect", [this, id](const dbus::Message& answer) {
+            closed(id, answer.error().has_value());
+        });
         return;
     }
-    const Stage stage = connection.stage;
-    connection.again = false;
-    if (stage == Stage::closing) return;
     connections_.erase(found);
-    if (stage == Stage::attempting && known != nullptr) close(id, *known); // gives up the attempt
+    if (isOurs) close(id, *known); // gives up the attempt
+    ours_.erase(id);
     delayed_.after(Nanoseconds{0}, [this, id, stage] {
         if (stage == Stage::connected) return listener_.disconnected(id, std::nullopt);
-        if (stage != Stage::waiting) listener_.radioReleased();
+        if (stage != Stage::waiting) arrangeRadio();
+    });
+}
+
+void Connections::closed(const Uuid& id, bool refused) {
+    const auto found = connections_.find(id);
+    if (found == connections_.end() || found->second.stage != Stage::closing) return;
+    const Device* const known = device(id);
+    if (refused || known == nullptr || !isLinked(*known)) return lose(found);
+    // The answer was faster than the property; a new request must not find the old link.
+    delayed_.after(closing, [this, id] {
+        const auto still = connections_.find(id);
+        if (still != connections_.end() && still->second.stage == Stage::closing) lose(still);
     });
 }
 
@@ -155,6 +175,16 @@ void Connections::radioIsFree() {
         attempt(id);
 }
 
+void Connections::arrangeRadio() {
+    bool isWaitedFor = false;
+    for (const auto& [id, connection] : connections_) {
+        if (connection.stage == Stage::attempting || connection.stage == Stage::verifying)
+            return; // whose end comes here too
+        isWaitedFor = isWaitedFor || connection.stage == Stage::heard;
+    }
+    isWaitedFor ? listener_.radioNeeded() : listener_.radioReleased();
+}
+
 void Connections::changed(const Uuid& id) {
     const auto found = connections_.find(id);
     if (found == connections_.end()) return;
@@ -173,13 +203,17 @@ void Connections::moved(const Uuid& from, const Uuid& to) {
     if (!stands) node.mapped() = {}; // an answer under way would come for the former id
     node.key() = to;
     connections_.insert(std::move(node));
-    if (!stands && stage != Stage::waiting) listener_.radioReleased();
+    if (ours_.erase(from) > 0) ours_.insert(to);
+    if (!stands && stage != Stage::waiting) arrangeRadio();
     consider(to);
 }
 
 void Connections::linkEnded(const Uuid& id, std::string_view name) {
     const auto found = connections_.find(id);
-    if (found != connections_.end() && found->second.stage == Stage::connected)
+    const Device* const known = device(id);
+    // Of a device with two bearers it may be the other's link.
+    if (found != connections_.end() && found->second.stage == Stage::connected &&
+        known != nullptr && !isToldAsOne(*known))
         found->second.reason = lossText(name);
 }
 
@@ -189,9 +223,13 @@ void Connections::consider(const Uuid& id) {
     if (known == nullptr || found == connections_.end() || found->second.stage != Stage::waiting)
         return;
     if (!mayConnect(id, *known)) return fail(found);
-    if (isLinked(*known)) return succeed(found, false);
-    if (known->connected && isToldAsOne(*known) && !lookAgain_)
-        lookAgain_ = scheduler_.every(lookAgain, [this] { lookAtBoth(); });
+    if (isLinked(*known)) return succeed(found);
+    lookAgainAt(*known);
+}
+
+void Connections::lookAgainAt(const Device& device) {
+    if (device.connected && isToldAsOne(device) && !lookAgain_)
+        lookAgain_ = scheduler_.every(lookInterval, [this] { lookAtBoth(); });
 }
 
 void Connections::lookAtBoth() {
@@ -208,8 +246,16 @@ void Connections::lookAtBoth() {
 void Connections::attempt(const Uuid& id) {
     const auto found = connections_.find(id);
     const Device* const known = device(id);
-    if (found == connections_.end()) return;
-    if (known == nullptr) return fail(found);
+    if (found == connections_.end() || found->second.stage != Stage::heard) return;
+    if (known == nullptr || isLinked(*known)) { // gone, or somebody else was faster
+        found->second.stage = Stage::waiting;
+        delayed_.after(Nanoseconds{0}, [this, id] {
+            consider(id);
+            arrangeRadio();
+        });
+        return;
+    }
+    ours_.insert(id);
     found->second.stage = Stage::attempting;
     found->second.answer = call(id, *known, "Connect", [this, id](const dbus::Message& answer) {
         attempted(id, answer.error());
@@ -220,8 +266,9 @@ void Connections::attempted(const Uuid& id, const std::optional<std::string>& er
     const auto found = connections_.find(id);
     const Device* const known = device(id);
     if (found == connections_.end()) return;
+    if (error) ours_.erase(id); // if there is a link, who opened it is not known
     if (known == nullptr) return fail(found);
-    if (isLinked(*known)) return succeed(found, !error);
+    if (isLinked(*known)) return succeed(found);
     // BlueZ has been seen to report an abort of what then stood, and its answer may overtake the
     // change of the property.
     found->second.stage = Stage::verifying;
@@ -231,31 +278,28 @@ void Connections::attempted(const Uuid& id, const std::optional<std::string>& er
          .interface = "org.freedesktop.DBus.Properties",
          .member = "Get",
          .arguments = {std::string(interfaceFor(*known)), std::string("Connected")}},
-        [this, id, ours = !error](const dbus::Message& answer) {
+        [this, id](const dbus::Message& answer) {
             bool isConnected = false;
             answer.read().variant([&isConnected](dbus::Reader& value) {
                 isConnected = value.boolean().value_or(false);
             });
-            verified(id, isConnected, ours);
+            verified(id, isConnected);
         });
 }
 
-void Connections::verified(const Uuid& id, bool connected, bool ours) {
+void Connections::verified(const Uuid& id, bool connected) {
     const auto found = connections_.find(id);
     if (found == connections_.end()) return;
-    if (connected) return succeed(found, ours);
-    fail(found);
+    connected ? succeed(found) : fail(found);
 }
 
-void Connections::succeed(Found connection, bool ours) {
+void Connections::succeed(Found connection) {
     const Uuid id = connection->first;
     const bool attempted = connection->second.stage != Stage::waiting;
-    connection->second = {.stage = Stage::connected, .isOurs = ours, .reason = {}, .answer = {}};
+    connection->second = {.stage = Stage::connected};
     failures_.erase(id);
-    if (attempted) listener_.radioReleased();
-    const Device* const known = device(id);
-    if (known != nullptr && isToldAsOne(*known) && !lookAgain_)
-        lookAgain_ = scheduler_.every(lookAgain, [this] { lookAtBoth(); });
+    if (attempted) arrangeRadio();
+    if (const Device* const known = device(id)) lookAgainAt(*known);
     listener_.connected(id);
 }
 
@@ -263,11 +307,12 @@ void Connections::fail(Found connection) {
     const Uuid id = connection->first;
     const bool attempted = connection->second.stage != Stage::waiting;
     connections_.erase(connection);
+    ours_.erase(id);
     if (attempted) {
         Failures& failures = failures_[id];
         const auto doubled = firstSpacing * (1 << std::min(failures.count++, 4));
         failures.notBefore = clock_.now() + std::min(doubled, longestSpacing);
-        listener_.radioReleased();
+        arrangeRadio();
     }
     listener_.connectFailed(id);
 }
@@ -278,16 +323,19 @@ void Connections::lose(Found connection) {
     const auto reason = lossReason(id, connection->second);
     const bool again = connection->second.again;
     connections_.erase(connection);
+    if (radio_) ours_.erase(id); // else the link may stand, and it is only we who went
     if (again) connect(id);
     listener_.disconnected(id, reason);
 }
 
 std::optional<std::string> Connections::lossReason(const Uuid& id,
                                                    const Connection& connection) const {
-    if (connection.stage == Stage::closing) return std::nullopt; // as it was asked to
     const Device* const known = device(id);
-    if (connection.reason || known == nullptr) return connection.reason;
-    const auto code = links_.lossCode(radio_->adapter, known->address);
+    // Taken in any case, or the next loss would be told with this one's.
+    const auto code =
+        known == nullptr ? std::nullopt : links_.lossCode(radio_->adapter, known->address);
+    if (connection.stage == Stage::closing) return std::nullopt; // as it was asked to
+    if (connection.reason) return connection.reason;
     return code ? std::optional(lossText(*code)) : std::nullopt;
 }
 

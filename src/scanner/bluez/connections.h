@@ -20,7 +20,8 @@
 
 namespace wegslot::bluez {
 
-/// Who is told; never from within an operation of `Connections`.
+/// Who is told; never from within `connect`, `cancel`, `radioIsFree` or `arrangeRadio`, but for the
+/// radio.
 class ConnectionListener {
 public:
     ConnectionListener() = default;
@@ -48,7 +49,10 @@ public:
     static constexpr Nanoseconds longestSpacing = std::chrono::seconds{15};
 
     /// How often a link of either kind is looked at again where BlueZ tells of both as one.
-    static constexpr Nanoseconds lookAgain = std::chrono::seconds{5};
+    static constexpr Nanoseconds lookInterval = std::chrono::seconds{5};
+
+    /// After BlueZ has answered that a link is closed, its property says so within this.
+    static constexpr Nanoseconds closing = std::chrono::seconds{1};
 
     Connections(ConnectionListener& listener, Links& links, Scheduler& scheduler,
                 const Clock& clock);
@@ -60,8 +64,17 @@ public:
     /// stay until `clearRadio`.
     void setRadio(dbus::Bus& bus, const ObjectTree& objects, std::string adapter);
 
+    /// What becomes of links when the radio goes.
+    enum class LinksThen {
+        forgotten, ///< they go with it
+        kept,      ///< they stand: only our way to BlueZ is another
+    };
+
     /// The radio went. What was connected is lost; requests stay.
-    void clearRadio();
+    void clearRadio(LinksThen links);
+
+    /// Ends the links and gives up the attempts that are ours: another adapter is used from now on.
+    void leave();
 
     /// Devices that may be connected without a bond, if their address is fixed: somebody chose
     /// them as keys.
@@ -77,6 +90,8 @@ public:
     /// No scan is running: who waits for the radio is connected now. Most controllers cannot do
     /// both at a time.
     void radioIsFree();
+    /// Says anew whether the radio is needed.
+    void arrangeRadio();
     void changed(const Uuid& id);
     void moved(const Uuid& from, const Uuid& to);
     /// `name`: BlueZ's for the reason. Its `Connected` changes right after.
@@ -94,8 +109,7 @@ private:
 
     struct Connection {
         Stage stage = Stage::waiting;
-        bool isOurs = false; ///< opened by us, so ours to close
-        bool again = false;  ///< asked for anew while it closes
+        bool again = false; ///< asked for anew while it closes
         std::optional<std::string> reason;
         Subscription answer;
     };
@@ -124,8 +138,10 @@ private:
     void lookAtBoth();
     void attempt(const Uuid& id);
     void attempted(const Uuid& id, const std::optional<std::string>& error);
-    void verified(const Uuid& id, bool connected, bool ours);
-    void succeed(Found connection, bool ours);
+    void verified(const Uuid& id, bool connected);
+    void succeed(Found connection);
+    void closed(const Uuid& id, bool refused);
+    void lookAgainAt(const Device& device);
     void fail(Found connection);
     void lose(Found connection);
     void close(const Uuid& id, const Device& device);
@@ -140,6 +156,7 @@ private:
     std::set<Uuid> keys_;
     std::map<Uuid, Connection> connections_;
     std::map<Uuid, Failures> failures_;
+    std::set<Uuid> ours_; ///< whose link we opened, or try to: ours to close
     DelayedCalls delayed_;
     Timer lookAgain_;
 };

@@ -27,6 +27,15 @@ Discovery::Discovery(dbus::Bus& bus, Scheduler& scheduler, std::string adapter, 
       adapter_(std::move(adapter)),
       listener_(listener) {}
 
+Discovery::~Discovery() {
+    // The adapter may stay although it is not used any more; else nobody listens.
+    if (on_ || busy_)
+        bus_.send({.destination = "org.bluez",
+                   .path = adapter_,
+                   .interface = "org.bluez.Adapter1",
+                   .member = "StopDiscovery"});
+}
+
 void Discovery::start() {
     wanted_ = true;
     proceed();
@@ -44,6 +53,9 @@ void Discovery::restart() {
 
 void Discovery::renew() {
     renewWanted_ = true;
+    retry_.reset();
+    refusals_ = 0;
+    nextRetry_ = firstRetry;
     proceed();
 }
 
@@ -69,6 +81,7 @@ void Discovery::begin() {
         });
     }
     setFilter([this] {
+        if (!wanted_) return;
         call("StartDiscovery", {}, [this](const dbus::Message& answer) {
             if (const auto error = answer.error()) return refused(*error);
             refusals_ = 0;

@@ -37,6 +37,11 @@ public:
 
     Discovery(dbus::Bus& bus, Scheduler& scheduler, std::string adapter, Listener& listener);
 
+    /// Ends the session.
+    ~Discovery();
+    Discovery(const Discovery&) = delete;
+    Discovery& operator=(const Discovery&) = delete;
+
     void start();
     void stop();
 

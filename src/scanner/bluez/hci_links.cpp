@@ -79,8 +79,9 @@ public:
     /// The next packet; empty when there is none. Nothing when the socket is of no more use.
     std::optional<std::span<const std::uint8_t>> receive() {
         const ssize_t size = ::read(descriptor_, buffer_.data(), buffer_.size());
-        if (size < 0 && errno != EAGAIN && errno != EINTR) return std::nullopt;
-        return std::span(buffer_).first(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+        if (size > 0) return std::span(buffer_).first(static_cast<std::size_t>(size));
+        if (size < 0 && (errno == EAGAIN || errno == EINTR)) return std::span(buffer_).first(0);
+        return std::nullopt;
     }
 
     Subscription watching;
@@ -89,7 +90,7 @@ private:
     [[nodiscard]] bool prepare() const {
         // Only what is read here: a room full of advertisements must not wake anybody.
         const HciFilter filter{
-            .packetTypes = 1U << 4U,
+            .packetTypes = 1U << hci::eventPacket,
             .events = {1U << hci::commandComplete | 1U << hci::disconnectionComplete, 0},
             .opcode = hci::readRssiOpcode};
         const HciAddress address{AF_BLUETOOTH, adapter_, rawChannel};
@@ -147,8 +148,10 @@ std::optional<hci::ListedConnection> HciLinks::find(const std::string& adapter,
 }
 
 std::optional<bool> HciLinks::isLinked(const std::string& adapter, const std::string& address) {
-    if (socketOf(adapter) == nullptr) return std::nullopt;
-    return find(adapter, address).has_value();
+    const Socket* const socket = socketOf(adapter);
+    if (socket == nullptr || !socket->connections()) return std::nullopt;
+    const auto connection = find(adapter, address);
+    return connection && connection->state == hci::connectedState;
 }
 
 Subscription HciLinks::read(const std::string& adapter, const std::string& address, Answer answer) {
@@ -160,6 +163,7 @@ Subscription HciLinks::read(const std::string& adapter, const std::string& addre
     if (sent) {
         question->handle = connection->handle;
         handles_[connection->handle] = connection->address;
+        lossCodes_.erase(connection->address); // of an earlier link
     }
     const std::weak_ptr<Question> waiting = question;
     question->patience = scheduler_.after(sent ? patience : Nanoseconds{0}, [this, waiting] {
@@ -187,10 +191,14 @@ void HciLinks::receive() {
         const auto packet = socket_->receive();
         if (!packet) { // the adapter went; the next question opens it anew
             socket_.reset();
+            handles_.clear();
             return;
         }
         if (packet->empty()) return;
-        if (const auto read = hci::rssiRead(*packet)) answered(*read);
+        if (const auto read = hci::rssiRead(*packet)) {
+            answered(*read); // who may read on, so that the packet is gone
+            continue;
+        }
         const auto ended = hci::disconnection(*packet);
         if (!ended) continue;
         const auto handle = handles_.extract(ended->handle);

@@ -6,7 +6,6 @@ namespace wegslot::bluez::hci {
 namespace {
 
 constexpr std::uint8_t commandPacket = 0x01;
-constexpr std::uint8_t eventPacket = 0x04;
 
 // The handle has 12 bits; the others are flags in some packets.
 constexpr std::uint16_t handleBits = 0x0FFF;

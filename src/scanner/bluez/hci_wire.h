@@ -23,6 +23,12 @@ using Address = std::array<std::uint8_t, 6>;
 
 /// Link types of the kernel: what a low-energy link is listed as.
 inline constexpr std::uint8_t lowEnergyLink = 0x80;
+/// The state of one that stands (BT_CONNECTED of the kernel's net/bluetooth/bluetooth.h); those
+/// still being made are listed too.
+inline constexpr std::uint16_t connectedState = 1;
+
+/// The packet type of events.
+inline constexpr std::uint8_t eventPacket = 0x04;
 
 /// A connection as the kernel lists it (struct hci_conn_info).
 struct ListedConnection {

@@ -166,6 +166,11 @@ void ObjectTree::removeDevice(std::string_view path) {
     devices_.erase(found);
 }
 
+void ObjectTree::removeBearer(std::string_view path) {
+    const auto found = devices_.find(std::string(path));
+    if (found != devices_.end()) found->second.lowEnergyConnected.reset();
+}
+
 void ObjectTree::clear() {
     adapters_.clear();
     devices_.clear();

@@ -87,6 +87,7 @@ public:
 
     void removeAdapter(std::string_view path);
     void removeDevice(std::string_view path);
+    void removeBearer(std::string_view path);
     void clear();
 
 private:

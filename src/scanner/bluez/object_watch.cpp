@@ -103,6 +103,7 @@ void ObjectWatch::interfacesRemoved(const dbus::Message& message) {
 
 void ObjectWatch::removed(std::string_view path, std::string_view interface) {
     if (isOfGatt(interface)) gatt_.remove(path);
+    if (interface == bearerInterface) objects_.removeBearer(path);
     if (interface == deviceInterface) {
         const Device* const device = objects_.device(path);
         const auto id = device == nullptr ? std::nullopt : device->id;
@@ -123,7 +124,8 @@ void ObjectWatch::propertiesChanged(const dbus::Message& message) {
     const auto interface = reader.text();
     if (!interface) return;
     // Of a device that was never announced too little is known; it will be.
-    if (*interface == deviceInterface && objects_.device(message.path()) == nullptr) return;
+    const bool isOfDevice = *interface == deviceInterface || *interface == bearerInterface;
+    if (isOfDevice && objects_.device(message.path()) == nullptr) return;
     if (const auto news = read(message.path(), *interface, reader))
         listener_.deviceReported(message.path(), *news);
     if (isOfAdapter(*interface)) listener_.surroundingsChanged();
