@@ -6,10 +6,11 @@
 
 namespace wegslot::dbus {
 
-Connection::Connection(Open open, Attach attach, Scheduler& scheduler)
+Connection::Connection(Open open, Attach attach, Scheduler& scheduler, Complaints complaints)
     : open_(std::move(open)),
       attach_(std::move(attach)),
-      scheduler_(scheduler) {
+      scheduler_(scheduler),
+      mayComplain_(complaints == Complaints::logged) {
     timer_ = scheduler_.after(Nanoseconds{0}, [this] { connect(); });
 }
 
@@ -17,7 +18,7 @@ void Connection::connect() {
     auto opened = open_();
     if (!opened) {
         // Once for each time that it is gone, however long that takes.
-        if (!std::exchange(complained_, true))
+        if (mayComplain_ && !std::exchange(complained_, true))
             Log::write("Geen verbinding met de " + opened.failure().message);
         bus_.set(nullptr);
         timer_ = scheduler_.after(retryInterval, [this] { connect(); });

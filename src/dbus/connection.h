@@ -21,8 +21,13 @@ public:
     /// Between two attempts: soon enough for a person who waits, too rare to cost anything.
     static constexpr Nanoseconds retryInterval = std::chrono::seconds{5};
 
+    /// Whether the log is told that the bus is not there. One of several connections to the same
+    /// bus says it for all.
+    enum class Complaints { logged, none };
+
     /// Makes the first attempt at the next turn of the loop.
-    Connection(Open open, Attach attach, Scheduler& scheduler);
+    Connection(Open open, Attach attach, Scheduler& scheduler,
+               Complaints complaints = Complaints::logged);
 
     /// The bus, or null while there is none. Listeners that are told of null may not use the bus
     /// they had; it goes right after.
@@ -41,6 +46,7 @@ private:
     Attach attach_;
     Scheduler& scheduler_;
     std::unique_ptr<Bus> owned_;
+    bool mayComplain_;
     bool complained_ = false;
     Observable<Bus*> bus_{nullptr};
     Handle attached_;

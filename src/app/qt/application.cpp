@@ -86,7 +86,7 @@ public:
     explicit RealWorld(Scheduler& scheduler, const Clock& clock)
         : systemBus(dbus::Bus::openSystem, pump, scheduler),
           sessionBus(dbus::Bus::openSession, pump, scheduler),
-          bluetoothBus(dbus::Bus::openSystem, pump, scheduler),
+          bluetoothBus(dbus::Bus::openSystem, pump, scheduler, dbus::Connection::Complaints::none),
           links(descriptors, scheduler),
           central(bluetoothBus, scheduler, clock, links),
           session(systemBus),
