@@ -82,7 +82,7 @@ std::string BluezDaemon::pathOf(const std::string& address) {
 }
 
 void BluezDaemon::call(const std::string& path, const char* interface, const char* member) {
-    sd_bus_error error = SD_BUS_ERROR_NULL;
+    sd_bus_error error{};
     if (sd_bus_call_method(bus_, service, path.c_str(), interface, member, &error, nullptr, "") >=
         0)
         return;

@@ -93,8 +93,10 @@ TEST_F(ListeningContract, OnlyAnAddressThatNothingResolvesChanges) {
 }
 
 TEST_F(ListeningContract, ABondedDeviceKeepsItsIdWhenItsAddressChanges) {
+    const Uuid id = world->add({.identity = Identity::rotating}); // bonded before anybody listens
     start();
-    const Uuid id = heardDevice({.identity = Identity::rotating});
+    world->speak(id);
+    EXPECT_TRUE(hears(id));
     world->rotate(id);
     EXPECT_TRUE(hears(id));
     EXPECT_TRUE(told.identities.empty());
