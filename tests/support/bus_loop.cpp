@@ -83,8 +83,20 @@ Handle BusLoop::attach(dbus::Bus& bus, std::function<void()> lost) {
     return Handle{[this, entry] { std::erase(driven_, entry); }};
 }
 
+Subscription BusLoop::onReadable(int descriptor, std::function<void()> action) {
+    const auto entry = std::make_shared<Watched>(Watched{descriptor, std::move(action)});
+    watched_.push_back(entry);
+    return Subscription{[this, entry] {
+        entry->active = false;
+        std::erase(watched_, entry);
+    }};
+}
+
 void BusLoop::turn(int milliseconds) {
+    const auto watched = watched_; // handling may come and go with descriptors
     std::vector<pollfd> descriptors;
+    for (const auto& entry : watched)
+        descriptors.push_back({entry->descriptor, POLLIN, 0});
     bool waiting = false;
     for (const auto& entry : driven_) {
         if (!entry->bus->isOpen()) continue;
@@ -92,6 +104,8 @@ void BusLoop::turn(int milliseconds) {
         waiting = waiting || entry->bus->deadline() == std::chrono::microseconds{0};
     }
     poll(descriptors.data(), descriptors.size(), waiting ? 0 : milliseconds);
+    for (std::size_t i = 0; i < watched.size(); ++i)
+        if (descriptors[i].revents != 0 && watched[i]->active) watched[i]->action();
     const auto all = driven_; // handling may attach and detach
     for (const auto& entry : all) {
         while (entry->bus->isOpen() && entry->bus->process()) {

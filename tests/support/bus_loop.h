@@ -1,7 +1,8 @@
-// Drives the buses of a test: real messages, virtual timers. Nothing here waits for a duration;
-// a test says what it waits for, and fails when that does not come within seconds.
+// Drives the buses and descriptors of a test: real messages, virtual timers. Nothing here waits
+// for a duration; a test says what it waits for, and fails when that does not come within seconds.
 #pragma once
 
+#include "base/descriptors.h"
 #include "base/virtual_time.h"
 #include "dbus/connection.h"
 #include "tests/support/private_bus.h"
@@ -12,7 +13,7 @@
 
 namespace wegslot {
 
-class BusLoop {
+class BusLoop final : public Descriptors {
 public:
     /// Handles messages and what is due until `condition` holds; false when it does not within
     /// ten seconds of real time. Virtual time stands still but for what is due already.
@@ -35,6 +36,8 @@ public:
     /// Has the loop drive `bus` until the handle ends.
     [[nodiscard]] Handle attach(dbus::Bus& bus, std::function<void()> lost = {});
 
+    [[nodiscard]] Subscription onReadable(int descriptor, std::function<void()> action) override;
+
     PrivateBus daemon;
     VirtualTime time{TimePoint{std::chrono::hours{1000}}};
 
@@ -45,9 +48,16 @@ private:
         bool told = false;
     };
 
+    struct Watched {
+        int descriptor;
+        std::function<void()> action;
+        bool active = true;
+    };
+
     void turn(int milliseconds);
 
     std::vector<std::shared_ptr<Driven>> driven_;
+    std::vector<std::shared_ptr<Watched>> watched_;
 };
 
 } // namespace wegslot
