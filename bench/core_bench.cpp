@@ -60,8 +60,7 @@ private:
     ReplayedCentral central_;
     ReplayedSession session_;
     ReplayedActivity activity_{time_};
-    RecordedLock screenLock_{[] {}};
-    LockController lock_{{&screenLock_}};
+    RecordedLock lock_{[] {}};
     AppModel model_{{store_, central_, {time_, time_, session_, activity_, lock_}, [] {
                          return std::make_unique<HiddenHud>();
                      }}};

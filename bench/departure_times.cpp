@@ -37,7 +37,7 @@ class Home {
 public:
     Home(const Case& what, std::uint64_t seed)
         : radio_(time_, {.filtersDuplicates = what.filtersDuplicates, .startUp = 50ms}, seed),
-          model_({store_, radio_, {time_, time_, session_, activity_, controller_}, [] {
+          model_({store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
                       return std::make_unique<RecordedHud>([](const Warning*) {});
                   }}) {
         KeyDevice key = keyNamed("Telefoon", 1);
@@ -81,7 +81,6 @@ private:
     ReplayedSession session_;
     ReplayedActivity activity_{time_};
     RecordedLock lock_{[] {}};
-    LockController controller_{{&lock_}};
     FakeCentral radio_;
     AppModel model_;
 };

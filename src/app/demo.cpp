@@ -23,11 +23,10 @@ Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::funct
       start_(clock.now()),
       print_(std::move(print)),
       activity_(clock),
-      screenLock_([this] { tell("   (de sessie wordt gevraagd te locken)"); }),
-      controller_({&screenLock_}),
+      lock_([this] { tell("   (de sessie wordt gevraagd te locken)"); }),
       model_({store_,
               central_,
-              {clock, scheduler, session_, activity_, controller_},
+              {clock, scheduler, session_, activity_, lock_},
               [this] {
                   return std::make_unique<RecordedHud>([this](const Warning* shown) {
                       tell(shown == nullptr ? "   (het waarschuwingspaneel gaat weg)"

@@ -32,8 +32,7 @@ private:
     ReplayedCentral central_;
     ReplayedSession session_;
     ReplayedActivity activity_;
-    RecordedLock screenLock_;
-    LockController controller_;
+    RecordedLock lock_;
     AppModel model_;
     LogDestination* logBefore_;
     Subscription phases_;

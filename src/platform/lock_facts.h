@@ -8,6 +8,9 @@
 
 namespace wegslot {
 
+/// Who can say that the screen is locked.
+enum class LockWitness { hint, saver, locker };
+
 class LockFacts {
 public:
     /// `changed` gets each change of the combined fact, which starts as unlocked.
@@ -34,20 +37,32 @@ public:
         combine();
     }
 
-    [[nodiscard]] bool locked() const { return locked_; }
+    /// A locker program holds the screen.
+    void setLocker(bool runs) {
+        locker_ = runs;
+        combine();
+    }
+
+    /// What says that the screen is locked, the strongest first; nothing while it is not.
+    [[nodiscard]] std::optional<LockWitness> witness() const {
+        if (!locked_) return std::nullopt;
+        if (hint_.value_or(false)) return LockWitness::hint;
+        return saver_.value_or(false) ? LockWitness::saver : LockWitness::locker;
+    }
 
 private:
     void combine() {
         const bool hint = hint_.value_or(false);
         const bool saver = saver_.value_or(false);
         const bool hintAlone = hint_.has_value() && (hintDecides_ || hintTrusted_);
-        const bool now = hintAlone ? hint : hint || saver;
+        const bool now = hintAlone ? hint : hint || saver || locker_;
         if (now != std::exchange(locked_, now)) changed_(now);
     }
 
     std::function<void(bool)> changed_;
     std::optional<bool> hint_;
     std::optional<bool> saver_;
+    bool locker_ = false;
     bool hintDecides_ = false;
     bool hintTrusted_ = false;
     bool locked_ = false;

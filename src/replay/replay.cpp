@@ -56,11 +56,10 @@ public:
         : time(start),
           output(print, time),
           activity(time),
-          screenLock([this] { output.lock(); }),
-          controller({&screenLock}),
+          lock([this] { output.lock(); }),
           model({store,
                  central,
-                 {time, time, session, activity, controller},
+                 {time, time, session, activity, lock},
                  [this] {
                      return std::make_unique<RecordedHud>(
                          [this](const Warning* shown) { output.warning(shown); });
@@ -84,8 +83,7 @@ public:
     ReplayedCentral central;
     ReplayedSession session;
     ReplayedActivity activity;
-    RecordedLock screenLock;
-    LockController controller;
+    RecordedLock lock;
     AppModel model;
 
 private:

@@ -55,12 +55,12 @@ private:
     std::optional<std::string> microphone_;
 };
 
-/// Calls a listener for each request and never refuses.
-class RecordedLock final : public ScreenLock {
+/// Calls a listener for each request.
+class RecordedLock final : public LockController {
 public:
     explicit RecordedLock(std::function<void()> listener) : listener_(std::move(listener)) {}
 
-    void request(std::function<void()>) override { listener_(); }
+    void lock() override { listener_(); }
 
 private:
     std::function<void()> listener_;

@@ -3,16 +3,21 @@
 #include "platform/linux/logind_lock.h"
 #include "platform/linux/screen_lock_watcher.h"
 #include "platform/linux/screen_savers.h"
-#include "platform/lock_controller.h"
+#include "platform/lock_sequence.h"
+#include "platform/locker_lock.h"
 #include "tests/support/captured_log.h"
+#include "tests/support/fake_processes.h"
 #include "tests/support/look_alike.h"
 
 #include <gtest/gtest.h>
 
 #include <systemd/sd-bus.h>
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 using namespace wegslot;
 using namespace std::chrono_literals;
@@ -129,10 +134,13 @@ struct ScreenLockTest : testing::Test {
     dbus::Connection sessionBus{loop.opener(), loop.attacher(), loop.time};
     LoginSession session{systemBus};
     ScreenSavers savers{sessionBus, loop.time};
-    ScreenLockWatcher watcher{session, savers};
+    FakeProcesses processes;
+    LockerWatch lockers{processes, loop.time, lockerPatterns({})};
+    ScreenLockWatcher watcher{session, savers, lockers};
     LogindLock logindLock{session};
     ScreenSaverLock saverLock{savers};
-    LockController lock{{&logindLock, &saverLock}};
+    LockerLock lockerLock{processes, lockers, {}, DisplayKind::wayland};
+    LockSequence lock{{&logindLock, &saverLock, &lockerLock}, loop.time, watcher};
     std::string events; // L and U, one an event
     Subscription listening = watcher.observe(
         [this](SessionEvent event) { events += event == SessionEvent::locked ? 'L' : 'U'; });
@@ -331,4 +339,118 @@ TEST_F(ScreenLockTest, AScreenSaverThatAnswersNeverIsNoRefusal) {
     ASSERT_TRUE(loop.runUntil([&] { return slow.service.calls("Lock") == 1; }));
     settleLong();
     EXPECT_EQ(other.service.calls("Lock"), 0);
+}
+
+TEST_F(ScreenLockTest, WhenNothingComesOfLogindsSignalTheScreenSaverIsAskedAndThenALocker) {
+    LookAlikeLogind logind(loop);
+    LookAlikeSaver saver(loop, saverNamed("org.mate.ScreenSaver"));
+    processes.installed = {"swaylock"};
+    ASSERT_TRUE(findsSession());
+    settleLong();
+    lock.lock();
+    loop.pass(LockSequence::patience - 1ns);
+    EXPECT_EQ(logind.service.calls("Lock"), 1);
+    EXPECT_EQ(saver.service.calls("Lock"), 0);
+    loop.pass(1ns);
+    EXPECT_EQ(saver.service.calls("Lock"), 1);
+    EXPECT_TRUE(processes.started.empty());
+    loop.pass(LockSequence::patience);
+    EXPECT_EQ(processes.started.size(), 1U);
+    EXPECT_EQ(events, "");
+    loop.pass(LockerWatch::settling);
+    EXPECT_EQ(events, "L");
+    processes.end(processes.latest());
+    EXPECT_EQ(events, "LU");
+}
+
+TEST_F(ScreenLockTest, ALockThatIsConfirmedInTimeAsksNobodyElse) {
+    LookAlikeLogind logind(loop);
+    LookAlikeSaver saver(loop, saverNamed("org.mate.ScreenSaver"));
+    processes.installed = {"swaylock"};
+    ASSERT_TRUE(findsSession());
+    settleLong();
+    lock.lock();
+    loop.pass(LockSequence::patience - 1ns);
+    logind.setHint(true);
+    ASSERT_TRUE(eventsBecome("L"));
+    loop.pass(1h);
+    EXPECT_EQ(saver.service.calls("Lock"), 0);
+    EXPECT_TRUE(processes.started.empty());
+}
+
+TEST_F(ScreenLockTest, ALockerThatSomebodyStartsOnLogindsSignalIsFoundWhoeverAskedLogind) {
+    LookAlikeLogind logind(loop);
+    ASSERT_TRUE(findsSession());
+    loop.pass(1s);
+    const int looks = processes.looks;
+    loop.pass(1h);
+    EXPECT_EQ(processes.looks, looks);
+    logind.service.signal(sessionPath, sessionInterface, "Lock");
+    settleLong();
+    const ProcessId locker = processes.appear("swaylock");
+    loop.pass(1s);
+    EXPECT_EQ(events, "L");
+    processes.end(locker);
+    EXPECT_EQ(events, "LU");
+}
+
+TEST_F(ScreenLockTest, OnceTheScreenIsLockedTheProcessesAreLeftAlone) {
+    LookAlikeLogind logind(loop);
+    ASSERT_TRUE(findsSession());
+    lock.lock();
+    settleLong();
+    logind.setHint(true);
+    ASSERT_TRUE(eventsBecome("L"));
+    const int looks = processes.looks;
+    loop.pass(1h);
+    EXPECT_EQ(processes.looks, looks);
+}
+
+TEST_F(ScreenLockTest, HintScreenSaverAndLockerInEveryOrderTellEachChangeOnce) {
+    LookAlikeLogind logind(loop);
+    LookAlikeSaver saver(loop, saverNamed("org.mate.ScreenSaver"));
+    ASSERT_TRUE(findsSession());
+    settleLong();
+    std::vector<int> order{0, 1, 2};
+    std::string expected;
+    do {
+        std::optional<ProcessId> locker;
+        lockers.expect();
+        const auto say = [&](int who, bool locked) {
+            if (who == 0) logind.setHint(locked);
+            if (who == 1) saver.setActive(locked);
+            if (who == 2 && locked) locker = processes.appear("swaylock");
+            if (who == 2 && !locked) processes.end(*locker);
+            loop.pass(1s);
+        };
+        for (const int who : order)
+            say(who, true);
+        for (const int who : order)
+            say(who, false);
+        expected += "LU";
+        EXPECT_EQ(events, expected);
+    } while (std::ranges::next_permutation(order).found);
+}
+
+TEST_F(ScreenLockTest, ALockThatIsConfirmedLateIsStillAFact) {
+    LookAlikeLogind logind(loop);
+    ASSERT_TRUE(findsSession());
+    lock.lock();
+    loop.pass(30s);
+    EXPECT_EQ(events, "");
+    logind.setHint(true);
+    ASSERT_TRUE(eventsBecome("L"));
+}
+
+TEST_F(ScreenLockTest, ALogindThatDoesNotAnswerHoldsNothingUp) {
+    LookAlikeLogind logind(loop);
+    LookAlikeSaver saver(loop, saverNamed("org.mate.ScreenSaver"));
+    logind.service.on(std::string(sessionInterface) + ".Lock", [](LookAlike&, sd_bus_message*) {});
+    ASSERT_TRUE(findsSession());
+    settleLong();
+    lock.lock();
+    loop.pass(LockSequence::patience);
+    EXPECT_EQ(saver.service.calls("Lock"), 1);
+    saver.setActive(true);
+    ASSERT_TRUE(eventsBecome("L"));
 }

@@ -46,7 +46,7 @@ private:
 
 Stage::Stage(TimePoint start)
     : time(start),
-      screenLock([this] { happened(effect::LockRequested{}); }),
+      lock([this] { happened(effect::LockRequested{}); }),
       start_(start),
       logBefore_(Log::setDestination(this)) {
     central.onCall([this](std::string_view operation, const Uuid* id) {
@@ -72,7 +72,7 @@ void Stage::makeMonitor() {
 void Stage::endModel() { model.reset(); }
 
 AppModel::Surroundings Stage::surroundings() {
-    return {store, central, {time, time, session, activity, controller}, [this] {
+    return {store, central, {time, time, session, activity, lock}, [this] {
                 return std::make_unique<Panel>(*this);
             }};
 }

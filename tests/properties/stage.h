@@ -56,8 +56,7 @@ public:
     ReplayedCentral central;
     ReplayedSession session;
     ReplayedActivity activity{time};
-    RecordedLock screenLock;
-    LockController controller{{&screenLock}};
+    RecordedLock lock;
 
     /// What happened since they were last taken.
     Effects effects;

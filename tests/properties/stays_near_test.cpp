@@ -125,10 +125,10 @@ public:
         : situation_(situation),
           dice_(situation.seed + 1'000'000),
           radio_(time_, situation.controller, situation.seed) {
-        model_.emplace(AppModel::Surroundings{
-            store_, radio_, {time_, time_, session_, activity_, controller_}, [] {
-                return std::make_unique<RecordedHud>([](const Warning*) {});
-            }});
+        model_.emplace(
+            AppModel::Surroundings{store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
+                                       return std::make_unique<RecordedHud>([](const Warning*) {});
+                                   }});
         model_->settings().awayDelay.set(Seconds{situation.awayDelay});
         model_->settings().lostTimeout.set(Seconds{situation.lostTimeout});
         model_->settings().keys.set(keys());
@@ -302,7 +302,6 @@ private:
     ReplayedSession session_;
     ReplayedActivity activity_{time_};
     RecordedLock lock_{[] {}};
-    LockController controller_{{&lock_}};
     std::optional<AppModel> model_;
     std::string fault_;
     Nanoseconds longestSilence_{0};

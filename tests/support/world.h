@@ -62,7 +62,7 @@ public:
     }
 
     [[nodiscard]] AppModel::Surroundings surroundings() {
-        return {store, central, {time, time, session, activity, controller}, [this] {
+        return {store, central, {time, time, session, activity, lock}, [this] {
                     return std::make_unique<RecordedHud>([this](const Warning* shown) {
                         warning = shown == nullptr ? std::nullopt : std::optional(*shown);
                     });
@@ -122,8 +122,7 @@ public:
     ReplayedSession session;
     ReplayedActivity activity{time};
     int locks = 0;
-    RecordedLock screenLock{[this] { ++locks; }};
-    LockController controller{{&screenLock}};
+    RecordedLock lock{[this] { ++locks; }};
     std::optional<Warning> warning; ///< the panel that is showing
     std::vector<std::string> calls; ///< "connect 7": operation and last byte of the id
     std::optional<AppModel> model;

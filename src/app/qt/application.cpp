@@ -4,20 +4,15 @@
 #include "app/demo.h"
 #include "app/key_commands.h"
 #include "app/linux/instance_lock.h"
-#include "app/qt/bus_pump.h"
-#include "app/qt/qt_descriptors.h"
 #include "app/qt/qt_scheduler.h"
+#include "app/qt/real_world.h"
 #include "app/qt/termination.h"
 #include "hud/hidden_hud.h"
 #include "model/file_log.h"
+#include "model/lock_command.h"
+#include "model/log.h"
 #include "model/preferences_file.h"
-#include "platform/linux/login_session.h"
-#include "platform/linux/logind_lock.h"
-#include "platform/linux/screen_lock_watcher.h"
-#include "platform/linux/screen_savers.h"
 #include "platform/linux/system_clock.h"
-#include "scanner/bluez/bluez_central.h"
-#include "scanner/bluez/hci_links.h"
 
 #include <QCoreApplication>
 
@@ -80,38 +75,12 @@ private:
     LogDestination* before_;
 };
 
-/// The real radio, session and screen around the core.
-class RealWorld {
-public:
-    explicit RealWorld(Scheduler& scheduler, const Clock& clock)
-        : systemBus(dbus::Bus::openSystem, pump, scheduler),
-          sessionBus(dbus::Bus::openSession, pump, scheduler),
-          bluetoothBus(dbus::Bus::openSystem, pump, scheduler, dbus::Connection::Complaints::none),
-          links(descriptors, scheduler),
-          central(bluetoothBus, scheduler, clock, links),
-          session(systemBus),
-          savers(sessionBus, scheduler),
-          watcher(session, savers),
-          logindLock(session),
-          saverLock(savers),
-          lock({&logindLock, &saverLock}),
-          platform{clock, scheduler, watcher, activity, lock} {}
-
-    dbus::Connection systemBus;
-    dbus::Connection sessionBus;
-    dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left
-    QtDescriptors descriptors;
-    bluez::HciLinks links;
-    BluezCentral central;
-    LoginSession session;
-    ScreenSavers savers;
-    ScreenLockWatcher watcher;
-    UnknownActivity activity;
-    LogindLock logindLock;
-    ScreenSaverLock saverLock;
-    LockController lock;
-    Monitor::Platform platform;
-};
+LockCommand ownLockCommand(const PreferencesStore& preferences) {
+    const auto words = lockCommand(preferences);
+    if (words) return *words;
+    Log::write(words.failure().message);
+    return {};
+}
 
 AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
     return {preferences, world.central, world.platform,
@@ -125,7 +94,7 @@ struct Execute {
     PreferencesStore& preferences;
 
     int operator()(const command::Run&) const {
-        RealWorld world(scheduler, clock);
+        RealWorld world(scheduler, clock, ownLockCommand(preferences));
         AppModel model(around(preferences, world));
         static_cast<void>(model.monitor());
         return QCoreApplication::exec();
@@ -135,13 +104,13 @@ struct Execute {
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
-        RealWorld world(scheduler, clock);
+        RealWorld world(scheduler, clock, ownLockCommand(preferences));
         AppModel model(around(preferences, world));
         const DeviceListing listing(model, scheduler, devices.others, printLine);
         return QCoreApplication::exec();
     }
     int operator()(const command::AddKey& command) const {
-        RealWorld world(scheduler, clock);
+        RealWorld world(scheduler, clock, ownLockCommand(preferences));
         AppModel model(around(preferences, world));
         const KeyAdder adder(model, scheduler, command.id, printLine,
                              [](KeyAdder::Outcome outcome) {

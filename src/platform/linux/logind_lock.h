@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/linux/login_session.h"
-#include "platform/lock_controller.h"
+#include "platform/lock_sequence.h"
 
 namespace wegslot {
 

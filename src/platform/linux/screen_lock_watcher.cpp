@@ -9,20 +9,31 @@ constexpr auto sessionInterface = "org.freedesktop.login1.Session";
 
 } // namespace
 
-ScreenLockWatcher::ScreenLockWatcher(LoginSession& session, ScreenSavers& savers)
+ScreenLockWatcher::ScreenLockWatcher(LoginSession& session, ScreenSavers& savers,
+                                     LockerWatch& lockers)
     : session_(session),
-      facts_([this](bool locked) {
-          events_.set(locked ? SessionEvent::locked : SessionEvent::unlocked);
-      }) {
+      lockers_(lockers),
+      facts_([this](bool locked) { changed(locked); }) {
     path_ =
         session.path().onChange([this](const std::optional<std::string>& path) { follow(path); });
     active_ =
         savers.active().onChange([this](std::optional<bool> active) { facts_.setSaver(active); });
     desktop_ = savers.desktopSetsHint().onChange([this](bool sets) { facts_.trustHint(sets); });
+    locker_ = lockers.locked().onChange([this](bool locked) { facts_.setLocker(locked); });
+}
+
+void ScreenLockWatcher::expect() {
+    if (!isLocked()) lockers_.expect();
+}
+
+void ScreenLockWatcher::changed(bool locked) {
+    if (locked) lockers_.relax();
+    events_.set(locked ? SessionEvent::locked : SessionEvent::unlocked);
 }
 
 void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
     changes_.reset();
+    requests_.reset();
     reading_.reset();
     // A session that cannot be found any more says nothing; what it said last may still hold.
     if (!path || session_.bus() == nullptr) return;
@@ -41,6 +52,11 @@ void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
             for (const std::string& name : reader.texts()) // invalidated: the value is not sent
                 if (name == "LockedHint") readHint(path);
         });
+    // Somebody asks for a lock, which is no fact; but a locker may come of it.
+    requests_ = session_.bus()->onSignal("sender='org.freedesktop.login1',interface='" +
+                                             std::string(sessionInterface) +
+                                             "',member='Lock',path='" + *path + "'",
+                                         [this](const dbus::Message&) { expect(); });
     readHint(*path);
 }
 

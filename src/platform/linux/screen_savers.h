@@ -5,7 +5,7 @@
 #include "base/observable.h"
 #include "base/scheduler.h"
 #include "dbus/connection.h"
-#include "platform/lock_controller.h"
+#include "platform/lock_sequence.h"
 
 #include <array>
 #include <cstddef>

@@ -1,0 +1,24 @@
+#include "app/qt/real_world.h"
+
+#include "platform/linux/display.h"
+
+namespace wegslot {
+
+RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own)
+    : systemBus(dbus::Bus::openSystem, pump, scheduler),
+      sessionBus(dbus::Bus::openSession, pump, scheduler),
+      bluetoothBus(dbus::Bus::openSystem, pump, scheduler, dbus::Connection::Complaints::none),
+      links(descriptors, scheduler),
+      central(bluetoothBus, scheduler, clock, links),
+      session(systemBus),
+      savers(sessionBus, scheduler),
+      processes(descriptors),
+      lockers(processes, scheduler, lockerPatterns(own)),
+      watcher(session, savers, lockers),
+      logindLock(session),
+      saverLock(savers),
+      lockerLock(processes, lockers, own, displayKind()),
+      lock({&logindLock, &saverLock, &lockerLock}, scheduler, watcher),
+      platform{clock, scheduler, watcher, activity, lock} {}
+
+} // namespace wegslot

@@ -1,0 +1,46 @@
+// The real radio, session and screen around the core: every adapter, joined to the others.
+#pragma once
+
+#include "app/qt/bus_pump.h"
+#include "app/qt/qt_descriptors.h"
+#include "base/clock.h"
+#include "base/scheduler.h"
+#include "dbus/connection.h"
+#include "monitor/monitor.h"
+#include "platform/activity_detector.h"
+#include "platform/linux/linux_processes.h"
+#include "platform/linux/login_session.h"
+#include "platform/linux/logind_lock.h"
+#include "platform/linux/screen_lock_watcher.h"
+#include "platform/linux/screen_savers.h"
+#include "platform/lock_sequence.h"
+#include "platform/locker_lock.h"
+#include "scanner/bluez/bluez_central.h"
+#include "scanner/bluez/hci_links.h"
+
+namespace wegslot {
+
+struct RealWorld {
+    /// `own`: the user's command to lock the screen; without words for none.
+    RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own);
+
+    dbus::Connection systemBus;
+    dbus::Connection sessionBus;
+    dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left
+    QtDescriptors descriptors;
+    bluez::HciLinks links;
+    BluezCentral central;
+    LoginSession session;
+    ScreenSavers savers;
+    LinuxProcesses processes;
+    LockerWatch lockers;
+    ScreenLockWatcher watcher;
+    UnknownActivity activity;
+    LogindLock logindLock;
+    ScreenSaverLock saverLock;
+    LockerLock lockerLock;
+    LockSequence lock;
+    Monitor::Platform platform;
+};
+
+} // namespace wegslot
