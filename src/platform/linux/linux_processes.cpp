@@ -162,6 +162,7 @@ Result<ProcessId> LinuxProcesses::start(const std::vector<std::string>& words) {
     const int error = posix_spawnp(&process, arguments[0], plan.actions(), plan.attributes(),
                                    arguments.data(), environ);
     if (error != 0) return Failure{printable(words.front()) + ": " + std::strerror(error)};
+    started_.insert(ProcessId{process});
     return ProcessId{process};
 }
 
@@ -170,10 +171,11 @@ Subscription LinuxProcesses::onEnd(ProcessId process, std::function<void()> ende
     if (descriptor < 0) return {};
     auto watch = std::make_shared<Subscription>();
     *watch = descriptors_.onReadable(
-        descriptor, [descriptor, watch = std::weak_ptr(watch), ended = std::move(ended)] {
+        descriptor,
+        [this, process, descriptor, watch = std::weak_ptr(watch), ended = std::move(ended)] {
             siginfo_t status{};
-            // One of our own children is laid to rest; another's is none of our business.
-            waitid(P_PIDFD, static_cast<id_t>(descriptor), &status, WEXITED | WNOHANG);
+            if (started_.erase(process) > 0) // ours to lay to rest
+                waitid(P_PIDFD, static_cast<id_t>(descriptor), &status, WEXITED | WNOHANG);
             if (const auto alive = watch.lock()) alive->reset();
             ended();
         });

@@ -6,6 +6,8 @@
 #include "platform/processes.h"
 
 #include <filesystem>
+#include <set>
+#include <utility>
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -32,6 +34,7 @@ private:
     Descriptors& descriptors_;
     std::filesystem::path proc_;
     uid_t user_;
+    std::set<ProcessId> started_; ///< and not seen to end
 };
 
 } // namespace wegslot
