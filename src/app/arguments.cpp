@@ -1,6 +1,7 @@
 #include "app/arguments.h"
 
 #include <algorithm>
+#include <array>
 
 namespace wegslot {
 namespace {
@@ -14,6 +15,25 @@ Result<Uuid> idAfter(const std::vector<std::string_view>& words, std::size_t& in
     return *id;
 }
 
+/// A word that adds to a command and asks for nothing by itself.
+struct Addition {
+    std::string_view word;
+    std::string_view command;
+    bool (*apply)(Command&); ///< false for a command of another kind
+};
+
+template <typename Kind, bool Kind::*option>
+bool setOption(Command& command) {
+    auto* const kind = std::get_if<Kind>(&command);
+    if (kind != nullptr) kind->*option = true;
+    return kind != nullptr;
+}
+
+constexpr std::array additions{
+    Addition{"--others", "--devices", setOption<command::Devices, &command::Devices::others>},
+    Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
+    Addition{"--json", "--check", setOption<command::Check, &command::Check::json>}};
+
 /// The command that a switch asks for; nothing for a switch that asks for none.
 Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& words,
                                          std::size_t& index) {
@@ -21,8 +41,11 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
     if (word == "--demo") return std::optional<Command>(command::Demo{});
     if (word == "--devices") return std::optional<Command>(command::Devices{});
     if (word == "--keys") return std::optional<Command>(command::Keys{});
+    if (word == "--check") return std::optional<Command>(command::Check{});
     if (word == "--update-now") return std::optional<Command>(command::NotYet{std::string(word)});
-    if (word == "--tall" || word == "--others") return std::optional<Command>();
+    const auto isAddition = [word](const Addition& addition) { return addition.word == word; };
+    if (word == "--tall" || std::ranges::any_of(additions, isAddition))
+        return std::optional<Command>();
     if (word == "--snapshot") {
         // As the last word it has no path and asks for nothing.
         if (index + 1 == words.size()) return std::optional<Command>();
@@ -59,10 +82,10 @@ Result<Command> parseArguments(const std::vector<std::string_view>& words) {
         if (chosen) return Failure{std::string(word) + " gaat niet samen met een andere opdracht"};
         chosen = **asked;
     }
-    if (contains(words, "--others")) {
-        auto* const devices = chosen ? std::get_if<command::Devices>(&*chosen) : nullptr;
-        if (devices == nullptr) return Failure{"--others hoort bij --devices"};
-        devices->others = true;
+    for (const auto& [word, command, apply] : additions) {
+        if (!contains(words, word)) continue;
+        if (!chosen || !apply(*chosen))
+            return Failure{std::string(word) + " hoort bij " + std::string(command)};
     }
     return chosen.value_or(command::Run{});
 }
@@ -80,6 +103,13 @@ Een sleutel kiezen (terwijl Wegslot niet draait):
                         sleutel
   --keys                toon de sleutels
   --remove-key ID       verwijder een sleutel
+
+Nagaan wat op deze computer werkt:
+  --check [--lock] [--json]
+                        zeg per onderdeel wat er gevonden is; --lock lockt ook
+                        echt en zegt wie dat bevestigde; --json voor scripts;
+                        verandert niets en mag naast een draaiend Wegslot;
+                        eindigt met 0 als alles wat voor locken nodig is werkt
 
 Overig:
   --demo                speel een vertrek en terugkomst na op een ingebouwde

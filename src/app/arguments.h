@@ -24,6 +24,11 @@ struct Devices {
     bool others = false;
 };
 struct Keys {};
+/// Say what works on this machine.
+struct Check {
+    bool lock = false;
+    bool json = false;
+};
 struct AddKey {
     Uuid id;
 };
@@ -37,9 +42,9 @@ struct NotYet {
 
 } // namespace command
 
-using Command =
-    std::variant<command::Run, command::Demo, command::Help, command::Version, command::Devices,
-                 command::Keys, command::AddKey, command::RemoveKey, command::NotYet>;
+using Command = std::variant<command::Run, command::Demo, command::Help, command::Version,
+                             command::Devices, command::Keys, command::Check, command::AddKey,
+                             command::RemoveKey, command::NotYet>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& words);

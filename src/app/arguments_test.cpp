@@ -37,6 +37,18 @@ TEST(Arguments, EachCommandHasItsSwitch) {
               *Uuid::parse(id));
 }
 
+TEST(Arguments, ACheckMayLockAndMaySpeakToScripts) {
+    const auto check = [](const Words& words) {
+        return std::get<command::Check>(*parseArguments(words));
+    };
+    EXPECT_FALSE(check({"--check"}).lock);
+    EXPECT_FALSE(check({"--check"}).json);
+    EXPECT_TRUE(check({"--check", "--lock"}).lock);
+    EXPECT_FALSE(check({"--check", "--lock"}).json);
+    EXPECT_TRUE(check({"--json", "--check"}).json);
+    EXPECT_FALSE(check({"--json", "--check"}).lock);
+}
+
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsSaid) {
     EXPECT_TRUE(asksFor<command::Help>({"--devices", "--onzin", "--help"}));
     EXPECT_TRUE(asksFor<command::Version>({"--demo", "--version"}));
@@ -62,4 +74,6 @@ TEST(Arguments, AnythingElseIsNamedInOneLine) {
     EXPECT_EQ(fault({"--add-key", "telefoon"}), "--add-key: geen geldig id: telefoon");
     EXPECT_EQ(fault({"--keys", "--demo"}), "--demo gaat niet samen met een andere opdracht");
     EXPECT_EQ(fault({"--others"}), "--others hoort bij --devices");
+    EXPECT_EQ(fault({"--lock"}), "--lock hoort bij --check");
+    EXPECT_EQ(fault({"--demo", "--json"}), "--json hoort bij --check");
 }

@@ -92,9 +92,10 @@ fs::path freeName(const fs::path& wanted) {
 
 } // namespace
 
-PreferencesFile::PreferencesFile(fs::path file, Scheduler& scheduler)
+PreferencesFile::PreferencesFile(fs::path file, Scheduler& scheduler, Access access)
     : file_(std::move(file)),
-      scheduler_(scheduler) {
+      scheduler_(scheduler),
+      writable_(access == Access::whole) {
     const auto content = contentOf(file_);
     if (!content) {
         writable_ = false;
@@ -103,6 +104,10 @@ PreferencesFile::PreferencesFile(fs::path file, Scheduler& scheduler)
     }
     if (content->empty()) return;
     const Json object = Json::parse(*content, nullptr, false);
+    if (!object.is_object() && !writable_) {
+        Log::write("Voorkeuren onleesbaar: " + file_.string());
+        return;
+    }
     if (!object.is_object()) {
         const fs::path kept = freeName(file_.string() + ".damaged");
         std::error_code error;

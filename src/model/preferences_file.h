@@ -13,10 +13,14 @@ namespace wegslot {
 
 class PreferencesFile final : public MemoryStore {
 public:
+    enum class Access { whole, readOnly };
+
     /// Loads `file`; a missing one is empty. One that cannot be understood is kept beside it as
     /// "<name>.damaged" (with a number when that is taken) and counts as empty; one that cannot
-    /// be read is left alone, and nothing is written over it. Both are logged.
-    PreferencesFile(std::filesystem::path file, Scheduler& scheduler);
+    /// be read is left alone, and nothing is written over it. Both are logged. With `readOnly` no
+    /// file is ever touched.
+    PreferencesFile(std::filesystem::path file, Scheduler& scheduler,
+                    Access access = Access::whole);
 
     /// Writes what was still waiting.
     ~PreferencesFile() override;
@@ -34,7 +38,7 @@ public:
 private:
     const std::filesystem::path file_;
     Scheduler& scheduler_;
-    bool writable_ = true;
+    bool writable_;
     Timer writing_;
 };
 

@@ -83,7 +83,7 @@ void Program::stop() {
     if (isRunning()) {
         signal(SIGCONT);
         signal(SIGTERM);
-        const auto polite = std::chrono::steady_clock::now() + std::chrono::seconds{2};
+        const auto polite = std::chrono::steady_clock::now() + std::chrono::milliseconds{500};
         while (isRunning() && std::chrono::steady_clock::now() < polite)
             std::this_thread::sleep_for(betweenLooks);
     }

@@ -4,6 +4,7 @@
 #include "app/demo.h"
 #include "app/key_commands.h"
 #include "app/linux/instance_lock.h"
+#include "app/qt/check.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/real_world.h"
 #include "app/qt/termination.h"
@@ -21,8 +22,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -75,6 +78,18 @@ private:
     LogDestination* before_;
 };
 
+/// Tells who runs a command what would otherwise be in the log.
+class ComplainingLog final : public LogDestination {
+public:
+    ComplainingLog() : before_(Log::setDestination(this)) {}
+    ~ComplainingLog() override { Log::setDestination(before_); }
+
+    void write(std::string_view message) override { complain(std::string(message)); }
+
+private:
+    LogDestination* before_;
+};
+
 LockCommand ownLockCommand(const PreferencesStore& preferences) {
     const auto words = lockCommand(preferences);
     if (words) return *words;
@@ -85,6 +100,16 @@ LockCommand ownLockCommand(const PreferencesStore& preferences) {
 AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
     return {preferences, world.central, world.platform,
             [] { return std::make_unique<HiddenHud>(); }};
+}
+
+// Where autostart entries are (Desktop Application Autostart Specification 0.5).
+std::vector<fs::path> autostartFolders() {
+    std::vector<fs::path> folders{configurationFolder() / "autostart"};
+    const char* const shared = std::getenv("XDG_CONFIG_DIRS");
+    std::istringstream list(shared == nullptr || *shared == 0 ? "/etc/xdg" : shared);
+    for (std::string folder; std::getline(list, folder, ':');)
+        if (folder.starts_with('/')) folders.push_back(fs::path(folder) / "autostart");
+    return folders;
 }
 
 // Each command on the running loop.
@@ -104,13 +129,13 @@ struct Execute {
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
-        RealWorld world(scheduler, clock, ownLockCommand(preferences));
+        RealWorld world(scheduler, clock, LockCommand{});
         AppModel model(around(preferences, world));
         const DeviceListing listing(model, scheduler, devices.others, printLine);
         return QCoreApplication::exec();
     }
     int operator()(const command::AddKey& command) const {
-        RealWorld world(scheduler, clock, ownLockCommand(preferences));
+        RealWorld world(scheduler, clock, LockCommand{});
         AppModel model(around(preferences, world));
         const KeyAdder adder(model, scheduler, command.id, printLine,
                              [](KeyAdder::Outcome outcome) {
@@ -123,6 +148,16 @@ struct Execute {
     int operator()(const command::Keys&) const {
         printKeys(Settings(preferences), printLine);
         return EXIT_SUCCESS;
+    }
+    int operator()(const command::Check& options) const {
+        const Settings settings(preferences);
+        const auto own = lockCommand(preferences); // the check itself says if it is wrong
+        RealWorld world(scheduler, clock, own ? *own : LockCommand{});
+        const Check check(world, preferences, settings, scheduler, clock, autostartFolders(),
+                          {.lock = options.lock, .json = options.json}, printLine, [](bool ok) {
+                              QCoreApplication::exit(ok ? EXIT_SUCCESS : EXIT_FAILURE);
+                          });
+        return QCoreApplication::exec();
     }
     int operator()(const command::RemoveKey& command) const {
         Settings settings(preferences);
@@ -149,6 +184,11 @@ int runApplication(const Command& command, int& argc, char** argv) {
     }
 
     const fs::path preferencesPath = PreferencesFile::pathUnder(configurationFolder());
+    if (std::holds_alternative<command::Check>(command)) {
+        const ComplainingLog complaints;
+        PreferencesFile preferences(preferencesPath, scheduler, PreferencesFile::Access::readOnly);
+        return Execute{scheduler, clock, preferences}(std::get<command::Check>(command));
+    }
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
     if (!lock) return complain(lock.failure().message);
 

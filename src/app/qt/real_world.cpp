@@ -15,6 +15,7 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
       processes(descriptors),
       lockers(processes, scheduler, lockerPatterns(own)),
       watcher(session, savers, lockers),
+      activity({}, {}, {}),
       logindLock(session),
       saverLock(savers),
       lockerLock(processes, lockers, own, displayKind()),

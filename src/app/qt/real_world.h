@@ -7,7 +7,7 @@
 #include "base/scheduler.h"
 #include "dbus/connection.h"
 #include "monitor/monitor.h"
-#include "platform/activity_detector.h"
+#include "platform/activity_sources.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/login_session.h"
 #include "platform/linux/logind_lock.h"
@@ -35,7 +35,7 @@ struct RealWorld {
     LinuxProcesses processes;
     LockerWatch lockers;
     ScreenLockWatcher watcher;
-    UnknownActivity activity;
+    ActivitySources activity;
     LogindLock logindLock;
     ScreenSaverLock saverLock;
     LockerLock lockerLock;

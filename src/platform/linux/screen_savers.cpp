@@ -71,6 +71,13 @@ void ScreenSavers::setActive(std::size_t index, std::optional<bool> active) {
     publish();
 }
 
+std::vector<std::string> ScreenSavers::running() const {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < services.size(); ++i)
+        if (savers_[i].owner) names.emplace_back(services[i].name);
+    return names;
+}
+
 void ScreenSavers::lock(std::function<void()> refused) { askFrom(0, std::move(refused)); }
 
 void ScreenSavers::askFrom(std::size_t index, std::function<void()> refused) {

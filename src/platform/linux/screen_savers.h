@@ -49,6 +49,9 @@ public:
     /// Whether the desktop is one that keeps logind's lock hint right (GNOME, Plasma).
     [[nodiscard]] const Observable<bool>& desktopSetsHint() const { return desktopSetsHint_; }
 
+    /// The bus names of those that run.
+    [[nodiscard]] std::vector<std::string> running() const;
+
     /// Asks the running ones in turn until one does not refuse.
     void lock(std::function<void()> refused);
 

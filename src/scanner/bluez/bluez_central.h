@@ -46,6 +46,10 @@ public:
     [[nodiscard]] CentralState state() const override {
         return reported_.value_or(CentralState::unknown);
     }
+    /// Whether bluetoothd runs and lets this user talk to it.
+    [[nodiscard]] bool hasDaemon() const { return surroundings_.daemon == bluez::Daemon::ready; }
+    /// The object path of the adapter in use.
+    [[nodiscard]] const std::optional<std::string>& adapter() const { return adapter_; }
     /// Whoever may log in may use BlueZ; a refusal shows in the state.
     [[nodiscard]] CentralAuthorization authorization() const override {
         return CentralAuthorization::allowedAlways;

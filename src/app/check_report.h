@@ -1,0 +1,85 @@
+// What `wegslot --check` says: from what was found on this machine, one finding a line, and
+// whether Wegslot can lock with it. Pure; who looks is elsewhere.
+#pragma once
+
+#include "base/time.h"
+#include "model/key_device.h"
+#include "platform/lock_facts.h"
+#include "scanner/bluetooth_central.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace wegslot {
+
+/// What was found.
+struct CheckFacts {
+    struct Bluetooth {
+        bool daemon = false;
+        std::optional<std::string> adapter; ///< "hci0"
+        CentralState state = CentralState::unknown;
+        bool readsLinks = false; ///< the strength of connections
+    };
+    struct Key {
+        std::string name;
+        bool changesAddress = false;
+    };
+    struct Locking {
+        bool session = false;               ///< logind knows one
+        std::vector<std::string> savers;    ///< screen savers and desktops that lock
+        std::vector<std::string> listeners; ///< programs that start a locker on logind's signal
+        std::vector<std::string> locker;    ///< the command that Wegslot would start itself
+        bool lockerInstalled = false;
+        std::optional<std::string> wrongCommand; ///< what is wrong with the user's own
+        bool hintKept = false; ///< the desktop is known to keep logind's LockedHint
+        std::optional<LockWitness> locked;
+    };
+    struct Activity {
+        std::optional<std::string> idleSource;
+        std::optional<Seconds> idle; ///< nothing when it did not answer
+        std::vector<std::string> cameraSources;
+        bool cameraInUse = false;
+        std::optional<std::string> microphoneSource;
+        std::optional<std::string> microphoneUser;
+    };
+
+    Bluetooth bluetooth;
+    bool enabled = true;
+    std::vector<Key> keys;
+    Locking locking;
+    Activity activity;
+    bool tray = false;
+    bool autostart = false;
+};
+
+/// One line of the answer.
+struct Finding {
+    std::string name;  ///< for scripts
+    std::string label; ///< for people
+    bool works;
+    bool needed; ///< without it nothing is ever locked
+    std::vector<std::string> found;
+    std::string text;
+};
+
+/// How a lock that was really asked for went.
+struct LockProof {
+    std::optional<LockWitness> witness; ///< nothing when nobody confirmed in time
+    Seconds after{0};
+};
+
+[[nodiscard]] std::vector<Finding> findings(const CheckFacts& facts);
+
+/// Whether everything works that locking takes.
+[[nodiscard]] bool canLock(const std::vector<Finding>& findings);
+
+/// The lines for people, without their line feeds.
+[[nodiscard]] std::vector<std::string> reportLines(const std::vector<Finding>& findings);
+[[nodiscard]] std::string proofLine(const LockProof& proof);
+
+/// One JSON object for scripts; `proof` when a lock was asked for.
+[[nodiscard]] std::string reportJson(const std::vector<Finding>& findings,
+                                     const std::optional<LockProof>& proof);
+
+} // namespace wegslot

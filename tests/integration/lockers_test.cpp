@@ -1,0 +1,206 @@
+// Real lockers on real displays: started by Wegslot, by swayidle, and before either.
+
+#include "platform/linux/display.h"
+#include "platform/linux/linux_processes.h"
+#include "platform/linux/logind_lock.h"
+#include "platform/linux/screen_lock_watcher.h"
+#include "platform/lock_sequence.h"
+#include "platform/locker_lock.h"
+#include "tests/support/captured_log.h"
+#include "tests/support/environment.h"
+#include "tests/support/headless_sway.h"
+#include "tests/support/mocked_logind.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <optional>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// What Wegslot has of locking, on this process's environment.
+struct Locking {
+    explicit Locking(BusLoop& loop, const LockCommand& own = {})
+        : systemBus(loop.opener(), loop.attacher(), loop.time),
+          sessionBus(loop.opener(), loop.attacher(), loop.time),
+          session(systemBus),
+          savers(sessionBus, loop.time),
+          processes(loop),
+          lockers(processes, loop.time, lockerPatterns(own)),
+          watcher(session, savers, lockers),
+          logind(session),
+          saver(savers),
+          locker(processes, lockers, own, displayKind()),
+          sequence({&logind, &saver, &locker}, loop.time, watcher),
+          listening(watcher.observe([this](SessionEvent event) {
+              events += event == SessionEvent::locked ? 'L' : 'U';
+          })) {}
+
+    dbus::Connection systemBus;
+    dbus::Connection sessionBus;
+    LoginSession session;
+    ScreenSavers savers;
+    LinuxProcesses processes;
+    LockerWatch lockers;
+    ScreenLockWatcher watcher;
+    LogindLock logind;
+    ScreenSaverLock saver;
+    LockerLock locker;
+    LockSequence sequence;
+    std::string events; ///< L and U, one an event
+    Subscription listening;
+
+    /// The processes with this name.
+    [[nodiscard]] std::vector<ProcessId> running(const std::string& name) {
+        return processes.running({{.name = name}});
+    }
+};
+
+struct LockersTest : testing::Test {
+    CapturedLog log;
+    BusLoop loop;
+    std::optional<Locking> locking;
+
+    void start(const LockCommand& own = {}) {
+        locking.emplace(loop, own);
+        loop.settle();
+        loop.settle();
+    }
+
+    /// Waits in real time for a locker to be seen, and lets it settle in virtual time.
+    [[nodiscard]] bool seesALocker() {
+        if (!becomesTrue([this] { return locking->lockers.look(); })) return false;
+        loop.pass(LockerWatch::settling);
+        return true;
+    }
+
+    /// Asks for a lock of which neither logind nor a screen saver will make anything.
+    void lockByALocker() {
+        locking->sequence.lock();
+        loop.pass(LockSequence::patience);
+    }
+
+    [[nodiscard]] bool unlockBy(int signal, const std::string& name) {
+        for (const ProcessId process : locking->running(name))
+            kill(process.value, signal);
+        return loop.runUntil([this] { return locking->events.ends_with('U'); });
+    }
+
+    void TearDown() override {
+        if (!locking) return;
+        for (const char* const name : {"swaylock", "i3lock"})
+            for (const ProcessId process : locking->running(name))
+                kill(process.value, SIGKILL);
+    }
+};
+
+struct LockersOnSwayTest : LockersTest {
+    HeadlessSway sway;
+    Environment environment{{{"WAYLAND_DISPLAY", sway.display()}, {"DISPLAY", ""}}};
+
+    void SetUp() override {
+        for (const char* const program : {"sway", "swaylock", "swayidle"})
+            if (!isInstalled(program)) GTEST_SKIP() << program << " is not installed";
+        ASSERT_TRUE(sway.isRunning()) << sway.program().output();
+    }
+};
+
+} // namespace
+
+TEST_F(LockersOnSwayTest, WithNobodyElseToAskSwaylockIsStartedAndItsProcessIsTheProof) {
+    start();
+    lockByALocker();
+    ASSERT_TRUE(seesALocker());
+    EXPECT_EQ(locking->events, "L");
+    EXPECT_EQ(locking->watcher.witness(), LockWitness::locker);
+    lockByALocker(); // another one would be refused by the compositor, and is not tried
+    EXPECT_TRUE(unlockBy(SIGUSR1, "swaylock"));
+    EXPECT_EQ(locking->events, "LU");
+    EXPECT_TRUE(log.messages.empty());
+}
+
+TEST_F(LockersOnSwayTest, SwaylockThatSwayidleStartsOnLogindsSignalIsTheProofToo) {
+    MockedLogind logind(loop);
+    Program swayidle({.words = {"swayidle", "-d", "-w", "lock", "swaylock"},
+                      .environment = {{"DBUS_SYSTEM_BUS_ADDRESS", loop.daemon.address()}}});
+    ASSERT_TRUE(becomesTrue([&] {
+        return swayidle.output().find("Enable idle") != std::string::npos;
+    })) << swayidle.output();
+    start();
+    ASSERT_TRUE(loop.runUntil([this] { return locking->session.path().get().has_value(); }));
+    loop.settle();
+    locking->sequence.lock();
+    loop.settle();
+    ASSERT_TRUE(seesALocker()) << swayidle.output();
+    EXPECT_EQ(locking->events, "L");
+    const auto running = locking->running("swaylock");
+    loop.pass(10s);
+    EXPECT_EQ(locking->running("swaylock"), running); // no second one was started
+    EXPECT_TRUE(unlockBy(SIGUSR1, "swaylock"));
+    EXPECT_EQ(locking->events, "LU");
+}
+
+TEST_F(LockersOnSwayTest, AScreenThatIsLockedBeforeWegslotStartsIsKnownToBe) {
+    Program swaylock({.words = {"swaylock"}});
+    start();
+    ASSERT_TRUE(becomesTrue([this] { return locking->running("swaylock").size() >= 2; }));
+    start(); // it looks once
+    loop.pass(LockerWatch::settling);
+    EXPECT_EQ(locking->events, "L");
+    EXPECT_TRUE(unlockBy(SIGUSR1, "swaylock"));
+}
+
+TEST_F(LockersOnSwayTest, TheUsersOwnCommandIsRunAsItIsAndFollowed) {
+    start({"sh", "-c", "swaylock --color 102030; exit 0"});
+    lockByALocker();
+    ASSERT_TRUE(becomesTrue([this] { return !locking->running("swaylock").empty(); }));
+    loop.pass(1s);
+    EXPECT_EQ(locking->events, "L");
+    EXPECT_TRUE(unlockBy(SIGUSR1, "swaylock"));
+    EXPECT_EQ(locking->events, "LU");
+}
+
+TEST_F(LockersOnSwayTest, ALockerThatGoesToTheBackgroundIsFollowedThere) {
+    start({"swaylock", "--daemonize"});
+    lockByALocker();
+    // The one that was started ends as soon as the screen is locked.
+    ASSERT_TRUE(loop.runUntil([this] {
+        locking->lockers.look();
+        const auto running = locking->running("swaylock");
+        return running.size() == 2;
+    }));
+    loop.pass(1s);
+    loop.settle();
+    EXPECT_EQ(locking->events, "L");
+    EXPECT_TRUE(unlockBy(SIGUSR1, "swaylock"));
+    EXPECT_EQ(locking->events, "LU");
+}
+
+TEST_F(LockersOnSwayTest, ALockerThatCannotLockIsNoProof) {
+    start({"swaylock", "--no-such-option"});
+    locking->sequence.lock();
+    loop.settle();
+    ASSERT_TRUE(loop.runUntil([this] { return locking->running("swaylock").empty(); }));
+    loop.pass(10s);
+    EXPECT_EQ(locking->events, "");
+}
+
+TEST_F(LockersTest, I3lockOnX11IsStartedAndItsEndIsTheUnlock) {
+    for (const char* const program : {"Xvfb", "i3lock"})
+        if (!isInstalled(program)) GTEST_SKIP() << program << " is not installed";
+    Program server({.words = {"Xvfb", "-displayfd", "1", "-noreset"}});
+    ASSERT_TRUE(becomesTrue([&] { return server.output().ends_with('\n'); })) << server.output();
+    const std::string display = ":" + server.output().substr(0, server.output().find('\n'));
+    const Environment environment(
+        {{"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}, {"XDG_SESSION_TYPE", ""}});
+    start();
+    ASSERT_EQ(locking->locker.command(), (LockCommand{"i3lock", "--nofork"}));
+    lockByALocker();
+    ASSERT_TRUE(seesALocker());
+    EXPECT_EQ(locking->events, "L");
+    EXPECT_TRUE(unlockBy(SIGTERM, "i3lock"));
+    EXPECT_EQ(locking->events, "LU");
+}
