@@ -45,10 +45,11 @@ endfunction()
 
 add_custom_target(pure_tests)
 
-# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...])
-# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to.
+# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE what])
+# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Of the
+# tests that name the same ALONE, one runs at a time.
 function(wegslot_test name)
-  cmake_parse_arguments(arg "" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
+  cmake_parse_arguments(arg "" "LABEL;TIMEOUT;ALONE" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
   if(NOT arg_TIMEOUT)
@@ -67,5 +68,5 @@ function(wegslot_test name)
   gtest_discover_tests(${name}
     TEST_PREFIX "${arg_LABEL}/"
     DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT})
+    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} RESOURCE_LOCK "${arg_ALONE}")
 endfunction()

@@ -1,4 +1,5 @@
-// Real lockers on real displays: started by Wegslot, by swayidle, and before either.
+// Real locks on real displays: GNOME's own, and lockers started by Wegslot, by swayidle, and
+// before either.
 
 #include "platform/linux/display.h"
 #include "platform/linux/linux_processes.h"
@@ -8,6 +9,7 @@
 #include "platform/locker_lock.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/environment.h"
+#include "tests/support/gnome_desktop.h"
 #include "tests/support/headless_sway.h"
 #include "tests/support/mocked_logind.h"
 
@@ -203,4 +205,28 @@ TEST_F(LockersTest, I3lockOnX11IsStartedAndItsEndIsTheUnlock) {
     EXPECT_EQ(locking->events, "L");
     EXPECT_TRUE(unlockBy(SIGTERM, "i3lock"));
     EXPECT_EQ(locking->events, "LU");
+}
+
+TEST_F(LockersTest, GnomeLocksOnLogindsSignalAndItsHintIsTheProof) {
+    if (const std::string obstacle = GnomeDesktop::obstacle(); !obstacle.empty())
+        GTEST_SKIP() << obstacle;
+    GnomeDesktop gnome(loop);
+    ASSERT_TRUE(gnome.start()) << gnome.shell().output() << gnome.logind.program().output();
+    const Environment environment(gnome.variables());
+    start();
+    ASSERT_TRUE(loop.runUntil([this] { return locking->session.path().get().has_value(); }));
+    ASSERT_TRUE(loop.runUntil([this] { return locking->savers.desktopSetsHint().get(); }));
+    locking->sequence.lock();
+    ASSERT_TRUE(loop.runUntil([this] { return locking->events == "L"; }));
+    EXPECT_EQ(locking->watcher.witness(), LockWitness::hint);
+    gnome.logind.ask("Unlock");
+    ASSERT_TRUE(loop.runUntil([this] { return locking->events.size() == 2; }));
+    EXPECT_EQ(locking->events, "LU");
+    // The shell's own way, which is the second: nobody passes on what logind is told.
+    locking->saver.request([] { FAIL() << "refused"; });
+    ASSERT_TRUE(loop.runUntil([this] { return locking->events.size() == 3; }));
+    EXPECT_EQ(locking->events, "LUL");
+    gnome.logind.program().stop();
+    loop.settle();
+    EXPECT_EQ(locking->events, "LUL"); // no word of logind is no unlock
 }

@@ -11,8 +11,6 @@
 namespace wegslot {
 namespace {
 
-constexpr std::chrono::seconds patience{10};
-
 Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
     sd_bus* bus = nullptr;
     if (sd_bus_new(&bus) < 0) return Failure{"sd_bus_new"};
@@ -27,7 +25,7 @@ Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
 
 } // namespace
 
-bool BusLoop::runUntil(const std::function<bool()>& condition) {
+bool BusLoop::runUntil(const std::function<bool()>& condition, std::chrono::seconds patience) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) return false;

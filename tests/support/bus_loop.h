@@ -16,8 +16,9 @@ namespace wegslot {
 class BusLoop final : public Descriptors {
 public:
     /// Handles messages and what is due until `condition` holds; false when it does not within
-    /// ten seconds of real time. Virtual time stands still but for what is due already.
-    [[nodiscard]] bool runUntil(const std::function<bool()>& condition);
+    /// `patience` of real time. Virtual time stands still but for what is due already.
+    [[nodiscard]] bool runUntil(const std::function<bool()>& condition,
+                                std::chrono::seconds patience = std::chrono::seconds{10});
 
     /// Handles all that is under way now: what was sent before this call has been delivered to
     /// everybody and answered when it returns.

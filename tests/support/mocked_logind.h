@@ -51,6 +51,14 @@ public:
                     .arguments = {locked}});
     }
 
+    /// Tells the desktop, as logind does when somebody asks for it ("Lock", "Unlock").
+    void ask(const std::string& what) {
+        bus_->send({.destination = "org.freedesktop.login1",
+                    .path = session,
+                    .interface = "org.freedesktop.login1.Session",
+                    .member = what});
+    }
+
     [[nodiscard]] Program& program() { return mock_; }
 
 private:

@@ -1,0 +1,124 @@
+// A GNOME Shell without hardware that can lock, on the bus of a test: with python-dbusmock's
+// logind, and the little of a display manager and an accounts service that it looks for.
+#pragma once
+
+#include "tests/support/look_alike.h"
+#include "tests/support/mocked_logind.h"
+#include "tests/support/program.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+#include <systemd/sd-bus.h>
+
+namespace wegslot {
+
+class GnomeDesktop {
+public:
+    /// Why there can be none on this machine; empty when there can.
+    [[nodiscard]] static std::string obstacle() {
+        if (!isInstalled("gnome-shell")) return "gnome-shell is not installed";
+        // GNOME takes this folder for the sign that there is a login manager.
+        std::error_code error;
+        std::filesystem::create_directories("/run/systemd/seats", error);
+        return error ? "there is no /run/systemd/seats, nor may it be made" : "";
+    }
+
+    explicit GnomeDesktop(BusLoop& loop)
+        : loop_(loop),
+          logind(loop),
+          displays_(loop, "org.gnome.DisplayManager"),
+          accounts_(loop, "org.freedesktop.Accounts") {
+        displays_.on("org.freedesktop.DBus.Properties.Get",
+                     [](LookAlike& self, sd_bus_message* call) {
+                         self.reply(call, [](sd_bus_message* answer) {
+                             sd_bus_message_append(answer, "v", "s", "43.0"); // its Version
+                         });
+                     });
+        for (const char* const method : {"FindUserByName", "FindUserById"})
+            accounts_.on(std::string("org.freedesktop.Accounts.") + method,
+                         [](LookAlike& self, sd_bus_message* call) {
+                             self.reply(call, [](sd_bus_message* answer) {
+                                 sd_bus_message_append(answer, "o",
+                                                       "/org/freedesktop/Accounts/User0");
+                             });
+                         });
+        accounts_.on(
+            "org.freedesktop.Accounts.ListCachedUsers", [](LookAlike& self, sd_bus_message* call) {
+                self.reply(call,
+                           [](sd_bus_message* answer) { sd_bus_message_append(answer, "ao", 0); });
+            });
+    }
+
+    /// Starts the shell; true when it could lock and says how long nobody touched anything.
+    /// GNOME Shell 43 now and then hangs while it starts: to start a program it forks and runs
+    /// JavaScript in the child, which waits for ever for a lock of a thread that was not forked.
+    [[nodiscard]] bool start() {
+        constexpr int attempts = 5;
+        for (int attempt = 0; attempt < attempts; ++attempt)
+            if (startsOnce()) return true;
+        return false;
+    }
+
+    /// By which programs find this desktop.
+    [[nodiscard]] std::map<std::string, std::string> variables() const {
+        return {{"DBUS_SYSTEM_BUS_ADDRESS", loop_.daemon.address()},
+                {"DBUS_SESSION_BUS_ADDRESS", loop_.daemon.address()},
+                {"XDG_RUNTIME_DIR", folder_.path().string()},
+                {"HOME", folder_.path().string()},
+                {"XDG_SESSION_ID", "auto"},
+                {"WAYLAND_DISPLAY", ""},
+                {"DISPLAY", ""}};
+    }
+
+    [[nodiscard]] Program& shell() { return *shell_; }
+
+private:
+    [[nodiscard]] bool startsOnce() {
+        const auto listeners = timesSaid("Inhibit \"sleep\"");
+        shell_.reset();
+        shell_.emplace(Program::Start{
+            .words = {"gnome-shell", "--headless", "--wayland", "--virtual-monitor", "800x600"},
+            .environment = variables()});
+        const auto bus = loop_.connect();
+        const auto attached = loop_.attach(*bus);
+        std::map<std::string, bool> there{{"org.gnome.Shell.ScreenShield", false},
+                                          {"org.gnome.Mutter.IdleMonitor", false}};
+        std::vector<Subscription> owners;
+        for (auto& [name, is] : there)
+            owners.push_back(
+                bus->followOwner(name, [&is = is](const auto& owner) { is = owner.has_value(); }));
+        // It asks logind not to sleep before it has locked once it listens to logind, and obeys
+        // only when it has started.
+        return loop_.runUntil(
+            [&] {
+                return there["org.gnome.Shell.ScreenShield"] &&
+                       there["org.gnome.Mutter.IdleMonitor"] &&
+                       timesSaid("Inhibit \"sleep\"") > listeners &&
+                       shell_->output().find("GNOME Shell started") != std::string::npos;
+            },
+            std::chrono::seconds{6});
+    }
+
+    [[nodiscard]] int timesSaid(const std::string& words) {
+        const std::string output = logind.program().output();
+        int times = 0;
+        for (auto at = output.find(words); at != std::string::npos; at = output.find(words, at + 1))
+            ++times;
+        return times;
+    }
+
+    BusLoop& loop_;
+
+public:
+    MockedLogind logind;
+
+private:
+    LookAlike displays_;
+    LookAlike accounts_;
+    TemporaryFolder folder_;
+    std::optional<Program> shell_;
+};
+
+} // namespace wegslot
