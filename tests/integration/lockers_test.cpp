@@ -85,6 +85,12 @@ struct LockersTest : testing::Test {
         loop.pass(LockSequence::patience);
     }
 
+    /// A locker is, once it has locked: the other one asks for the password, or keeps the window
+    /// on top.
+    [[nodiscard]] bool isTwoProcesses(const std::string& name) {
+        return becomesTrue([this, &name] { return locking->running(name).size() == 2; });
+    }
+
     [[nodiscard]] bool unlockBy(int signal, const std::string& name) {
         for (const ProcessId process : locking->running(name))
             kill(process.value, signal);
@@ -138,6 +144,7 @@ TEST_F(LockersOnSwayTest, SwaylockThatSwayidleStartsOnLogindsSignalIsTheProofToo
     loop.settle();
     ASSERT_TRUE(seesALocker()) << swayidle.output();
     EXPECT_EQ(locking->events, "L");
+    ASSERT_TRUE(isTwoProcesses("swaylock"));
     const auto running = locking->running("swaylock");
     loop.pass(10s);
     EXPECT_EQ(locking->running("swaylock"), running); // no second one was started
@@ -148,7 +155,7 @@ TEST_F(LockersOnSwayTest, SwaylockThatSwayidleStartsOnLogindsSignalIsTheProofToo
 TEST_F(LockersOnSwayTest, AScreenThatIsLockedBeforeWegslotStartsIsKnownToBe) {
     Program swaylock({.words = {"swaylock"}});
     start();
-    ASSERT_TRUE(becomesTrue([this] { return locking->running("swaylock").size() >= 2; }));
+    ASSERT_TRUE(isTwoProcesses("swaylock"));
     start(); // it looks once
     loop.pass(LockerWatch::settling);
     EXPECT_EQ(locking->events, "L");
@@ -203,6 +210,7 @@ TEST_F(LockersTest, I3lockOnX11IsStartedAndItsEndIsTheUnlock) {
     lockByALocker();
     ASSERT_TRUE(seesALocker());
     EXPECT_EQ(locking->events, "L");
+    ASSERT_TRUE(isTwoProcesses("i3lock"));
     EXPECT_TRUE(unlockBy(SIGTERM, "i3lock"));
     EXPECT_EQ(locking->events, "LU");
 }
