@@ -108,6 +108,18 @@ Subscription Bus::call(const Call& call, Listener answer) {
     return owning(slot);
 }
 
+void Bus::ask(const Call& call, const Listener& answer) {
+    // While the connection is still being made the library would wait for that without limit.
+    if (sd_bus_is_ready(bus_) <= 0) return;
+    const auto message = formed(bus_, call);
+    if (!message) return;
+    sd_bus_message* reply = nullptr;
+    const auto microseconds = static_cast<std::uint64_t>(call.timeout.count());
+    const int error = sd_bus_call(bus_, message.get(), microseconds, nullptr, &reply);
+    const MessagePointer owned(reply, sd_bus_message_unref);
+    if (error >= 0) answer(Message{reply});
+}
+
 void Bus::send(const Call& call) {
     const auto message = formed(bus_, call);
     if (!message) return;

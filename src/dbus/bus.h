@@ -58,6 +58,12 @@ public:
     /// forgotten, though not taken back, when the handle ends.
     [[nodiscard]] Subscription call(const Call& call, Listener answer);
 
+    /// Sends `call` and waits for the answer, no longer than its timeout: for whoever cannot go on
+    /// without it. `answer` runs before this returns, and does not when there is an error or no
+    /// answer in time, nor while the connection is still being made. What else comes in meanwhile
+    /// is handled later, in the order of its coming.
+    void ask(const Call& call, const Listener& answer);
+
     /// Sends `call` without wanting an answer.
     void send(const Call& call);
 

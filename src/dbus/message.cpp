@@ -17,7 +17,8 @@ std::optional<T> basic(sd_bus_message* message, char type) {
 template <typename T>
 std::optional<std::int64_t> number(sd_bus_message* message, char type) {
     const auto value = basic<T>(message, type);
-    return value ? std::optional(static_cast<std::int64_t>(*value)) : std::nullopt;
+    if (!value || !std::in_range<std::int64_t>(*value)) return std::nullopt;
+    return static_cast<std::int64_t>(*value);
 }
 
 char nextType(sd_bus_message* message) {
@@ -56,6 +57,8 @@ std::optional<std::int64_t> Reader::integer() {
         return number<std::uint32_t>(message_, type);
     case 'x':
         return number<std::int64_t>(message_, type);
+    case 't':
+        return number<std::uint64_t>(message_, type);
     default:
         return std::nullopt; // types are an open set of characters
     }

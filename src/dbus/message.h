@@ -23,9 +23,9 @@ public:
 
     // Each takes the next value if it has the type, and gives nothing otherwise.
 
-    [[nodiscard]] std::optional<std::string_view> text();               ///< s, o or g
-    [[nodiscard]] std::optional<bool> boolean();                        ///< b
-    [[nodiscard]] std::optional<std::int64_t> integer();                ///< y, n, q, i, u, x
+    [[nodiscard]] std::optional<std::string_view> text(); ///< s, o or g
+    [[nodiscard]] std::optional<bool> boolean();          ///< b
+    [[nodiscard]] std::optional<std::int64_t> integer();  ///< y, n, q, i, u, x; t that fits
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> bytes(); ///< ay
     [[nodiscard]] std::vector<std::string> texts(); ///< as or ao; empty otherwise
 

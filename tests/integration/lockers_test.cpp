@@ -1,7 +1,7 @@
 // Real locks on real displays: GNOME's own, and lockers started by Wegslot, by swayidle, and
 // before either.
 
-#include "platform/linux/display.h"
+#include "platform/linux/display_environment.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/logind_lock.h"
 #include "platform/linux/screen_lock_watcher.h"
@@ -35,7 +35,7 @@ struct Locking {
           watcher(session, savers, lockers),
           logind(session),
           saver(savers),
-          locker(processes, lockers, own, displayKind()),
+          locker(processes, lockers, own, displayKind(displayEnvironment())),
           sequence({&logind, &saver, &locker}, loop.time, watcher),
           listening(watcher.observe([this](SessionEvent event) {
               events += event == SessionEvent::locked ? 'L' : 'U';
@@ -106,13 +106,15 @@ struct LockersTest : testing::Test {
 };
 
 struct LockersOnSwayTest : LockersTest {
-    HeadlessSway sway;
-    Environment environment{{{"WAYLAND_DISPLAY", sway.display()}, {"DISPLAY", ""}}};
+    RuntimeFolder folder;
+    HeadlessSway sway{folder};
+    Environment environment{
+        {{"WAYLAND_DISPLAY", folder.path() + "/" + HeadlessSway::socketName}, {"DISPLAY", ""}}};
 
     void SetUp() override {
         for (const char* const program : {"sway", "swaylock", "swayidle"})
             if (!isInstalled(program)) GTEST_SKIP() << program << " is not installed";
-        ASSERT_TRUE(sway.isRunning()) << sway.program().output();
+        ASSERT_TRUE(sway.isListening) << sway.program().output();
     }
 };
 

@@ -1,39 +1,46 @@
-// A sway of the test's own, without hardware, and the environment that programs find it by.
+// A real compositor without a screen. It takes its own name in its folder: "wayland-1".
 #pragma once
 
+#include "platform/linux/idle/wayland_connection.h"
 #include "tests/support/program.h"
 
-#include <map>
+#include <fstream>
 #include <string>
 
 namespace wegslot {
 
 class HeadlessSway {
 public:
-    /// Returns when it can be connected to; false from `isRunning` if it never could.
-    HeadlessSway()
-        : sway_({.words = {"sway", "--config", "/dev/null"},
-                 .environment = {{"XDG_RUNTIME_DIR", folder_.path()},
-                                 {"HOME", folder_.path()},
-                                 {"WLR_BACKENDS", "headless"},
-                                 {"WLR_LIBINPUT_NO_DEVICES", "1"},
-                                 {"WLR_RENDERER", "pixman"},
-                                 {"WAYLAND_DISPLAY", ""},
-                                 {"DISPLAY", ""}},
-                 .unprivileged = true}),
-          running_(becomesTrue([this] { return folder_.has("wayland-1"); })) {}
+    explicit HeadlessSway(const RuntimeFolder& folder) : program_(start(folder)) {
+        const std::string socket = folder.path() + "/" + socketName;
+        isListening =
+            becomesTrue([&] {
+                return WaylandConnection::open(socket) != nullptr || !program_.isRunning();
+            }) &&
+            program_.isRunning();
+    }
 
-    [[nodiscard]] bool isRunning() const { return running_; }
+    static constexpr auto socketName = "wayland-1";
+    bool isListening = false;
 
-    /// Absolute, so that it needs no XDG_RUNTIME_DIR.
-    [[nodiscard]] std::string display() const { return folder_.path() + "/wayland-1"; }
-
-    [[nodiscard]] Program& program() { return sway_; }
+    [[nodiscard]] Program& program() { return program_; }
 
 private:
-    RuntimeFolder folder_;
-    Program sway_;
-    bool running_;
+    static Program::Start start(const RuntimeFolder& folder) {
+        const std::string configuration = folder.path() + "/config";
+        std::ofstream(configuration) << "xwayland disable\n";
+        return {.words = {"sway", "-c", configuration},
+                .environment = {{"XDG_RUNTIME_DIR", folder.path()},
+                                {"HOME", folder.path()},
+                                {"WAYLAND_DISPLAY", ""},
+                                {"DISPLAY", ""},
+                                {"WLR_BACKENDS", "headless"},
+                                {"WLR_LIBINPUT_NO_DEVICES", "1"},
+                                {"WLR_RENDERER", "pixman"}},
+                .unprivileged = true}; // it refuses root
+    }
+
+    Program program_;
 };
 
 } // namespace wegslot

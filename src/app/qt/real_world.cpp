@@ -1,6 +1,6 @@
 #include "app/qt/real_world.h"
 
-#include "platform/linux/display.h"
+#include "platform/linux/display_environment.h"
 
 namespace wegslot {
 
@@ -15,10 +15,13 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
       processes(descriptors),
       lockers(processes, scheduler, lockerPatterns(own)),
       watcher(session, savers, lockers),
-      activity({}, {}, {}),
+      mutterIdle(sessionBus),
+      waylandIdle(displayEnvironment(), clock, scheduler, descriptors),
+      x11Idle(displayEnvironment(), scheduler),
+      activity({&mutterIdle, &waylandIdle, &x11Idle}, {}, {}),
       logindLock(session),
       saverLock(savers),
-      lockerLock(processes, lockers, own, displayKind()),
+      lockerLock(processes, lockers, own, displayKind(displayEnvironment())),
       lock({&logindLock, &saverLock, &lockerLock}, scheduler, watcher),
       platform{clock, scheduler, watcher, activity, lock} {}
 

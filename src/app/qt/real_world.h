@@ -8,6 +8,9 @@
 #include "dbus/connection.h"
 #include "monitor/monitor.h"
 #include "platform/activity_sources.h"
+#include "platform/linux/idle/mutter_idle.h"
+#include "platform/linux/idle/wayland_idle.h"
+#include "platform/linux/idle/x11_idle.h"
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/login_session.h"
 #include "platform/linux/logind_lock.h"
@@ -35,6 +38,9 @@ struct RealWorld {
     LinuxProcesses processes;
     LockerWatch lockers;
     ScreenLockWatcher watcher;
+    MutterIdle mutterIdle;
+    WaylandIdle waylandIdle;
+    X11Idle x11Idle;
     ActivitySources activity;
     LogindLock logindLock;
     ScreenSaverLock saverLock;
