@@ -264,13 +264,15 @@ std::vector<std::string> reportLines(const std::vector<Finding>& findings) {
 std::string proofLine(const LockProof& proof) {
     if (!proof.witness)
         return "Geen bevestiging van lock ontvangen binnen " + decimal(proof.after.count()) + " s";
+    if (proof.after == LockProof::before)
+        return "Het scherm is al gelockt, volgens " + nameOf(*proof.witness);
     return "Gelockt na " + tenths(proof.after) + " s, bevestigd door " + nameOf(*proof.witness);
 }
 
 std::string reportJson(const std::vector<Finding>& findings,
                        const std::optional<LockProof>& proof) {
     using Json = nlohmann::ordered_json;
-    Json report{{"ok", canLock(findings) && (!proof || proof->witness)}};
+    Json report{{"ok", canLock(findings) && (!proof || proof->confirms())}};
     Json& list = report["checks"] = Json::array();
     for (const Finding& finding : findings)
         list.push_back({{"name", finding.name},
@@ -279,9 +281,10 @@ std::string reportJson(const std::vector<Finding>& findings,
                         {"found", finding.found},
                         {"text", finding.text}});
     if (proof)
-        report["lock"] = {{"confirmed", proof->witness.has_value()},
-                          {"by", proof->witness ? Json(scriptNameOf(*proof->witness)) : Json()},
-                          {"seconds", proof->after.count()}};
+        report["lock"] = {
+            {"confirmed", proof->confirms()},
+            {"by", proof->witness ? Json(scriptNameOf(*proof->witness)) : Json()},
+            {"seconds", proof->after == LockProof::before ? Json() : Json(proof->after.count())}};
     return report.dump(2, ' ', false, Json::error_handler_t::replace);
 }
 

@@ -65,8 +65,13 @@ struct Finding {
 
 /// How a lock that was really asked for went.
 struct LockProof {
+    /// For a screen that was locked before anybody asked, which proves nothing.
+    static constexpr Seconds before{-1};
+
     std::optional<LockWitness> witness; ///< nothing when nobody confirmed in time
     Seconds after{0};
+
+    [[nodiscard]] bool confirms() const { return witness && after != before; }
 };
 
 [[nodiscard]] std::vector<Finding> findings(const CheckFacts& facts);

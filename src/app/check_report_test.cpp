@@ -166,6 +166,8 @@ TEST(CheckReport, AProofSaysWhoConfirmedWhen) {
               "Gelockt na 2,0 s, bevestigd door het proces van een lockprogramma");
     EXPECT_EQ(proofLine({std::nullopt, Seconds{5}}),
               "Geen bevestiging van lock ontvangen binnen 5 s");
+    EXPECT_EQ(proofLine({LockWitness::saver, LockProof::before}),
+              "Het scherm is al gelockt, volgens de schermbeveiliging (ActiveChanged)");
 }
 
 TEST(CheckReport, ScriptsGetTheSameInJson) {
@@ -182,6 +184,11 @@ TEST(CheckReport, ScriptsGetTheSameInJson) {
     EXPECT_EQ(proven.at("ok"), true);
     EXPECT_EQ(proven.at("lock"),
               Json::parse(R"({"confirmed": true, "by": "ActiveChanged", "seconds": 1.5})"));
+    const Json before =
+        Json::parse(reportJson(findings(good()), LockProof{LockWitness::saver, LockProof::before}));
+    EXPECT_EQ(before.at("ok"), false);
+    EXPECT_EQ(before.at("lock"),
+              Json::parse(R"({"confirmed": false, "by": "ActiveChanged", "seconds": null})"));
     const Json failed =
         Json::parse(reportJson(findings(good()), LockProof{std::nullopt, Seconds{5}}));
     EXPECT_EQ(failed.at("ok"), false);

@@ -217,6 +217,40 @@ TEST_F(LockersTest, I3lockOnX11IsStartedAndItsEndIsTheUnlock) {
     EXPECT_EQ(locking->events, "LU");
 }
 
+TEST_F(LockersTest, WhatDbusmocksLogindAndScreenSaverSayIsToldOnceEach) {
+    std::optional<MockedLogind> logind(std::in_place, loop);
+    Program saver({.words = {"/usr/bin/python3", "-m", "dbusmock", "--session", "--template",
+                             "gnome_screensaver"},
+                   .environment = {{"DBUS_SESSION_BUS_ADDRESS", loop.daemon.address()}}});
+    start();
+    ASSERT_TRUE(loop.runUntil([this] { return locking->session.path().get().has_value(); }));
+    ASSERT_TRUE(loop.runUntil([this] { return !locking->savers.running().empty(); }));
+    const auto saysSo = [this](const std::string& expected) {
+        return loop.runUntil([&] { return locking->events == expected; });
+    };
+    // Nobody sets the hint: nothing comes of logind's signal, and the screen saver is asked.
+    locking->sequence.lock();
+    loop.settle();
+    EXPECT_EQ(locking->events, "");
+    loop.pass(LockSequence::patience);
+    ASSERT_TRUE(saysSo("L"));
+    EXPECT_EQ(locking->watcher.witness(), LockWitness::saver);
+    logind->setHint(true); // says it too, twice
+    logind->setHint(true);
+    logind->setHint(false);
+    ASSERT_TRUE(saysSo("LU")); // and is right from now on
+    logind->setHint(true);
+    ASSERT_TRUE(saysSo("LUL"));
+    saver.stop();
+    loop.pass(std::chrono::seconds{10});
+    EXPECT_EQ(locking->events, "LUL");
+    logind.reset();
+    loop.settle();
+    EXPECT_EQ(locking->events, "LUL"); // no word is no unlock
+    logind.emplace(loop);              // a new one, where nothing is locked
+    ASSERT_TRUE(saysSo("LULU"));
+}
+
 TEST_F(LockersTest, GnomeLocksOnLogindsSignalAndItsHintIsTheProof) {
     if (const std::string obstacle = GnomeDesktop::obstacle(); !obstacle.empty())
         GTEST_SKIP() << obstacle;

@@ -3,6 +3,7 @@
 #include "app/app_model.h"
 #include "app/demo.h"
 #include "app/key_commands.h"
+#include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
 #include "app/qt/check.h"
 #include "app/qt/qt_scheduler.h"
@@ -22,31 +23,16 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <pwd.h>
 #include <unistd.h>
 
 namespace wegslot {
 namespace {
 
 namespace fs = std::filesystem;
-
-fs::path homeFolder() {
-    if (const char* const home = std::getenv("HOME"); home != nullptr && *home == '/') return home;
-    const passwd* const user = getpwuid(getuid());
-    return user == nullptr ? "/" : user->pw_dir;
-}
-
-// Relative paths are to be ignored (XDG Base Directory Specification 0.8).
-fs::path configurationFolder() {
-    const char* const folder = std::getenv("XDG_CONFIG_HOME");
-    if (folder != nullptr && *folder == '/') return folder;
-    return homeFolder() / ".config";
-}
 
 void printLine(std::string_view line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
@@ -102,16 +88,6 @@ AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
             [] { return std::make_unique<HiddenHud>(); }};
 }
 
-// Where autostart entries are (Desktop Application Autostart Specification 0.5).
-std::vector<fs::path> autostartFolders() {
-    std::vector<fs::path> folders{configurationFolder() / "autostart"};
-    const char* const shared = std::getenv("XDG_CONFIG_DIRS");
-    std::istringstream list(shared == nullptr || *shared == 0 ? "/etc/xdg" : shared);
-    for (std::string folder; std::getline(list, folder, ':');)
-        if (folder.starts_with('/')) folders.push_back(fs::path(folder) / "autostart");
-    return folders;
-}
-
 // Each command on the running loop.
 struct Execute {
     Scheduler& scheduler;
@@ -153,7 +129,7 @@ struct Execute {
         const Settings settings(preferences);
         const auto own = lockCommand(preferences); // the check itself says if it is wrong
         RealWorld world(scheduler, clock, own ? *own : LockCommand{});
-        const Check check(world, preferences, settings, scheduler, clock, autostartFolders(),
+        const Check check(world, preferences, settings, scheduler, clock, folders::autostart(),
                           {.lock = options.lock, .json = options.json}, printLine, [](bool ok) {
                               QCoreApplication::exit(ok ? EXIT_SUCCESS : EXIT_FAILURE);
                           });
@@ -183,7 +159,7 @@ int runApplication(const Command& command, int& argc, char** argv) {
         return Execute{scheduler, clock, nothing}(command::Demo{});
     }
 
-    const fs::path preferencesPath = PreferencesFile::pathUnder(configurationFolder());
+    const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
     if (std::holds_alternative<command::Check>(command)) {
         const ComplainingLog complaints;
         PreferencesFile preferences(preferencesPath, scheduler, PreferencesFile::Access::readOnly);
@@ -194,7 +170,7 @@ int runApplication(const Command& command, int& argc, char** argv) {
 
     std::unique_ptr<TeeLog> log;
     if (std::holds_alternative<command::Run>(command)) {
-        const fs::path logPath = FileLog::pathUnder(homeFolder());
+        const fs::path logPath = FileLog::pathUnder(folders::home());
         std::error_code ignored;
         fs::create_directories(logPath.parent_path(), ignored);
         log = std::make_unique<TeeLog>(logPath, clock);

@@ -1,9 +1,12 @@
 #include "app/qt/check.h"
 
 #include "model/lock_command.h"
+#include "platform/linux/media/desktop_entry.h"
 
 #include <algorithm>
 #include <array>
+#include <fstream>
+#include <iterator>
 #include <utility>
 
 namespace wegslot {
@@ -50,6 +53,7 @@ void Check::report() {
 }
 
 void Check::lock() {
+    if (world_.watcher.isLocked()) return proven({world_.watcher.witness(), LockProof::before});
     asked_ = clock_.now();
     session_ = world_.watcher.observe([this](SessionEvent event) {
         // The fact is being told; who says so is known right after.
@@ -59,7 +63,6 @@ void Check::lock() {
             });
     });
     timer_ = scheduler_.after(Monitor::confirmationTimeout, [this] {
-        // One that was locked all the time has proven nothing by it.
         proven({std::nullopt, Monitor::confirmationTimeout});
     });
     world_.lock.lock();
@@ -68,7 +71,7 @@ void Check::lock() {
 void Check::proven(LockProof proof) {
     timer_.reset();
     print_(options_.json ? reportJson(findings_, proof) : proofLine(proof));
-    done_(canLock(findings_) && proof.witness);
+    done_(canLock(findings_) && proof.confirms());
 }
 
 CheckFacts Check::facts() {
@@ -137,10 +140,14 @@ CheckFacts::Activity Check::activity() {
 }
 
 bool Check::hasAutostart() const {
-    return std::ranges::any_of(autostart_, [](const std::filesystem::path& folder) {
-        std::error_code ignored;
-        return std::filesystem::exists(folder / autostartEntry, ignored);
-    });
+    for (const std::filesystem::path& folder : autostart_) {
+        std::ifstream file(folder / autostartEntry);
+        if (!file) continue;
+        // The first one counts, also when it says that there is to be none.
+        const auto entry = readDesktopEntry(std::string(std::istreambuf_iterator<char>(file), {}));
+        return entry && !entry->hidden;
+    }
+    return false;
 }
 
 } // namespace wegslot

@@ -1,5 +1,6 @@
 #include "app/qt/real_world.h"
 
+#include "app/linux/folders.h"
 #include "platform/linux/display_environment.h"
 
 namespace wegslot {
@@ -18,7 +19,12 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
       mutterIdle(sessionBus),
       waylandIdle(displayEnvironment(), clock, scheduler, descriptors),
       x11Idle(displayEnvironment(), scheduler),
-      activity({&mutterIdle, &waylandIdle, &x11Idle}, {}, {}),
+      pipeWireCameras(descriptors, scheduler),
+      microphone(scheduler, ApplicationNames(ApplicationNames::dataFolders(
+                                folders::home(), folders::variable("XDG_DATA_HOME"),
+                                folders::variable("XDG_DATA_DIRS")))),
+      activity({&mutterIdle, &waylandIdle, &x11Idle}, {&pipeWireCameras, &captureDevices},
+               {&microphone}),
       logindLock(session),
       saverLock(savers),
       lockerLock(processes, lockers, own, displayKind(displayEnvironment())),

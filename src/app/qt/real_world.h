@@ -14,6 +14,9 @@
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/login_session.h"
 #include "platform/linux/logind_lock.h"
+#include "platform/linux/media/capture_devices.h"
+#include "platform/linux/media/pipewire_cameras.h"
+#include "platform/linux/media/pulse_microphone.h"
 #include "platform/linux/screen_lock_watcher.h"
 #include "platform/linux/screen_savers.h"
 #include "platform/lock_sequence.h"
@@ -41,6 +44,9 @@ struct RealWorld {
     MutterIdle mutterIdle;
     WaylandIdle waylandIdle;
     X11Idle x11Idle;
+    PipeWireCameras pipeWireCameras;
+    CaptureDevices captureDevices;
+    PulseMicrophone microphone;
     ActivitySources activity;
     LogindLock logindLock;
     ScreenSaverLock saverLock;

@@ -1,0 +1,39 @@
+#include "app/linux/folders.h"
+
+#include <cstdlib>
+#include <sstream>
+
+#include <pwd.h>
+#include <unistd.h>
+
+namespace wegslot::folders {
+
+namespace fs = std::filesystem;
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+fs::path home() {
+    if (const std::string folder = variable("HOME"); folder.starts_with('/')) return folder;
+    const passwd* const user = getpwuid(getuid());
+    return user == nullptr ? "/" : user->pw_dir;
+}
+
+fs::path configuration() {
+    // Relative paths are to be ignored.
+    const std::string folder = variable("XDG_CONFIG_HOME");
+    return folder.starts_with('/') ? fs::path(folder) : home() / ".config";
+}
+
+std::vector<fs::path> autostart() {
+    std::vector<fs::path> folders{configuration() / "autostart"};
+    const std::string shared = variable("XDG_CONFIG_DIRS");
+    std::istringstream list(shared.empty() ? "/etc/xdg" : shared);
+    for (std::string folder; std::getline(list, folder, ':');)
+        if (folder.starts_with('/')) folders.push_back(fs::path(folder) / "autostart");
+    return folders;
+}
+
+} // namespace wegslot::folders

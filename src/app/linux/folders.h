@@ -1,0 +1,20 @@
+// Where this user's files are, as the environment says (XDG Base Directory Specification 0.8;
+// Desktop Application Autostart Specification 0.5). Names folders only; nothing is made.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace wegslot::folders {
+
+/// The value of an environment variable; empty when it is not set.
+[[nodiscard]] std::string variable(const char* name);
+
+[[nodiscard]] std::filesystem::path home();
+[[nodiscard]] std::filesystem::path configuration();
+
+/// Where entries of programs to start at login are, the user's first.
+[[nodiscard]] std::vector<std::filesystem::path> autostart();
+
+} // namespace wegslot::folders

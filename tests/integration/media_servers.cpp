@@ -1,0 +1,78 @@
+#include "tests/integration/media_servers.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+bool soundAnswers() { return MediaSession::run({"pactl", "info"}).has_value(); }
+
+bool isDefault(const char* kind, const std::string& name) {
+    return MediaSession::run({"pactl", std::string("get-default-") + kind}) == name + "\n";
+}
+
+} // namespace
+
+MediaSession::MediaSession() {
+    for (const char* const variable :
+         {"DISPLAY", "WAYLAND_DISPLAY", "PULSE_SERVER", "PULSE_RUNTIME_PATH", "PULSE_COOKIE",
+          "PIPEWIRE_REMOTE", "PIPEWIRE_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+        unsetenv(variable);
+    setenv("HOME", home_.path().c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", runtime_.path().c_str(), 1);
+    setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
+}
+
+std::optional<std::string> MediaSession::run(const std::vector<std::string>& words) {
+    Program program({.words = words});
+    return program.ended() == 0 ? std::optional(program.output()) : std::nullopt;
+}
+
+std::vector<std::string> PulseAudioServer::needs() const { return {"pulseaudio", "pactl"}; }
+
+bool PulseAudioServer::start() {
+    server_.reset();
+    server_ = std::make_unique<Program>(Program::Start{
+        .words = {"pulseaudio", "-n", "-L", "module-native-protocol-unix", "-L",
+                  "module-null-source source_name=mic", "-L", "module-null-sink sink_name=nul",
+                  "--exit-idle-time=-1", "--disable-shm", "--daemonize=no"}});
+    return becomesTrue(soundAnswers);
+}
+
+std::vector<std::string> PipeWireSoundServer::needs() const {
+    return {"pipewire", "wireplumber", "pipewire-pulse", "pw-cli", "pw-record", "pactl"};
+}
+
+bool PipeWireSoundServer::start() {
+    if (!daemon_) {
+        daemon_ = startPipeWire();
+        sessionServer_ = std::make_unique<Program>(Program::Start{.words = {"wireplumber"}});
+    }
+    server_.reset();
+    server_ = std::make_unique<Program>(Program::Start{.words = {"pipewire-pulse"}});
+    const bool made =
+        becomesTrue(soundAnswers) &&
+        MediaSession::run({"pactl", "load-module", "module-null-sink",
+                           "media.class=Audio/Source/Virtual", "sink_name=mic"}) &&
+        MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"});
+    // A stream that comes before the session's own server has seen them is put elsewhere for good.
+    return made &&
+           becomesTrue([] { return isDefault("source", "mic") && isDefault("sink", "nul"); });
+}
+
+std::unique_ptr<Program> startPipeWire() {
+    auto daemon = std::make_unique<Program>(Program::Start{.words = {"pipewire"}});
+    const bool answers = becomesTrue([] {
+        return MediaSession::run({"pw-cli", "info", "0"}).has_value();
+    });
+    return answers ? std::move(daemon) : nullptr;
+}
+
+std::optional<std::string> firstMissing(const std::vector<std::string>& programs) {
+    const auto missing = std::ranges::find_if_not(programs, isInstalled);
+    return missing == programs.end() ? std::nullopt : std::optional(*missing);
+}
+
+} // namespace wegslot
