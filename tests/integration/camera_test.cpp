@@ -171,6 +171,7 @@ TEST_F(PipeWireCamerasTest, ADaemonThatDiesIsNotThereAndIsFoundWhenItIsBack) {
     const auto viewer = look("cam");
     ASSERT_EQ(soon(), true);
     daemon->signal(SIGKILL);
+    ASSERT_TRUE(daemon->ended()); // one that is dying still takes connections
     EXPECT_TRUE(loop->runUntil([this] { return !cameras->isThere(); }));
     EXPECT_EQ(cameras->inUse(), std::nullopt);
     loop->time.advance(PipeWireCameras::betweenAttempts); // in vain

@@ -20,9 +20,9 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
       waylandIdle(displayEnvironment(), clock, scheduler, descriptors),
       x11Idle(displayEnvironment(), scheduler),
       pipeWireCameras(descriptors, scheduler),
-      microphone(scheduler, ApplicationNames(ApplicationNames::dataFolders(
-                                folders::home(), folders::variable("XDG_DATA_HOME"),
-                                folders::variable("XDG_DATA_DIRS")))),
+      applicationNames(ApplicationNames::dataFolders(
+          folders::home(), folders::variable("XDG_DATA_HOME"), folders::variable("XDG_DATA_DIRS"))),
+      microphone(scheduler, applicationNames),
       activity({&mutterIdle, &waylandIdle, &x11Idle}, {&pipeWireCameras, &captureDevices},
                {&microphone}),
       logindLock(session),

@@ -14,6 +14,7 @@
 #include "platform/linux/linux_processes.h"
 #include "platform/linux/login_session.h"
 #include "platform/linux/logind_lock.h"
+#include "platform/linux/media/application_names.h"
 #include "platform/linux/media/capture_devices.h"
 #include "platform/linux/media/pipewire_cameras.h"
 #include "platform/linux/media/pulse_microphone.h"
@@ -46,6 +47,7 @@ struct RealWorld {
     X11Idle x11Idle;
     PipeWireCameras pipeWireCameras;
     CaptureDevices captureDevices;
+    ApplicationNames applicationNames;
     PulseMicrophone microphone;
     ActivitySources activity;
     LogindLock logindLock;
