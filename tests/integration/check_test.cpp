@@ -3,6 +3,7 @@
 
 #include "model/preferences_file.h"
 #include "scanner/bluez/device_id.h"
+#include "tests/integration/media_servers.h"
 #include "tests/support/gnome_desktop.h"
 #include "tests/support/headless_sway.h"
 #include "tests/support/look_alike_bluez.h"
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 
 using namespace wegslot;
@@ -245,6 +247,54 @@ TEST_F(CheckOnSwayTest, ALockCommandThatIsNoListIsNamedAndAnInstalledLockerUsed)
     EXPECT_EQ(status, 0);
     EXPECT_EQ(named(all, "lock").at("text"),
               "swaylock; lockCommand in de voorkeuren is geen lijst van woorden");
+}
+
+TEST_F(CheckWithRadioTest, OnX11TheServerTellsWhoTypesAndI3lockLocks) {
+    for (const char* const program : {"Xvfb", "i3lock"})
+        if (!isInstalled(program)) GTEST_SKIP() << program << " is not installed";
+    Program server({.words = {"Xvfb", "-displayfd", "1", "-noreset"}});
+    ASSERT_TRUE(becomesTrue([&] { return server.output().ends_with('\n'); })) << server.output();
+    environment["DISPLAY"] = ":" + server.output().substr(0, server.output().find('\n'));
+    const Json all = report({"--lock"});
+    EXPECT_EQ(status, 0) << output;
+    EXPECT_EQ(found(all, "idle"), Names{"X11"});
+    EXPECT_EQ(found(all, "lock"), Names{"i3lock"});
+    EXPECT_EQ(all.at("lock").at("by"), "process");
+    Program unlock({.words = {"pkill", "i3lock"}});
+    EXPECT_EQ(unlock.ended(), 0);
+}
+
+TEST_F(CheckWithRadioTest, WhoRecordsIsNamedOnPulseAudioAndOnPipeWire) {
+    std::vector<std::unique_ptr<SoundServer>> servers;
+    servers.push_back(std::make_unique<PulseAudioServer>());
+    servers.push_back(std::make_unique<PipeWireSoundServer>());
+    for (const auto& server : servers) {
+        if (const auto missing = firstMissing(server->needs()))
+            GTEST_SKIP() << *missing << " is not installed";
+        const MediaSession session;
+        environment["XDG_RUNTIME_DIR"] = std::getenv("XDG_RUNTIME_DIR");
+        EXPECT_FALSE(works(report(), "microphone"));
+        ASSERT_TRUE(server->start());
+        EXPECT_EQ(named(report(), "microphone").at("text"), "PulseAudio; niet in gebruik");
+        Program recorder({.words = {"parecord", "--device=mic", "/dev/null"}});
+        ASSERT_TRUE(becomesTrue([] {
+            return !MediaSession::run({"pactl", "list", "short", "source-outputs"})
+                        .value_or("")
+                        .empty();
+        }));
+        EXPECT_EQ(named(report(), "microphone").at("text"), "PulseAudio; in gebruik door pacat");
+    }
+}
+
+TEST_F(CheckWithRadioTest, CamerasAreSeenThroughPipeWireWhereItRuns) {
+    if (const auto missing = firstMissing({"pipewire", "pw-cli"}))
+        GTEST_SKIP() << *missing << " is not installed";
+    const MediaSession session;
+    environment["XDG_RUNTIME_DIR"] = std::getenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(found(report(), "camera"), Names{"V4L2"});
+    const auto daemon = startPipeWire();
+    ASSERT_TRUE(daemon);
+    EXPECT_EQ(found(report(), "camera"), (Names{"PipeWire", "V4L2"}));
 }
 
 TEST_F(CheckWithRadioTest, OnGnomeTheShellLocksAndLogindsHintProvesIt) {
