@@ -86,6 +86,7 @@ private:
         std::map<std::string, bool> there{{"org.gnome.Shell.ScreenShield", false},
                                           {"org.gnome.Mutter.IdleMonitor", false}};
         std::vector<Subscription> owners;
+        owners.reserve(there.size());
         for (auto& [name, is] : there)
             owners.push_back(
                 bus->followOwner(name, [&is = is](const auto& owner) { is = owner.has_value(); }));

@@ -1,10 +1,9 @@
 #include "platform/linux/linux_processes.h"
 
 #include "base/text.h"
+#include "platform/linux/process_table.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -23,54 +22,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t longestName = 15; // TASK_COMM_LEN without its end
-
-/// What a file of /proc says, its first kilobytes at most; empty when it has gone.
-std::string contentOf(const fs::path& file) {
-    const int handle = open(file.c_str(), O_RDONLY | O_CLOEXEC);
-    if (handle < 0) return {};
-    std::array<char, 8192> bytes; // NOLINT: filled by read
-    const auto count = read(handle, bytes.data(), bytes.size());
-    close(handle);
-    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
-}
-
-std::string nameOf(const fs::path& process) {
-    std::string name = contentOf(process / "comm");
-    if (name.ends_with('\n')) name.pop_back();
-    return name;
-}
-
-/// Who started it, whatever rights it has taken since; nothing when it has ended.
-std::optional<uid_t> userOf(const fs::path& process) {
-    const std::string status = contentOf(process / "status");
-    constexpr std::string_view label = "\nUid:\t";
-    const auto at = status.find(label);
-    if (at == std::string::npos) return std::nullopt;
-    uid_t user = 0;
-    const char* const digits = status.data() + at + label.size();
-    const auto [end, error] = std::from_chars(digits, status.data() + status.size(), user);
-    if (error != std::errc()) return std::nullopt;
-    // A process that has ended and was not reaped holds no screen.
-    if (status.find("\nState:\tZ") != std::string::npos) return std::nullopt;
-    return user;
-}
-
-std::vector<std::string> wordsOf(const fs::path& process) {
-    const std::string line = contentOf(process / "cmdline");
-    std::vector<std::string> words;
-    for (std::size_t start = 0; start < line.size();) {
-        const auto end = std::min(line.find('\0', start), line.size());
-        words.push_back(line.substr(start, end - start));
-        start = end + 1;
-    }
-    return words;
-}
-
 bool matches(const fs::path& process, const std::string& name, const ProcessPattern& pattern) {
-    if (name != pattern.name.substr(0, longestName)) return false;
+    if (name != pattern.name.substr(0, process_table::longestName)) return false;
     if (!pattern.arguments) return true;
-    const auto words = wordsOf(process);
+    const auto words = process_table::wordsOf(process);
     const auto& expected = *pattern.arguments;
     // At the end: a script has its interpreter in front.
     return words.size() > expected.size() &&
@@ -123,18 +78,13 @@ private:
 
 std::vector<ProcessId> LinuxProcesses::running(const std::vector<ProcessPattern>& patterns) {
     std::vector<ProcessId> found;
-    std::error_code error;
-    for (fs::directory_iterator entry(proc_, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string number = entry->path().filename().string();
-        int process = 0;
-        const auto parsed = std::from_chars(number.data(), number.data() + number.size(), process);
-        if (parsed.ec != std::errc() || parsed.ptr != number.data() + number.size()) continue;
-        const std::string name = nameOf(entry->path());
+    for (const pid_t number : process_table::processes(proc_)) {
+        const fs::path process = proc_ / std::to_string(number);
+        const std::string name = process_table::nameOf(process);
         const bool wanted = std::ranges::any_of(patterns, [&](const ProcessPattern& pattern) {
-            return matches(entry->path(), name, pattern);
+            return matches(process, name, pattern);
         });
-        if (wanted && userOf(entry->path()) == user_) found.push_back({process});
+        if (wanted && process_table::userOf(process) == user_) found.push_back({number});
     }
     return found;
 }

@@ -1,8 +1,9 @@
 #include "platform/linux/media/capture_devices.h"
 
+#include "platform/linux/process_table.h"
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <fstream>
 #include <memory>
 #include <optional>
@@ -63,14 +64,6 @@ std::optional<std::string> firstLineWith(const fs::path& file, std::string_view 
     return std::nullopt;
 }
 
-/// The first of the four user ids in a status line: the real one.
-bool isFirstId(std::string_view ids, uid_t wanted) {
-    ids.remove_prefix(std::min(ids.find_first_not_of(" \t"), ids.size()));
-    uid_t user = 0;
-    const auto read = std::from_chars(ids.data(), ids.data() + ids.size(), user);
-    return read.ec == std::errc() && user == wanted;
-}
-
 } // namespace
 
 CaptureDevices::CaptureDevices() : CaptureDevices(World{.user = getuid(), .self = getpid()}) {}
@@ -79,11 +72,10 @@ bool CaptureDevices::isThere() const { return access(world_.processes.c_str(), R
 
 std::optional<bool> CaptureDevices::inUse() {
     if (!hasDevices()) return false;
-    const Folder processes(world_.processes);
-    if (!processes.isOpen()) return std::nullopt;
-    const auto self = std::to_string(world_.self);
-    while (const char* const process = processes.next())
-        if (isNumber(process) && process != self && usesCamera(process)) return true;
+    if (!isThere()) return std::nullopt;
+    for (const pid_t process : process_table::processes(world_.processes))
+        if (process != world_.self && usesCamera(world_.processes / std::to_string(process)))
+            return true;
     return false;
 }
 
@@ -94,9 +86,9 @@ bool CaptureDevices::hasDevices() const {
     return false;
 }
 
-bool CaptureDevices::usesCamera(const std::string& process) const {
+bool CaptureDevices::usesCamera(const fs::path& process) const {
     // Another user's process refuses, and one that has ended is gone: both hold nothing then.
-    Folder open(world_.processes / process / "fd");
+    Folder open(process / "fd");
     const auto prefix = world_.devices.string() + "/";
     while (const char* const file = open.next()) {
         auto target = open.linkTarget(file);
@@ -107,11 +99,10 @@ bool CaptureDevices::usesCamera(const std::string& process) const {
     return false;
 }
 
-bool CaptureDevices::counts(const std::string& process) const {
-    const auto users = firstLineWith(world_.processes / process / "status", "Uid:");
-    if (!users || !isFirstId(*users, world_.user)) return false;
-    const auto program = firstLineWith(world_.processes / process / "comm", "");
-    return program && std::ranges::find(servers, *program) == servers.end();
+bool CaptureDevices::counts(const fs::path& process) const {
+    const std::string name = process_table::nameOf(process); // empty: it has just ended
+    return !name.empty() && process_table::userOf(process) == world_.user &&
+           std::ranges::find(servers, name) == servers.end();
 }
 
 bool CaptureDevices::captures(const std::string& device) const {

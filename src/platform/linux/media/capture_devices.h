@@ -34,8 +34,8 @@ public:
 
 private:
     [[nodiscard]] bool hasDevices() const;
-    [[nodiscard]] bool usesCamera(const std::string& process) const;
-    [[nodiscard]] bool counts(const std::string& process) const;
+    [[nodiscard]] bool usesCamera(const std::filesystem::path& process) const;
+    [[nodiscard]] bool counts(const std::filesystem::path& process) const;
     [[nodiscard]] bool captures(const std::string& device) const;
 
     World world_;

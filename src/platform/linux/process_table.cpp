@@ -1,0 +1,71 @@
+#include "platform/linux/process_table.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace wegslot::process_table {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What a file of a process says, its first kilobytes at most; empty when it has gone.
+std::string contentOf(const fs::path& file) {
+    const int handle = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (handle < 0) return {};
+    std::array<char, 8192> bytes; // NOLINT: filled by read
+    const auto count = read(handle, bytes.data(), bytes.size());
+    close(handle);
+    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
+}
+
+} // namespace
+
+std::vector<pid_t> processes(const fs::path& table) {
+    std::vector<pid_t> found;
+    std::error_code error;
+    for (fs::directory_iterator entry(table, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        pid_t process = 0;
+        const auto parsed = std::from_chars(name.data(), name.data() + name.size(), process);
+        if (parsed.ec == std::errc() && parsed.ptr == name.data() + name.size())
+            found.push_back(process);
+    }
+    return found;
+}
+
+std::string nameOf(const fs::path& process) {
+    std::string name = contentOf(process / "comm");
+    if (name.ends_with('\n')) name.pop_back();
+    return name;
+}
+
+std::optional<uid_t> userOf(const fs::path& process) {
+    const std::string status = contentOf(process / "status");
+    constexpr std::string_view label = "\nUid:\t";
+    const auto at = status.find(label);
+    if (at == std::string::npos || status.find("\nState:\tZ") != std::string::npos)
+        return std::nullopt;
+    uid_t user = 0;
+    const char* const digits = status.data() + at + label.size(); // the real one is the first
+    const auto [end, error] = std::from_chars(digits, status.data() + status.size(), user);
+    return error == std::errc() ? std::optional(user) : std::nullopt;
+}
+
+std::vector<std::string> wordsOf(const fs::path& process) {
+    const std::string line = contentOf(process / "cmdline");
+    std::vector<std::string> words;
+    for (std::size_t start = 0; start < line.size();) {
+        const auto end = std::min(line.find('\0', start), line.size());
+        words.push_back(line.substr(start, end - start));
+        start = end + 1;
+    }
+    return words;
+}
+
+} // namespace wegslot::process_table
