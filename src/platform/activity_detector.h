@@ -28,14 +28,4 @@ public:
     [[nodiscard]] virtual std::optional<std::string> microphoneUser() = 0;
 };
 
-/// Answers neutrally: for a desktop whose activity cannot be observed.
-class UnknownActivity final : public ActivityDetector {
-public:
-    [[nodiscard]] Seconds idleSeconds() override { return unknownIdle; }
-
-    [[nodiscard]] bool cameraInUse() override { return false; }
-
-    [[nodiscard]] std::optional<std::string> microphoneUser() override { return std::nullopt; }
-};
-
 } // namespace wegslot

@@ -52,10 +52,3 @@ TEST(RecordedLock, ReportsEachRequest) {
     lock.lock();
     EXPECT_EQ(requests, 2);
 }
-
-TEST(UnknownActivity, AnswersNeutrally) {
-    UnknownActivity activity;
-    EXPECT_EQ(activity.idleSeconds(), ActivityDetector::unknownIdle);
-    EXPECT_FALSE(activity.cameraInUse());
-    EXPECT_EQ(activity.microphoneUser(), std::nullopt);
-}

@@ -256,7 +256,12 @@ bool PulseMicrophone::isThere() const { return server_->isReady(); }
 std::optional<MicrophoneSource::Use> PulseMicrophone::use() {
     const auto streams = server_->streams();
     if (!streams) return std::nullopt;
-    return Use{firstUser(*streams, [this](const std::string& id) { return names_.nameOf(id); })};
+    return Use{firstUser(*streams, [this](const std::string& id) {
+        // Looking a name up reads every desktop entry, and a call asks for the same one each
+        // second.
+        if (named_.first != id) named_ = {id, names_.nameOf(id)};
+        return named_.second;
+    })};
 }
 
 } // namespace wegslot

@@ -9,6 +9,8 @@
 #include "platform/linux/media/application_names.h"
 
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace wegslot {
 
@@ -32,6 +34,7 @@ private:
     class Server;
 
     const ApplicationNames& names_;
+    std::pair<std::string, std::string> named_; ///< the identifier asked for last, and its name
     std::unique_ptr<Server> server_;
     Timer attempts_;
 };
