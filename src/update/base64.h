@@ -1,0 +1,15 @@
+// Base64 as keys and signatures are written (RFC 4648, section 4), read strictly: no line breaks,
+// no blanks, whole padding, and no bits left over. There is one way to write each value.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace wegslot {
+
+/// Nothing for what is not strict base64.
+[[nodiscard]] std::optional<std::vector<std::uint8_t>> decodeBase64(std::string_view text);
+
+} // namespace wegslot
