@@ -19,11 +19,11 @@ public:
     running(const std::vector<ProcessPattern>& patterns) override {
         ++looks;
         std::vector<ProcessId> found;
-        for (const auto& [process, words] : alive_)
-            if (std::ranges::any_of(patterns, [&](const ProcessPattern& pattern) {
-                    return matches(words, pattern);
+        for (const auto& entry : alive_)
+            if (std::ranges::any_of(patterns, [&entry](const ProcessPattern& pattern) {
+                    return matches(entry.second, pattern);
                 }))
-                found.push_back(process);
+                found.push_back(entry.first);
         return found;
     }
 
