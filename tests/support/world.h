@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -122,7 +123,11 @@ public:
     ReplayedSession session;
     ReplayedActivity activity{time};
     int locks = 0;
-    RecordedLock lock{[this] { ++locks; }};
+    std::function<void()> onLock; ///< told of each request, too
+    RecordedLock lock{[this] {
+        ++locks;
+        if (onLock) onLock();
+    }};
     std::optional<Warning> warning; ///< the panel that is showing
     std::vector<std::string> calls; ///< "connect 7": operation and last byte of the id
     std::optional<AppModel> model;
