@@ -1,6 +1,7 @@
 #include "app/demo.h"
 
 #include "base/text.h"
+#include "hud/joint_hud.h"
 
 #include <utility>
 
@@ -18,7 +19,8 @@ const KeyDevice& phone() {
 
 } // namespace
 
-Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done)
+Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done,
+           std::unique_ptr<WarningHUD> hud)
     : clock_(clock),
       start_(clock.now()),
       print_(std::move(print)),
@@ -27,11 +29,14 @@ Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::funct
       model_({store_,
               central_,
               {clock, scheduler, session_, activity_, lock_},
-              [this] {
-                  return std::make_unique<RecordedHud>([this](const Warning* shown) {
+              [this, &hud] { // asked for below, at once
+                  JointHud::Parts parts;
+                  parts.push_back(std::make_unique<RecordedHud>([this](const Warning* shown) {
                       tell(shown == nullptr ? "   (het waarschuwingspaneel gaat weg)"
                                             : "   (het waarschuwingspaneel verschijnt)");
-                  });
+                  }));
+                  parts.push_back(std::move(hud));
+                  return std::make_unique<JointHud>(std::move(parts));
               }}),
       logBefore_(Log::setDestination(this)),
       script_(scheduler) {

@@ -1,22 +1,26 @@
 // The application on a built-in radio and session: one departure and one return, played in real
-// time, every phase and log line printed. Touches no radio, no screen and no file.
+// time, every phase and log line printed. Touches no radio and no file; the warning may be shown.
 #pragma once
 
 #include "app/app_model.h"
 #include "app/key_commands.h"
 #include "base/delayed_calls.h"
+#include "hud/warning_hud.h"
 #include "model/log.h"
 #include "replay/replayed_central.h"
 #include "replay/replayed_platform.h"
 
 #include <functional>
+#include <memory>
 
 namespace wegslot {
 
 class Demo final : private LogDestination {
 public:
     /// `done` is called once, at the end of the story.
-    Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done);
+    /// `hud` shows the warnings, which are printed too.
+    Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::function<void()> done,
+         std::unique_ptr<WarningHUD> hud);
     ~Demo() override;
 
 private:

@@ -1,5 +1,6 @@
 #include "app/demo.h"
 
+#include "hud/hidden_hud.h"
 #include "tests/support/world.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ TEST(Demo, PlaysOneDepartureAndReturnWithinFortySeconds) {
     {
         const Demo demo(
             time, time, [&](std::string_view line) { lines.emplace_back(line); },
-            [&] { done = true; });
+            [&] { done = true; }, std::make_unique<HiddenHud>());
         time.advance(40s);
     }
     EXPECT_TRUE(done);

@@ -21,15 +21,23 @@ struct Append {
     Writer& writer;
 
     void operator()(bool value) const { writer.boolean(value); }
+    void operator()(std::uint8_t value) const { writer.byte(value); }
+    void operator()(std::int32_t value) const { writer.int32(value); }
     void operator()(std::uint32_t value) const { writer.uint32(value); }
     void operator()(std::int16_t value) const { writer.int16(value); }
     void operator()(const std::string& value) const { writer.text(value); }
     void operator()(const ObjectPath& path) const { writer.path(path.text); }
+    void operator()(const std::vector<std::string>& values) const {
+        writer.array("s", [&values](Writer& list) {
+            for (const std::string& value : values)
+                list.text(value);
+        });
+    }
     void operator()(const Dictionary& dictionary) const {
         writer.array("{sv}", [&dictionary](Writer& entries) {
             for (const auto& [name, value] : dictionary)
                 entries.entry("sv", [&name = name, &value = value](Writer& entry) {
-                    constexpr std::array signatures{"b", "n", "s"};
+                    constexpr std::array signatures{"b", "y", "n", "s"};
                     entry.text(name);
                     entry.variant(signatures.at(value.index()), [&value](Writer& content) {
                         std::visit(Append{content}, value);

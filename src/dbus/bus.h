@@ -23,12 +23,13 @@ struct sd_bus;
 namespace wegslot::dbus {
 
 /// One argument of a call.
-using Dictionary =
-    std::vector<std::pair<std::string, std::variant<bool, std::int16_t, std::string>>>;
+using Dictionary = std::vector<
+    std::pair<std::string, std::variant<bool, std::uint8_t, std::int16_t, std::string>>>;
 struct ObjectPath {
     std::string text;
 };
-using Argument = std::variant<bool, std::uint32_t, std::string, ObjectPath, Dictionary>;
+using Argument = std::variant<bool, std::int32_t, std::uint32_t, std::string, ObjectPath,
+                              std::vector<std::string>, Dictionary>;
 
 struct Call {
     std::string destination;

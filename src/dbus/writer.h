@@ -23,6 +23,7 @@ public:
     void boolean(bool value);
     void byte(std::uint8_t value);
     void int16(std::int16_t value);
+    void int32(std::int32_t value);
     void uint32(std::uint32_t value);
     void bytes(std::span<const std::uint8_t> value);
 

@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <systemd/sd-bus.h>
 
@@ -25,8 +27,10 @@ public:
         return error ? "there is no /run/systemd/seats, nor may it be made" : "";
     }
 
-    explicit GnomeDesktop(BusLoop& loop)
+    /// `options`: more of them for gnome-shell.
+    explicit GnomeDesktop(BusLoop& loop, std::vector<std::string> options = {})
         : loop_(loop),
+          options_(std::move(options)),
           logind(loop),
           displays_(loop, "org.gnome.DisplayManager"),
           accounts_(loop, "org.freedesktop.Accounts") {
@@ -78,9 +82,10 @@ private:
     [[nodiscard]] bool startsOnce() {
         const auto listeners = timesSaid("Inhibit \"sleep\"");
         shell_.reset();
-        shell_.emplace(Program::Start{
-            .words = {"gnome-shell", "--headless", "--wayland", "--virtual-monitor", "800x600"},
-            .environment = variables()});
+        std::vector<std::string> words{"gnome-shell", "--headless", "--wayland",
+                                       "--virtual-monitor", "800x600"};
+        words.insert(words.end(), options_.begin(), options_.end());
+        shell_.emplace(Program::Start{.words = std::move(words), .environment = variables()});
         const auto bus = loop_.connect();
         const auto attached = loop_.attach(*bus);
         std::map<std::string, bool> there{{"org.gnome.Shell.ScreenShield", false},
@@ -111,6 +116,7 @@ private:
     }
 
     BusLoop& loop_;
+    std::vector<std::string> options_;
 
 public:
     MockedLogind logind;

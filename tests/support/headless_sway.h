@@ -11,7 +11,10 @@ namespace wegslot {
 
 class HeadlessSway {
 public:
-    explicit HeadlessSway(const RuntimeFolder& folder) : program_(start(folder)) {
+    /// `configuration`: what is not to be as sway has it.
+    explicit HeadlessSway(const RuntimeFolder& folder,
+                          const std::string& configuration = "xwayland disable\n")
+        : program_(start(folder, configuration)) {
         const std::string socket = folder.path() + "/" + socketName;
         isListening =
             becomesTrue([&] {
@@ -26,10 +29,10 @@ public:
     [[nodiscard]] Program& program() { return program_; }
 
 private:
-    static Program::Start start(const RuntimeFolder& folder) {
-        const std::string configuration = folder.path() + "/config";
-        std::ofstream(configuration) << "xwayland disable\n";
-        return {.words = {"sway", "-c", configuration},
+    static Program::Start start(const RuntimeFolder& folder, const std::string& configuration) {
+        const std::string file = folder.path() + "/config";
+        std::ofstream(file) << configuration;
+        return {.words = {"sway", "-c", file},
                 .environment = {{"XDG_RUNTIME_DIR", folder.path()},
                                 {"HOME", folder.path()},
                                 {"WAYLAND_DISPLAY", ""},

@@ -6,10 +6,15 @@
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
 #include "app/qt/check.h"
+#include "app/qt/display.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/real_world.h"
 #include "app/qt/termination.h"
 #include "hud/hidden_hud.h"
+#include "hud/joint_hud.h"
+#include "hud/linux/warning_notification.h"
+#include "hud/linux/warning_sound.h"
+#include "hud/qt/qt_warning_hud.h"
 #include "model/file_log.h"
 #include "model/lock_command.h"
 #include "model/log.h"
@@ -17,6 +22,7 @@
 #include "platform/linux/system_clock.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 
 #include <clocale>
 #include <cstdio>
@@ -25,6 +31,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <unistd.h>
@@ -83,9 +90,28 @@ LockCommand ownLockCommand(const PreferencesStore& preferences) {
     return {};
 }
 
+/// For commands that watch the keys and warn nobody.
 AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
     return {preferences, world.central, world.platform,
             [] { return std::make_unique<HiddenHud>(); }};
+}
+
+std::unique_ptr<WarningHUD> panelWithSound(const Clock& clock, Scheduler& scheduler) {
+    if (!hasDisplay(displayEnvironment())) return std::make_unique<HiddenHud>();
+    JointHud::Parts parts;
+    parts.push_back(std::make_unique<QtWarningHud>(clock, scheduler));
+    parts.push_back(std::make_unique<WarningSound>());
+    return std::make_unique<JointHud>(std::move(parts));
+}
+
+/// Where the panel may be covered by another window, or not be there at all, a notification too.
+std::unique_ptr<WarningHUD> warning(RealWorld& world, const Clock& clock, Scheduler& scheduler) {
+    auto panel = panelWithSound(clock, scheduler);
+    if (placesWindows() || !hasDisplay(displayEnvironment())) return panel;
+    JointHud::Parts parts;
+    parts.push_back(std::move(panel));
+    parts.push_back(std::make_unique<WarningNotification>(world.sessionBus));
+    return std::make_unique<JointHud>(std::move(parts));
 }
 
 // Each command on the running loop.
@@ -96,12 +122,15 @@ struct Execute {
 
     int operator()(const command::Run&) const {
         RealWorld world(scheduler, clock, ownLockCommand(preferences));
-        AppModel model(around(preferences, world));
+        AppModel model({preferences, world.central, world.platform,
+                        [this, &world] { return warning(world, clock, scheduler); }});
         static_cast<void>(model.monitor());
         return QCoreApplication::exec();
     }
     int operator()(const command::Demo&) const {
-        const Demo demo(scheduler, clock, printLine, [] { QCoreApplication::quit(); });
+        const Demo demo(
+            scheduler, clock, printLine, [] { QCoreApplication::quit(); },
+            panelWithSound(clock, scheduler));
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
@@ -143,20 +172,30 @@ struct Execute {
     int operator()(const auto&) const { return EXIT_SUCCESS; }
 };
 
+/// What was to be deleted by the event loop is so now that there is none any more.
+int ended(int status) {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return status;
+}
+
 } // namespace
 
 int runApplication(const Command& command, int& argc, char** argv) {
-    QCoreApplication application(argc, argv);
+    const Termination termination;
+    const bool hasWindows = std::holds_alternative<command::Run>(command) ||
+                            std::holds_alternative<command::Demo>(command);
+    const auto application = hasWindows ? windowedApplication(argc, argv)
+                                        : std::make_unique<QCoreApplication>(argc, argv);
     // Qt takes over the user's locale; numbers in files and on buses know only the point.
     std::setlocale(LC_NUMERIC, "C");
     QCoreApplication::setApplicationName("wegslot");
-    const Termination termination;
+    const auto watching = termination.watch();
     QtScheduler scheduler;
     const SystemClock clock;
 
     if (std::holds_alternative<command::Demo>(command)) {
         MemoryStore nothing;
-        return Execute{scheduler, clock, nothing}(command::Demo{});
+        return ended(Execute{scheduler, clock, nothing}(command::Demo{}));
     }
 
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
@@ -176,7 +215,7 @@ int runApplication(const Command& command, int& argc, char** argv) {
         log = std::make_unique<TeeLog>(logPath, clock);
     }
     PreferencesFile preferences(preferencesPath, scheduler);
-    return std::visit(Execute{scheduler, clock, preferences}, command);
+    return ended(std::visit(Execute{scheduler, clock, preferences}, command));
 }
 
 } // namespace wegslot

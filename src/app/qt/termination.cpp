@@ -16,14 +16,15 @@ Termination::Termination() {
         sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     handle_ = signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
-    notifier_ = std::make_unique<QSocketNotifier>(handle_, QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, QCoreApplication::instance(),
-                     [] { QCoreApplication::quit(); });
 }
 
-Termination::~Termination() {
-    notifier_.reset();
-    close(handle_);
+std::unique_ptr<QSocketNotifier> Termination::watch() const {
+    auto notifier = std::make_unique<QSocketNotifier>(handle_, QSocketNotifier::Read);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(),
+                     [] { QCoreApplication::quit(); });
+    return notifier;
 }
+
+Termination::~Termination() { close(handle_); }
 
 } // namespace wegslot

@@ -10,15 +10,19 @@ namespace wegslot {
 
 class Termination {
 public:
-    /// Blocks the signals in this thread and in those it starts from here on; make it first.
+    /// Blocks the signals in this thread and in those it starts from here on: make it before
+    /// Qt's application object, which may start some.
     Termination();
     Termination(const Termination&) = delete;
     Termination& operator=(const Termination&) = delete;
     ~Termination();
 
+    /// The signals end the event loop for as long as what this gives lives. Needs the application
+    /// object.
+    [[nodiscard]] std::unique_ptr<QSocketNotifier> watch() const;
+
 private:
     int handle_;
-    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 } // namespace wegslot

@@ -1,0 +1,34 @@
+// Several ways to warn at once, taken for one: a panel, a sound, a notification. Each may report
+// the cancel; which of them did is not told.
+#pragma once
+
+#include "hud/warning_hud.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace wegslot {
+
+class JointHud final : public WarningHUD {
+public:
+    using Parts = std::vector<std::unique_ptr<WarningHUD>>;
+
+    explicit JointHud(Parts parts) : parts_(std::move(parts)) {}
+
+    void show(TimePoint deadline, Seconds total, const std::string& message,
+              std::function<void()> onCancel) override {
+        for (const auto& part : parts_)
+            part->show(deadline, total, message, onCancel);
+    }
+
+    void hide() override {
+        for (const auto& part : parts_)
+            part->hide();
+    }
+
+private:
+    Parts parts_;
+};
+
+} // namespace wegslot

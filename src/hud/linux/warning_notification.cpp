@@ -1,0 +1,147 @@
+#include "hud/linux/warning_notification.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+constexpr auto service = "org.freedesktop.Notifications";
+constexpr auto path = "/org/freedesktop/Notifications";
+constexpr auto cancelAction = "ik-ben-er-nog";
+constexpr std::uint8_t critical = 2;
+constexpr std::int32_t untilClosed = 0;
+
+dbus::Call callTo(const char* member, std::vector<dbus::Argument> arguments) {
+    return {.destination = service,
+            .path = path,
+            .interface = service,
+            .member = member,
+            .arguments = std::move(arguments),
+            .autoStart = true}; // those of small desktops are started by the first notification
+}
+
+/// Names of devices are anybody's; in a text with markup their signs must stay signs.
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char sign : text) {
+        if (sign == '&')
+            result += "&amp;";
+        else if (sign == '<')
+            result += "&lt;";
+        else if (sign == '>')
+            result += "&gt;";
+        else
+            result += sign;
+    }
+    return result;
+}
+
+std::uint32_t number(std::optional<std::int64_t> value) {
+    return value && std::in_range<std::uint32_t>(*value) ? static_cast<std::uint32_t>(*value) : 0;
+}
+
+} // namespace
+
+struct WarningNotification::Notification {
+    std::string message;
+    std::function<void()> onCancel;
+    bool asked = false;              ///< whether the desktop was asked to show it
+    std::optional<std::uint32_t> id; ///< once the desktop has said
+    Subscription answer;             ///< to the question that is out
+};
+
+WarningNotification::WarningNotification(dbus::Connection& session) {
+    following_ = session.bus().follow([this](dbus::Bus* bus) {
+        // With the bus went who showed it, or at least who would tell us.
+        signals_.clear();
+        leaving_.clear();
+        current_.reset();
+        bus_ = bus;
+        if (bus_ != nullptr) listen();
+    });
+}
+
+WarningNotification::~WarningNotification() { hide(); }
+
+void WarningNotification::listen() {
+    const std::string rule = std::string("sender='") + service + "',interface='" + service +
+                             "',path='" + path + "',member='";
+    signals_.push_back(bus_->onSignal(rule + "ActionInvoked'", [this](const dbus::Message& signal) {
+        dbus::Reader reader = signal.read();
+        const auto id = number(reader.integer());
+        if (!current_ || current_->id != id || reader.text() != cancelAction) return;
+        // A copy: the call may end this notification.
+        if (const auto onCancel = current_->onCancel) onCancel();
+    }));
+    signals_.push_back(
+        bus_->onSignal(rule + "NotificationClosed'", [this](const dbus::Message& signal) {
+            const auto id = number(signal.read().integer());
+            if (current_ && current_->id == id) current_.reset(); // a new one may get its number
+        }));
+}
+
+void WarningNotification::show(TimePoint, Seconds, const std::string& message,
+                               std::function<void()> onCancel) {
+    hide();
+    if (bus_ == nullptr) return;
+    current_ = std::make_shared<Notification>();
+    current_->message = message;
+    current_->onCancel = std::move(onCancel);
+    ask(current_);
+}
+
+void WarningNotification::ask(const std::shared_ptr<Notification>& notification) {
+    notification->answer = bus_->call(
+        callTo("GetCapabilities", {}),
+        [this, held = std::weak_ptr(notification)](const dbus::Message& answer) {
+            const auto asked = held.lock();
+            if (!asked || asked != current_ || answer.error()) return;
+            const auto capabilities = answer.read().texts();
+            notify(asked, std::ranges::find(capabilities, "body-markup") != capabilities.end());
+        });
+}
+
+void WarningNotification::notify(const std::shared_ptr<Notification>& notification, bool asMarkup) {
+    const std::string& message = notification->message;
+    notification->asked = true;
+    const dbus::Dictionary hints{
+        {"urgency", critical},
+        {"transient", true},      // not to be found in a list of what was missed
+        {"suppress-sound", true}, // the warning has its own
+        {"desktop-entry", std::string("nl.wegslot.Wegslot")}};
+    const std::vector<std::string> actions{cancelAction, "Ik ben er nog"};
+    notification->answer = bus_->call(
+        callTo("Notify", {std::string("Wegslot"), std::uint32_t{0},
+                          std::string("nl.wegslot.Wegslot"), std::string("Je Mac lockt zo"),
+                          asMarkup ? escaped(message) : message, actions, hints, untilClosed}),
+        [this, held = std::weak_ptr(notification)](const dbus::Message& answer) {
+            if (const auto asked = held.lock())
+                shown(asked, answer.error() ? 0 : number(answer.read().integer()));
+        });
+}
+
+void WarningNotification::shown(const std::shared_ptr<Notification>& notification,
+                                std::uint32_t id) {
+    const bool isWanted = notification == current_;
+    if (isWanted && id != 0) {
+        current_->id = id;
+        return;
+    }
+    if (isWanted) current_.reset();
+    if (id != 0) close(id);
+    std::erase(leaving_, notification);
+}
+
+void WarningNotification::hide() {
+    const auto notification = std::exchange(current_, nullptr);
+    if (!notification || bus_ == nullptr) return;
+    notification->onCancel = nullptr;
+    if (notification->id) return close(*notification->id);
+    if (notification->asked) leaving_.push_back(notification);
+}
+
+void WarningNotification::close(std::uint32_t id) { bus_->send(callTo("CloseNotification", {id})); }
+
+} // namespace wegslot

@@ -1,0 +1,42 @@
+// The warning as a notification of the desktop, with the cancel as its action: for where Wegslot
+// cannot put a window where it is seen. It has no countdown; it comes and goes with the warning.
+#pragma once
+
+#include "dbus/connection.h"
+#include "hud/warning_hud.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace wegslot {
+
+class WarningNotification final : public WarningHUD {
+public:
+    /// `session`: the bus of the user's session; must outlive this.
+    explicit WarningNotification(dbus::Connection& session);
+    ~WarningNotification() override;
+
+    void show(TimePoint deadline, Seconds total, const std::string& message,
+              std::function<void()> onCancel) override;
+    void hide() override;
+
+private:
+    struct Notification;
+
+    void listen();
+    void ask(const std::shared_ptr<Notification>& notification);
+    void notify(const std::shared_ptr<Notification>& notification, bool asMarkup);
+    void shown(const std::shared_ptr<Notification>& notification, std::uint32_t id);
+    void close(std::uint32_t id);
+
+    dbus::Bus* bus_ = nullptr;
+    std::shared_ptr<Notification> current_;
+    /// Hidden before the desktop said under which number they are shown.
+    std::vector<std::shared_ptr<Notification>> leaving_;
+    std::vector<Subscription> signals_;
+    Subscription following_;
+};
+
+} // namespace wegslot

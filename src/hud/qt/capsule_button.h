@@ -1,0 +1,16 @@
+// The one button of the warning. To a screen reader it is an ordinary button.
+#pragma once
+
+#include <QAbstractButton>
+
+namespace wegslot {
+
+class CapsuleButton final : public QAbstractButton {
+public:
+    explicit CapsuleButton(QWidget& parent);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace wegslot

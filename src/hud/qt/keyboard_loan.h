@@ -1,0 +1,28 @@
+// The keyboard, borrowed from the window that has it and given back. The warning is no window of
+// the window manager's, which therefore neither gives it the keyboard nor looks who is to have it
+// next.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+class QWidget;
+
+namespace wegslot {
+
+class KeyboardLoan {
+public:
+    /// Gives `window` the keyboard, where the system lets it.
+    void take(QWidget& window);
+
+    /// Gives it back to who had it, if `window` still has it. Before the window goes.
+    void giveBack(const QWidget& window);
+
+private:
+    std::optional<std::uint32_t> before_; ///< a window, as the X server numbers it
+};
+
+/// Whether windows may be translucent: without a compositor what is see-through would be black.
+[[nodiscard]] bool blendsWindows();
+
+} // namespace wegslot
