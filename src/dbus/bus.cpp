@@ -190,6 +190,13 @@ Subscription Bus::followOwner(const std::string& name,
     }};
 }
 
+std::string Bus::uniqueName() const {
+    const char* name = nullptr;
+    // While the connection is still being made the library would wait for that.
+    if (sd_bus_is_ready(bus_) <= 0 || sd_bus_get_unique_name(bus_, &name) < 0) return {};
+    return name;
+}
+
 int Bus::fd() const { return sd_bus_get_fd(bus_); }
 
 short Bus::events() const {

@@ -76,6 +76,9 @@ public:
     followOwner(const std::string& name,
                 std::function<void(const std::optional<std::string>&)> listener);
 
+    /// The name that the bus has given to this connection; empty while it is still being made.
+    [[nodiscard]] std::string uniqueName() const;
+
     /// The bus as its library knows it; for this seam only.
     [[nodiscard]] sd_bus* native() const { return bus_; }
 

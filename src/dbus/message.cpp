@@ -83,6 +83,15 @@ std::vector<std::string> Reader::texts() {
     return list;
 }
 
+std::vector<std::int32_t> Reader::integers() {
+    std::vector<std::int32_t> list;
+    if (!nextIs('a', "i") || sd_bus_message_enter_container(message_, 'a', "i") <= 0) return list;
+    while (const auto entry = basic<std::int32_t>(message_, 'i'))
+        list.push_back(*entry);
+    sd_bus_message_exit_container(message_);
+    return list;
+}
+
 std::optional<std::string> Reader::secondOfPair() {
     const char* const contents = nextIs('r', "so") ? "so" : "ss";
     if (!nextIs('r', contents) || sd_bus_message_enter_container(message_, 'r', contents) <= 0)
@@ -120,6 +129,20 @@ bool Reader::objects(const std::function<void(std::string_view path, Reader& int
     return dictionary("{oa{sa{sv}}}", [&] {
         if (const auto path = text()) visit(*path, *this);
     });
+}
+
+bool Reader::structures(const char* contents, const std::function<void(Reader& fields)>& visit) {
+    const std::string element = "(" + std::string(contents) + ")";
+    if (!nextIs('a', element.c_str()) ||
+        sd_bus_message_enter_container(message_, 'a', element.c_str()) <= 0)
+        return false;
+    while (sd_bus_message_enter_container(message_, 'r', contents) > 0) {
+        visit(*this);
+        skipRest();
+        sd_bus_message_exit_container(message_);
+    }
+    sd_bus_message_exit_container(message_);
+    return true;
 }
 
 bool Reader::variant(const std::function<void(Reader& value)>& visit) {

@@ -29,6 +29,8 @@ public:
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> bytes(); ///< ay
     [[nodiscard]] std::vector<std::string> texts(); ///< as or ao; empty otherwise
 
+    [[nodiscard]] std::vector<std::int32_t> integers(); ///< ai; empty otherwise
+
     /// The second of a pair of texts ((so) or (ss)).
     [[nodiscard]] std::optional<std::string> secondOfPair();
 
@@ -45,6 +47,9 @@ public:
 
     /// Walks a dictionary of objects with their interfaces (a{oa{sa{sv}}}).
     bool objects(const std::function<void(std::string_view path, Reader& interfaces)>& visit);
+
+    /// Walks a list of structures, each of `contents`: a signature without its brackets.
+    bool structures(const char* contents, const std::function<void(Reader& fields)>& visit);
 
     /// Enters a variant for one value. False when the next value is none.
     bool variant(const std::function<void(Reader& value)>& visit);

@@ -44,24 +44,38 @@ int callMethod(sd_bus_message* call, void* data, sd_bus_error*) {
     return sd_bus_send(nullptr, reply, nullptr) < 0 ? -EIO : 1;
 }
 
+sd_bus_vtable entryOf(const Property& property) {
+    const char* const name = property.name.c_str();
+    const char* const signature = property.signature.c_str();
+    if (property.telling == Telling::none)
+        return SD_BUS_PROPERTY(name, signature, getProperty, 0, 0);
+    return SD_BUS_PROPERTY(name, signature, getProperty, 0,
+                           SD_BUS_VTABLE_PROPERTY_EMITS_INVALIDATION);
+}
+
 std::vector<sd_bus_vtable> tableOf(const Interface& interface) {
     std::vector<sd_bus_vtable> table;
     table.push_back(SD_BUS_VTABLE_START(0));
     for (const Property& property : interface.properties)
-        table.push_back(
-            SD_BUS_PROPERTY(property.name.c_str(), property.signature.c_str(), getProperty, 0, 0));
+        table.push_back(entryOf(property));
     for (const Method& method : interface.methods)
         table.push_back(SD_BUS_METHOD(method.name.c_str(), method.arguments.c_str(),
                                       method.results.c_str(), callMethod,
                                       SD_BUS_VTABLE_UNPRIVILEGED));
+    for (const Signal& signal : interface.signals)
+        table.push_back(SD_BUS_SIGNAL(signal.name.c_str(), signal.arguments.c_str(), 0));
     table.push_back(SD_BUS_VTABLE_END);
     return table;
+}
+
+void destroyExported(void* data) {
+    const std::unique_ptr<Exported> owned(static_cast<Exported*>(data));
 }
 
 } // namespace
 
 Subscription exportObject(Bus& bus, const std::string& path, Interface interface) {
-    const auto exported = std::make_shared<Exported>();
+    auto exported = std::make_unique<Exported>();
     exported->interface = std::move(interface);
     exported->table = tableOf(exported->interface);
     sd_bus_slot* slot = nullptr;
@@ -69,11 +83,38 @@ Subscription exportObject(Bus& bus, const std::string& path, Interface interface
                                  exported->interface.name.c_str(), exported->table.data(),
                                  exported.get()) < 0)
         return {};
+    // An object that ends from within a call to it is still looked at when the call returns, so
+    // what the library points into goes with its own entry and not before.
+    sd_bus_slot_set_destroy_callback(slot, destroyExported);
+    static_cast<void>(exported.release());
     sd_bus_emit_object_added(bus.native(), path.c_str());
-    return Subscription{[exported, slot, path, native = bus.native()] {
+    return Subscription{[slot, path, native = bus.native()] {
         sd_bus_emit_object_removed(native, path.c_str());
         sd_bus_slot_unref(slot);
     }};
+}
+
+void emitSignal(Bus& bus, const std::string& path, const std::string& interface,
+                const std::string& member, const Writer::Fill& fill) {
+    sd_bus_message* signal = nullptr;
+    if (sd_bus_message_new_signal(bus.native(), &signal, path.c_str(), interface.c_str(),
+                                  member.c_str()) < 0)
+        return;
+    const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(
+        signal, sd_bus_message_unref);
+    Writer writer(signal);
+    if (fill) fill(writer);
+    if (writer.isWhole()) sd_bus_send(bus.native(), signal, nullptr);
+}
+
+void emitInvalidated(Bus& bus, const std::string& path, const std::string& interface,
+                     const std::vector<std::string>& properties) {
+    std::vector<std::string> names = properties; // the library takes a list that it may write to
+    std::vector<char*> list;
+    for (std::string& name : names)
+        list.push_back(name.data());
+    list.push_back(nullptr);
+    sd_bus_emit_properties_changed_strv(bus.native(), path.c_str(), interface.c_str(), list.data());
 }
 
 Subscription exportObjectManager(Bus& bus, const std::string& path) {

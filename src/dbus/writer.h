@@ -34,6 +34,9 @@ public:
     void entry(const char* contents, const Fill& fill); ///< of a dictionary
     void variant(const char* contents, const Fill& fill);
 
+    /// Has the asker get an error instead (InvalidArgs): there is nothing to answer with.
+    void refuse() { whole_ = false; }
+
     /// Whether everything did fit.
     [[nodiscard]] bool isWhole() const { return whole_; }
 

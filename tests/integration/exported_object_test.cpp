@@ -119,6 +119,51 @@ TEST_F(ExportedObjectTest, AnEndedHandleTakesTheObjectAway) {
     EXPECT_EQ(property("Level"), "org.freedesktop.DBus.Error.UnknownObject");
 }
 
+TEST_F(ExportedObjectTest, AnObjectMayEndFromWithinACallToIt) {
+    Subscription shown;
+    shown = dbus::exportObject(
+        *ours, "/lamp",
+        {.name = "nl.example.Lamp",
+         .methods = {{"Break", "", "s", [&shown](const dbus::Message&, dbus::Writer& answer) {
+                          shown.reset();
+                          answer.text("stuk");
+                      }}}});
+    loop.settle();
+    EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Break", {}, text), "stuk");
+    EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Break", {}, text),
+              "org.freedesktop.DBus.Error.UnknownObject");
+}
+
+TEST_F(ExportedObjectTest, ChangesAreToldOfWithoutTheirValue) {
+    auto interface = lamp();
+    interface.properties[0].telling = dbus::Telling::ofChanges;
+    interface.signals = {{"Flickered", "i"}};
+    const auto shown = dbus::exportObject(*ours, "/lamp", interface);
+    std::string told;
+    const auto changes = other->onSignal(
+        "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged',path='/lamp'",
+        [&told](const dbus::Message& message) {
+            auto reader = message.read();
+            static_cast<void>(reader.text());
+            EXPECT_TRUE(reader.properties([](std::string_view, dbus::Reader&) { FAIL(); }));
+            for (const std::string& name : reader.texts())
+                told += name;
+        });
+    const auto flickers = other->onSignal("interface='nl.example.Lamp',member='Flickered'",
+                                          [&told](const dbus::Message& message) {
+                                              told += std::to_string(*message.read().integer());
+                                          });
+    loop.settle();
+    dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Level"});
+    dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Steps"}); // does not tell
+    dbus::emitSignal(*ours, "/lamp", "nl.example.Lamp", "Flickered",
+                     [](dbus::Writer& writer) { writer.int32(-3); });
+    dbus::emitSignal(*ours, "/lamp", "nl.example.Lamp", "Flickered",
+                     [](dbus::Writer& writer) { writer.text("\xFF"); }); // cannot be sent
+    loop.settle();
+    EXPECT_EQ(told, "Level-3");
+}
+
 TEST_F(ExportedObjectTest, AManagerListsWhatIsBelowItAndTellsOfChanges) {
     const auto manager = dbus::exportObjectManager(*ours, "/lamps");
     auto shown = dbus::exportObject(*ours, "/lamps/one", lamp());

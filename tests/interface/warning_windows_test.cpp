@@ -77,8 +77,13 @@ TEST_P(WarningWindowsTest, ComesBackInFrontOfAWindowThatIsShownLater) {
     EXPECT_TRUE(happens([] {
         return OnScreen::seen({10, 10, 1, 1}).pixelColor(0, 0) == QColor(Qt::darkGreen);
     }));
-    warning.time.advance(1s);
-    EXPECT_TRUE(happens(isSeen));
+    // A window manager that is busy may still put the film in front once more.
+    bool back = false;
+    for (int second = 0; second < 3 && !back; ++second) {
+        warning.time.advance(1s);
+        back = happens(isSeen);
+    }
+    EXPECT_TRUE(back);
 }
 
 TEST_P(WarningWindowsTest, AClickOnTheButtonCancelsOnceAndLeavesTheKeyboardAlone) {

@@ -9,6 +9,7 @@
 #include "app/qt/display.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/real_world.h"
+#include "app/qt/status_icon.h"
 #include "app/qt/termination.h"
 #include "hud/hidden_hud.h"
 #include "hud/joint_hud.h"
@@ -124,7 +125,10 @@ struct Execute {
         RealWorld world(scheduler, clock, ownLockCommand(preferences));
         AppModel model({preferences, world.central, world.platform,
                         [this, &world] { return warning(world, clock, scheduler); }});
-        static_cast<void>(model.monitor());
+        const StatusIcon icon(world, model.monitor(), clock, scheduler,
+                              {.open = [](const TrayClick&) {}, // there is no panel yet
+                               .lock = [&model] { model.monitor().lockNow(); },
+                               .quit = [] { QCoreApplication::quit(); }});
         return QCoreApplication::exec();
     }
     int operator()(const command::Demo&) const {

@@ -1,0 +1,44 @@
+// The icon in the desktop's bar: what the monitor is doing, and a menu. An item of our own where
+// the desktop collects such items, a window of Qt's in an X11 panel that takes only those.
+#pragma once
+
+#include "app/qt/real_world.h"
+#include "base/clock.h"
+#include "base/scheduler.h"
+#include "monitor/monitor.h"
+#include "ui/linux/color_scheme.h"
+#include "ui/linux/tray_item.h"
+#include "ui/qt/palette_scheme.h"
+#include "ui/qt/symbol_images.h"
+#include "ui/qt/x11_tray.h"
+#include "ui/tray_actions.h"
+#include "ui/tray_content.h"
+
+namespace wegslot {
+
+class StatusIcon {
+public:
+    /// How often an X11 panel is looked for while nobody has taken the item.
+    static constexpr Nanoseconds lookInterval = std::chrono::seconds{5};
+
+    /// There must be a QApplication. All must outlive this.
+    StatusIcon(RealWorld& world, Monitor& monitor, const Clock& clock, Scheduler& scheduler,
+               const TrayActions& actions);
+
+private:
+    void show(const TrayContent& content);
+    void choose(bool itemIsTaken);
+
+    const bool isX11Session_;
+    TrayContent content_;
+    PaletteScheme palette_;
+    ColorScheme colors_;
+    SymbolImages images_;
+    X11Tray window_;
+    TrayItem item_;
+    Subscription taken_;
+    TrayPresenter presenter_;
+    Timer looking_;
+};
+
+} // namespace wegslot

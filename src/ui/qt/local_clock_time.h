@@ -1,0 +1,15 @@
+// Clock times as the user's language writes them in short.
+#pragma once
+
+#include "base/clock.h"
+#include "ui/phase_presentation.h"
+
+#include <QLocale>
+
+namespace wegslot {
+
+/// `clock` must outlive it: the clock on the wall is asked at each call, for it may be set.
+[[nodiscard]] ClockTime localClockTime(const Clock& clock,
+                                       const QLocale& language = QLocale::system());
+
+} // namespace wegslot

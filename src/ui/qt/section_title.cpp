@@ -1,0 +1,32 @@
+#include "ui/qt/section_title.h"
+
+#include "ui/brand.h"
+#include "ui/qt/brand_qt.h"
+
+#include <QLocale>
+#include <QPalette>
+
+namespace wegslot {
+namespace {
+
+QFont titleFont() {
+    QFont font = qtFont(brand::heading(11, FontWeight::heavy)).font;
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 0.6);
+    return font;
+}
+
+} // namespace
+
+SectionTitle::SectionTitle(const std::string& text) {
+    const QString plain = QString::fromStdString(text);
+    setTextFormat(Qt::PlainText);
+    setFont(titleFont());
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText, qtColor(brand::lila));
+    setPalette(colors);
+    // By the rules of the texts' language, not of the user's: a Turkish i stays one.
+    setText(QLocale(QLocale::Dutch).toUpper(plain));
+    setAccessibleName(plain);
+}
+
+} // namespace wegslot

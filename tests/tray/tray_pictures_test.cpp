@@ -1,0 +1,112 @@
+// How the status icon looks on a light and on a dark bar, against pictures that a person has
+// looked at. With WEGSLOT_NEW_PICTURES set it makes them anew.
+
+#include "monitor/phase.h"
+#include "tests/support/offscreen.h"
+#include "ui/qt/brand_qt.h"
+#include "ui/qt/symbol_images.h"
+#include "ui/qt/tray_painter.h"
+#include "ui/tray_content.h"
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QPainter>
+
+#include <array>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+using namespace wegslot;
+
+namespace {
+
+constexpr std::array sides{16, 22, 24, 32};
+constexpr int cell = 40;
+
+/// The share of pixels of which one part differs by more than 16 of 255.
+double share(const QImage& a, const QImage& b) {
+    if (a.size() != b.size()) return 1;
+    int differing = 0;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+            const QColor one = a.pixelColor(x, y);
+            const QColor other = b.pixelColor(x, y);
+            const int most =
+                std::max({std::abs(one.red() - other.red()), std::abs(one.green() - other.green()),
+                          std::abs(one.blue() - other.blue())});
+            if (most > 16) ++differing;
+        }
+    return static_cast<double>(differing) / (a.width() * a.height());
+}
+
+QImage asHostsSeeIt(const TrayPicture& picture) {
+    QImage image(picture.side, picture.side, QImage::Format_ARGB32);
+    for (int i = 0; i < picture.side * picture.side; ++i) {
+        const auto* const part = &picture.argb[static_cast<std::size_t>(i) * 4];
+        image.setPixel(i % picture.side, i / picture.side,
+                       qRgba(part[1], part[2], part[3], part[0]));
+    }
+    return image;
+}
+
+struct TrayPictures : testing::TestWithParam<Scheme> {
+    Offscreen<QGuiApplication> application;
+    SymbolImages images;
+    TrayPainter painter = trayPainter(images);
+
+    [[nodiscard]] std::string file() const {
+        return std::string(WEGSLOT_PICTURES) +
+               (GetParam() == Scheme::light ? "/bar-light.png" : "/bar-dark.png");
+    }
+    /// Every phase in a column of its own, every size in a row.
+    [[nodiscard]] QImage bar(const std::vector<Phase>& shown) const {
+        QImage image(cell * static_cast<int>(shown.size()), cell * static_cast<int>(sides.size()),
+                     QImage::Format_RGB32);
+        image.fill(GetParam() == Scheme::light ? QColor(240, 240, 240) : QColor(40, 40, 40));
+        QPainter onto(&image);
+        for (std::size_t column = 0; column < shown.size(); ++column)
+            for (std::size_t row = 0; row < sides.size(); ++row) {
+                const int side = sides[row];
+                const TrayContent content =
+                    trayContent(shown[column], GetParam(), [](TimePoint) { return ""; });
+                onto.drawImage(static_cast<int>(column) * cell + (cell - side) / 2,
+                               static_cast<int>(row) * cell + (cell - side) / 2,
+                               asHostsSeeIt(painter(content.symbol, content.color, side)));
+            }
+        return image;
+    }
+    const std::vector<Phase> phases{phase::Locked{},          phase::Present{}, phase::Disabled{},
+                                    phase::NoKeys{},          phase::Snoozed{}, phase::Warning{},
+                                    phase::WaitingForReturn{}};
+};
+
+} // namespace
+
+TEST_P(TrayPictures, LooksAsItDid) {
+    const QString path = QString::fromStdString(file());
+    const QImage now = bar(phases);
+    if (std::getenv("WEGSLOT_NEW_PICTURES") != nullptr) {
+        ASSERT_TRUE(now.save(path));
+        GTEST_SKIP() << "made " << file() << " anew";
+    }
+    const QImage reference(path);
+    ASSERT_FALSE(reference.isNull()) << file();
+    const double differing = share(now, reference);
+    if (differing > 0.005) now.save(QStringLiteral("differing-tray.png"));
+    EXPECT_LE(differing, 0.005) << "see differing-tray.png beside the test";
+}
+
+TEST_P(TrayPictures, OneWrongIconWouldBeNoticed) {
+    const QImage reference(QString::fromStdString(file()));
+    auto changed = phases;
+    changed[0] = phase::Present{};
+    EXPECT_GT(share(bar(changed), reference), 0.005);
+}
+
+INSTANTIATE_TEST_SUITE_P(Bar, TrayPictures, testing::Values(Scheme::light, Scheme::dark),
+                         [](const auto& scheme) {
+                             return scheme.param == Scheme::light ? "Light" : "Dark";
+                         });
