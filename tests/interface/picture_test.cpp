@@ -2,7 +2,7 @@
 
 #include "tests/interface/picture.h"
 
-#include "tests/interface/offscreen.h"
+#include "tests/interface/picture_stage.h"
 #include "tests/interface/shown_panel.h"
 
 using namespace wegslot;
@@ -10,13 +10,13 @@ using namespace wegslot;
 namespace {
 
 struct PictureTest : testing::Test {
-    Offscreen offscreen;
+    PictureStage stage;
     ShownPanel warning;
 
     QImage pictureOf(const std::string& message) {
         warning.show(message);
         ShownPanel::settle();
-        return Offscreen::picture(ShownPanel::panel());
+        return PictureStage::picture(ShownPanel::panel());
     }
 };
 
@@ -38,7 +38,7 @@ QImage changed(int pixels, int apart, int by) {
 } // namespace
 
 TEST_F(PictureTest, OneChangedLetterIsSeen) {
-    ASSERT_TRUE(Offscreen::hasFont());
+    ASSERT_TRUE(PictureStage::hasFont());
     const QImage one = pictureOf("Telefoon is buiten bereik");
     EXPECT_TRUE(difference(one, pictureOf("Telefoon is buiten bereik")).isNone());
     for (const char* const other : {"Telefoon is buiten bereiM", "Telefoon is buiten bereit",

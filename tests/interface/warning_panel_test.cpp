@@ -1,7 +1,7 @@
 // What the panel does, without a screen.
 
 #include "hud/qt/warning_picture.h"
-#include "tests/interface/offscreen.h"
+#include "tests/interface/picture_stage.h"
 #include "tests/interface/shown_panel.h"
 #include "tests/support/program.h"
 
@@ -34,7 +34,7 @@ public:
 };
 
 struct WarningPanelTest : testing::Test {
-    Offscreen offscreen;
+    PictureStage stage;
     ShownPanel warning;
 
     /// With what `then` does once it is cancelled.

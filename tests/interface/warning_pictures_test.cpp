@@ -1,7 +1,7 @@
 // What the warning looks like, without a screen.
 
-#include "tests/interface/offscreen.h"
 #include "tests/interface/picture.h"
+#include "tests/interface/picture_stage.h"
 #include "tests/interface/shown_panel.h"
 
 #include "ui/qt/brand_qt.h"
@@ -16,16 +16,16 @@ using namespace std::chrono_literals;
 namespace {
 
 struct WarningPicturesTest : testing::TestWithParam<int> {
-    Offscreen offscreen{static_cast<double>(GetParam())};
+    PictureStage stage{static_cast<double>(GetParam())};
     ShownPanel warning;
 
     void SetUp() override {
-        ASSERT_TRUE(Offscreen::hasFont()) << "install the packages of tools/packages/test";
+        ASSERT_TRUE(PictureStage::hasFont()) << "install the packages of tools/packages/test";
     }
     [[nodiscard]] static std::string named(const std::string& name) {
         return "warning-" + name + "-" + std::to_string(GetParam()) + "x";
     }
-    [[nodiscard]] static QImage picture() { return Offscreen::picture(ShownPanel::panel()); }
+    [[nodiscard]] static QImage picture() { return PictureStage::picture(ShownPanel::panel()); }
 };
 
 INSTANTIATE_TEST_SUITE_P(AtScale, WarningPicturesTest, testing::Values(1, 2));
@@ -81,8 +81,8 @@ TEST_P(WarningPicturesTest, AButtonThatIsHeldDownIsDarker) {
 }
 
 TEST(WarningFonts, TwelveAndAHalfPixelsAreNeitherTwelveNorThirteen) {
-    const Offscreen offscreen;
-    ASSERT_TRUE(Offscreen::hasFont());
+    const PictureStage stage;
+    ASSERT_TRUE(PictureStage::hasFont());
     const QString text = "Telefoon is buiten bereik, Sleutelbos is buiten bereik en de rest ook al";
     const int twelve = paintedWidth(text, qtFont({.size = 12}));
     const int between = paintedWidth(text, qtFont({.size = 12.5}));
@@ -92,10 +92,10 @@ TEST(WarningFonts, TwelveAndAHalfPixelsAreNeitherTwelveNorThirteen) {
 
 TEST(WarningSharpness, TheGroundIsPaintedInThePixelsOfTheScreen) {
     for (const double scale : {1.0, 1.5, 2.0}) {
-        const Offscreen offscreen(scale);
+        const PictureStage stage(scale);
         ShownPanel warning;
         warning.show();
-        const QImage picture = Offscreen::picture(ShownPanel::panel());
+        const QImage picture = PictureStage::picture(ShownPanel::panel());
         EXPECT_EQ(picture.size(), QSize(qRound(400 * scale), qRound(96 * scale)));
         // A stretched picture has no sharp edge: from the button to the ground in one step or two.
         const int y = picture.height() / 2;

@@ -147,6 +147,33 @@ TEST_F(SwaybarTest, ShowsTheItemThatComesAfterIt) {
     EXPECT_TRUE(shows([](int orange) { return orange > 60; }));
 }
 
+TEST_F(SwaybarTest, ShowsTheIconOfTheWholeApplication) {
+    item.reset();
+    startSway();
+    TemporaryFolder home;
+    auto environment = clientEnvironment();
+    environment["HOME"] = home.path().string();
+    environment["XDG_CONFIG_HOME"] = (home.path() / "config").string();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = loop.daemon.address();
+    environment["DBUS_SYSTEM_BUS_ADDRESS"] = loop.daemon.address();
+    environment["QT_QPA_PLATFORM"] = "offscreen"; // the icon needs no windows
+    environment["XDG_CURRENT_DESKTOP"] = "sway";  // whose bar is dark
+    Program wegslot({.words = {WEGSLOT_PROGRAM}, .environment = environment});
+    ASSERT_TRUE(becomesTrue([this] { return !listed().empty(); })) << wegslot.output();
+    const auto isShown = [this] {
+        const QImage right = screen().copy(1280 - 40, 0, 40, 32);
+        int white = 0;
+        for (int y = 0; y < right.height(); ++y)
+            for (int x = 0; x < right.width(); ++x)
+                white += qGray(right.pixel(x, y)) > 200 ? 1 : 0;
+        return white > 20;
+    };
+    EXPECT_TRUE(becomesTrue(isShown)) << wegslot.output();
+    wegslot.stop();
+    EXPECT_EQ(wegslot.ended(), 0) << wegslot.output();
+    EXPECT_TRUE(becomesTrue([this] { return listed().empty(); }));
+}
+
 TEST_F(SwaybarTest, FollowsTheIcon) {
     startSway();
     ASSERT_TRUE(waitUntilTaken());

@@ -17,14 +17,14 @@
 
 namespace wegslot {
 
-class Offscreen {
+class PictureStage {
 public:
     /// Where the Debian package has it.
     static constexpr auto fontFolder = "/usr/share/fonts/truetype/liberation2";
     static constexpr auto fontFamily = "Liberation Sans";
 
     /// `scale`: device pixels to one of ours, as a screen of that density has them.
-    explicit Offscreen(double scale = 1)
+    explicit PictureStage(double scale = 1)
         : environment_({{"QT_QPA_PLATFORM", "offscreen"},
                         {"QT_SCALE_FACTOR", std::to_string(scale)},
                         {"FONTCONFIG_FILE", fontConfiguration()},
