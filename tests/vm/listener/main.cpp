@@ -77,8 +77,9 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    QCoreApplication application(argc, argv);
     const Termination termination;
+    QCoreApplication application(argc, argv);
+    const auto watching = termination.watch();
     QtScheduler scheduler;
     dbus::Connection systemBus(dbus::Bus::openSystem, pump, scheduler);
     const SystemClock clock;
