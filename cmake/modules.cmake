@@ -58,15 +58,23 @@ function(wegslot_test name)
   add_executable(${name} ${arg_FILES})
   target_link_libraries(${name} PRIVATE wegslot_options ${uses} ${arg_LIBRARIES} GTest::gtest_main)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+  # A test is compiled more often than it is run: optimising it would double the time of a build.
+  if(NOT arg_LABEL STREQUAL "properties")
+    target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
+  endif()
   if(arg_WRAPPER)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
   endif()
-  # Those that need nothing but a processor: the sanitizers build just these.
-  if(arg_LABEL MATCHES "^(unit|properties)$")
+  # Those that need nothing but a processor run beside others; real parts answer too late when the
+  # processors have something else to do.
+  set(serial ON)
+  if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
     add_dependencies(pure_tests ${name})
+    set(serial OFF)
   endif()
   gtest_discover_tests(${name}
     TEST_PREFIX "${arg_LABEL}/"
     DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} RESOURCE_LOCK "${arg_ALONE}")
+    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} RESOURCE_LOCK "${arg_ALONE}"
+      RUN_SERIAL ${serial})
 endfunction()

@@ -8,6 +8,7 @@ namespace controller {
 namespace {
 
 constexpr std::chrono::seconds pauseBeforeRepeating{2};
+constexpr unsigned long repetitions = 2;
 
 /// The two top bits of a random static address are ones.
 Address addressOf(std::size_t device) {
@@ -36,7 +37,8 @@ Flood::Flood(const FloodPlan& plan, TimePoint start)
     : start_(start),
       rate_(plan.rate),
       planned_(static_cast<unsigned long>(std::lround(plan.rate * plan.seconds))),
-      total_(planned_ + std::min<unsigned long>(planned_, plan.devices)),
+      repeated_(std::min<unsigned long>(planned_, plan.devices)),
+      total_(planned_ + repetitions * repeated_),
       due_(start),
       lastRssi_(plan.devices) {}
 
@@ -51,17 +53,22 @@ void Flood::advertiseIfDue(TimePoint now, Controller& controller) {
 TimePoint Flood::dueOf(unsigned long number) const {
     // From the start each time: summed up, the rounding would make the flood drift.
     const TimePoint due = start_ + fromSeconds(static_cast<double>(number) / rate_);
-    return number < planned_ ? due : due + pauseBeforeRepeating;
+    return due + pauseBeforeRepeating * repetitionOf(number);
+}
+
+unsigned long Flood::repetitionOf(unsigned long number) const {
+    return number < planned_ ? 0 : (number - planned_) / repeated_ + 1;
 }
 
 /// The number whose device and strength a report has: its own, or that of the last report of the
 /// device whose turn it is to repeat.
 unsigned long Flood::contentOf(unsigned long number) const {
-    return number < planned_ ? number
-                             : number - std::min<unsigned long>(planned_, lastRssi_.size());
+    return number - repetitionOf(number) * repeated_;
 }
 
 void Flood::advertise(unsigned long number, Controller& controller) {
+    if (repetitionOf(number) > repetitionOf(number - std::min(number, 1UL)))
+        controller.scan().forgetDelivered();
     const unsigned long content = contentOf(number);
     const std::size_t device = content % lastRssi_.size();
     const int rssi = rssiOf(device, content / lastRssi_.size());

@@ -40,6 +40,9 @@ public:
     /// remembers the question.
     bool takes(const Address& address, const std::set<Address>& acceptList);
 
+    /// A duplicate filter starts afresh.
+    void forgetDelivered() { delivered_.clear(); }
+
     /// As after power-on. The count of starts and the kind of duplicate filter belong to the test
     /// and stay.
     void reset();
