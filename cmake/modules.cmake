@@ -37,7 +37,8 @@ function(wegslot_program name)
   list(TRANSFORM uses PREPEND wegslot_)
   add_executable(${name} ${arg_FILES})
   target_link_libraries(${name} PRIVATE wegslot_options ${uses} ${arg_LIBRARIES})
-  target_compile_definitions(${name} PRIVATE WEGSLOT_VERSION="${PROJECT_VERSION}")
+  target_compile_definitions(${name} PRIVATE
+    WEGSLOT_VERSION="${PROJECT_VERSION}" WEGSLOT_BUILD=${WEGSLOT_BUILD})
   set_target_properties(${name} PROPERTIES
     OUTPUT_NAME ${arg_OUTPUT}
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")

@@ -8,7 +8,15 @@ AppModel::AppModel(Surroundings surroundings)
     : surroundings_(std::move(surroundings)),
       settings_(surroundings_.preferences),
       scanner_(surroundings_.central, surroundings_.platform.scheduler,
-               surroundings_.platform.clock) {}
+               surroundings_.platform.clock),
+      updater_(surroundings_.bundle, surroundings_.updates.value_or(noUpdates_.world()),
+               surroundings_.platform.scheduler) {
+    updater_.start();
+    if (!surroundings_.updateNow) return;
+    updateNow_ = surroundings_.platform.scheduler.after(Nanoseconds{0}, [this] {
+        updater_.check(Updater::Silent::no, [this] { updater_.install(); });
+    });
+}
 
 Monitor& AppModel::monitor() {
     if (!monitor_)

@@ -5,6 +5,8 @@
 #include "model/settings.h"
 #include "monitor/monitor.h"
 #include "scanner/scanner.h"
+#include "update/no_updates.h"
+#include "update/updater.h"
 
 #include <functional>
 #include <memory>
@@ -20,6 +22,12 @@ public:
         BluetoothCentral& central;
         Monitor::Platform platform;
         std::function<std::unique_ptr<WarningHUD>()> makeHud;
+        /// What this application says of itself, and where its updates come from.
+        BundleInfo bundle{};
+        /// None where nothing is ever updated.
+        std::optional<Updater::World> updates{};
+        /// Look for a release at once, and install it.
+        bool updateNow = false;
     };
 
     explicit AppModel(Surroundings surroundings);
@@ -35,11 +43,16 @@ public:
     /// them; the same object from then on.
     [[nodiscard]] Monitor& monitor();
 
+    [[nodiscard]] Updater& updater() { return updater_; }
+
 private:
     Surroundings surroundings_;
     Settings settings_;
     Scanner scanner_;
     std::optional<Monitor> monitor_;
+    NoUpdates noUpdates_;
+    Updater updater_;
+    Timer updateNow_;
 };
 
 } // namespace wegslot

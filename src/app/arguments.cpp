@@ -42,7 +42,7 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
     if (word == "--devices") return std::optional<Command>(command::Devices{});
     if (word == "--keys") return std::optional<Command>(command::Keys{});
     if (word == "--check") return std::optional<Command>(command::Check{});
-    if (word == "--update-now") return std::optional<Command>(command::NotYet{std::string(word)});
+    if (word == "--update-now") return std::optional<Command>(command::Run{.updateNow = true});
     const auto isAddition = [word](const Addition& addition) { return addition.word == word; };
     if (word == "--tall" || std::ranges::any_of(additions, isAddition))
         return std::optional<Command>();
@@ -110,6 +110,10 @@ Nagaan wat op deze computer werkt:
                         echt en zegt wie dat bevestigde; --json voor scripts;
                         verandert niets en mag naast een draaiend Wegslot;
                         eindigt met 0 als alles wat voor locken nodig is werkt
+
+Bijwerken:
+  --update-now          start Wegslot, zoek meteen naar een nieuwere versie en
+                        installeer die
 
 Overig:
   --demo                speel een vertrek en terugkomst na op een ingebouwde

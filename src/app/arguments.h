@@ -15,7 +15,9 @@ namespace wegslot {
 namespace command {
 
 /// The application itself.
-struct Run {};
+struct Run {
+    bool updateNow = false; ///< look for a release first, and install it
+};
 struct Demo {};
 struct Help {};
 struct Version {};

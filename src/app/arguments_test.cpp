@@ -63,7 +63,8 @@ TEST(Arguments, ALastSnapshotWithoutAPathStartsNormally) {
 TEST(Arguments, WhatThisVersionCannotDoIsKnownByName) {
     EXPECT_EQ(std::get<command::NotYet>(*parseArguments({"--snapshot", "x.png"})).name,
               "--snapshot");
-    EXPECT_EQ(std::get<command::NotYet>(*parseArguments({"--update-now"})).name, "--update-now");
+    EXPECT_TRUE(std::get<command::Run>(*parseArguments({"--update-now"})).updateNow);
+    EXPECT_FALSE(std::get<command::Run>(*parseArguments({})).updateNow);
 }
 
 TEST(Arguments, AnythingElseIsNamedInOneLine) {

@@ -2,6 +2,7 @@
 
 #include "app/arguments.h"
 #include "app/qt/application.h"
+#include "update/bundle_info.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -28,10 +29,11 @@ int main(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
     if (std::holds_alternative<command::Version>(*command)) {
-        std::puts("wegslot " WEGSLOT_VERSION);
+        std::puts(versionLine(WEGSLOT_VERSION, WEGSLOT_BUILD).c_str());
         return EXIT_SUCCESS;
     }
     if (const auto* const later = std::get_if<command::NotYet>(&*command))
         return complain(later->name + " kan deze versie nog niet", EXIT_FAILURE);
-    return runApplication(*command, argc, argv);
+    return runApplication(*command, {.version = WEGSLOT_VERSION, .build = WEGSLOT_BUILD}, argc,
+                          argv);
 }

@@ -1,10 +1,9 @@
 #include "update/archive_check.h"
 
+#include "tests/support/tar_archive.h"
+
 #include <gtest/gtest.h>
 
-#include <zlib.h>
-
-#include <cstdio>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,79 +12,8 @@ using namespace wegslot;
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
-
-/// One member as a test wants it, well formed unless told otherwise.
-struct Member {
-    std::string name;
-    char type = '0';
-    std::string content = {};
-    std::string link = {};
-    unsigned mode = 0644;
-    std::string prefix = {};
-    std::string size = {}; ///< instead of that of the content
-    std::string magic = std::string("ustar\0"
-                                    "00",
-                                    8);
-    int checksumError = 0;
-
-    [[nodiscard]] std::string bytes() const {
-        std::string header(512, '\0');
-        const auto put = [&header](std::size_t at, const std::string& text) {
-            header.replace(at, text.size(), text);
-        };
-        const auto octal = [](std::size_t width, unsigned long number) {
-            char text[32];
-            std::snprintf(text, sizeof text, "%0*lo", static_cast<int>(width), number);
-            return std::string(text);
-        };
-        put(0, name);
-        put(100, octal(7, mode));
-        put(108, octal(7, 0));
-        put(116, octal(7, 0));
-        put(124, size.empty() ? octal(11, content.size()) : size);
-        put(136, octal(11, 0));
-        put(148, std::string(8, ' '));
-        header[156] = type;
-        put(157, link);
-        put(257, magic);
-        put(345, prefix);
-        unsigned long sum = 0;
-        for (const char byte : header)
-            sum += static_cast<unsigned char>(byte);
-        put(148, octal(6, sum + static_cast<unsigned long>(checksumError)) + std::string("\0 ", 2));
-        std::string whole = header + content;
-        whole.resize((whole.size() + 511) / 512 * 512, '\0');
-        return whole;
-    }
-};
-
-Bytes zipped(const std::string& plain) {
-    z_stream stream{};
-    deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY);
-    Bytes packed(deflateBound(&stream, plain.size()));
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(plain.data()));
-    stream.avail_in = static_cast<uInt>(plain.size());
-    stream.next_out = packed.data();
-    stream.avail_out = static_cast<uInt>(packed.size());
-    deflate(&stream, Z_FINISH);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
-    return packed;
-}
-
-const Member app{.name = "Wegslot.app/", .type = '5', .mode = 0755};
-const std::string end(1024, '\0');
-
-std::string archive(const std::vector<Member>& members) {
-    std::string plain = app.bytes();
-    for (const Member& member : members)
-        plain += member.bytes();
-    return plain + end;
-}
-
-std::optional<std::string> objection(const std::vector<Member>& members) {
-    return objectionTo(zipped(archive(members)));
+std::optional<std::string> objection(const std::vector<TarMember>& members) {
+    return objectionTo(zipped(tarOf(members)));
 }
 
 using Said = std::optional<std::string>;
@@ -114,7 +42,7 @@ TEST(ArchiveCheck, NamesStayInTheApplication) {
           "Wegslot.app/\xFF", "", "Wegslot.app/.."})
         EXPECT_EQ(objection({{.name = name}}).value_or("").substr(0, 18), "naam buiten de app")
             << name;
-    EXPECT_EQ(objectionTo(zipped(Member{.name = "Wegslot.app"}.bytes() + end)),
+    EXPECT_EQ(objectionTo(zipped(TarMember{.name = "Wegslot.app"}.bytes() + tarEnd)),
               "de app is geen map: Wegslot.app");
     EXPECT_EQ(objection({{.name = "Wegslot.app", .type = '2', .link = "/etc"}}),
               "de app is geen map: Wegslot.app");
@@ -160,11 +88,11 @@ TEST(ArchiveCheck, ABombIsRefusedAtItsHeaderAndAFloodOfZerosWhereItEnds) {
               "te groot: Wegslot.app/x");
     EXPECT_EQ(objection({{.name = "Wegslot.app/x", .size = "77777777777"}}),
               "te groot: Wegslot.app/x");
-    const std::vector<Member> two{{.name = "Wegslot.app/x", .content = std::string(600, 'x')},
-                                  {.name = "Wegslot.app/y", .content = std::string(424, 'y')}};
-    EXPECT_EQ(objectionTo(zipped(archive(two)), 1024), std::nullopt);
-    EXPECT_EQ(objectionTo(zipped(archive(two)), 1023), "te groot: Wegslot.app/y");
-    EXPECT_EQ(objectionTo(zipped(archive({}) + std::string(std::size_t{64} << 20U, '\0'))),
+    const std::vector<TarMember> two{{.name = "Wegslot.app/x", .content = std::string(600, 'x')},
+                                     {.name = "Wegslot.app/y", .content = std::string(424, 'y')}};
+    EXPECT_EQ(objectionTo(zipped(tarOf(two)), 1024), std::nullopt);
+    EXPECT_EQ(objectionTo(zipped(tarOf(two)), 1023), "te groot: Wegslot.app/y");
+    EXPECT_EQ(objectionTo(zipped(tarOf({}) + std::string(std::size_t{64} << 20U, '\0'))),
               "inhoud na het einde");
 }
 
@@ -182,8 +110,7 @@ TEST(ArchiveCheck, NumbersThatSomeReadDifferentlyAreRefused) {
 }
 
 TEST(ArchiveCheck, WhatIsNotWholeOrGoesOnIsRefused) {
-    const std::string plain =
-        archive({{.name = "Wegslot.app/x", .content = std::string(3000, 'x')}});
+    const std::string plain = tarOf({{.name = "Wegslot.app/x", .content = std::string(3000, 'x')}});
     const Bytes whole = zipped(plain);
     EXPECT_EQ(objectionTo(whole), std::nullopt);
     for (std::size_t size = 0; size < whole.size(); ++size)
@@ -191,21 +118,21 @@ TEST(ArchiveCheck, WhatIsNotWholeOrGoesOnIsRefused) {
     Bytes further = whole;
     further.push_back(0);
     EXPECT_EQ(objectionTo(further), "het archief is niet heel");
-    const Bytes second = zipped(app.bytes());
+    const Bytes second = zipped(appMember.bytes());
     Bytes two = whole; // some go on with the next member of the zip
     two.insert(two.end(), second.begin(), second.end());
     EXPECT_EQ(objectionTo(two), "het archief is niet heel");
-    EXPECT_EQ(objectionTo(zipped(plain + app.bytes())), "inhoud na het einde");
+    EXPECT_EQ(objectionTo(zipped(plain + appMember.bytes())), "inhoud na het einde");
     EXPECT_EQ(objectionTo(zipped(plain + "x")), "het archief is niet heel");
-    EXPECT_EQ(objectionTo(zipped(end)), "het archief is leeg");
+    EXPECT_EQ(objectionTo(zipped(tarEnd)), "het archief is leeg");
     EXPECT_EQ(objectionTo(zipped("")), "het archief is niet heel");
-    EXPECT_EQ(objectionTo(zipped(app.bytes())), "het archief is niet heel"); // no empty block
+    EXPECT_EQ(objectionTo(zipped(appMember.bytes())), "het archief is niet heel"); // no empty block
     const std::string text = "geen archief";
     EXPECT_TRUE(objectionTo(Bytes(text.begin(), text.end())));
 }
 
 TEST(ArchiveCheck, EveryFlippedBitIsNoticedOrHarmless) {
-    const Bytes whole = zipped(archive({{.name = "Wegslot.app/x", .content = "inhoud"}}));
+    const Bytes whole = zipped(tarOf({{.name = "Wegslot.app/x", .content = "inhoud"}}));
     int refused = 0;
     for (std::size_t i = 0; i < whole.size() * 8; ++i) {
         Bytes changed = whole;

@@ -40,6 +40,10 @@ std::optional<std::int64_t> buildNumber(std::string_view text) {
     return number;
 }
 
+std::string versionLine(std::string_view version, std::int64_t build) {
+    return "wegslot " + std::string(version) + " (" + std::to_string(build) + ")";
+}
+
 BundleInfo readBundleInfo(std::string_view json) {
     BundleInfo info;
     const Json object = Json::parse(json, nullptr, false);

@@ -23,6 +23,13 @@ struct BundleInfo {
     friend bool operator==(const BundleInfo&, const BundleInfo&) = default;
 };
 
+/// Where an application's folder says who it is, and its program.
+inline constexpr auto infoFile = "Info.json";
+inline constexpr auto programFile = "wegslot";
+
+/// What the program answers to `--version`: "wegslot 1.4 (27)".
+[[nodiscard]] std::string versionLine(std::string_view version, std::int64_t build);
+
 /// Reads an Info.json. Never fails: what is absent or of another type counts as not there, and so
 /// does everything in a text that is no JSON object.
 [[nodiscard]] BundleInfo readBundleInfo(std::string_view json);

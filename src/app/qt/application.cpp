@@ -21,6 +21,11 @@
 #include "model/log.h"
 #include "model/preferences_file.h"
 #include "platform/linux/system_clock.h"
+#include "update/linux/desktop_control.h"
+#include "update/linux/linux_installer.h"
+#include "update/linux/own_bundle.h"
+#include "update/qt/qt_background.h"
+#include "update/qt/qt_http_client.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -115,16 +120,39 @@ std::unique_ptr<WarningHUD> warning(RealWorld& world, const Clock& clock, Schedu
     return std::make_unique<JointHud>(std::move(parts));
 }
 
+/// Where updates come from and go to.
+struct RealUpdates {
+    RealUpdates(OwnBundle bundle, dbus::Connection& session)
+        : installer(bundle.folder, bundle.info.identifier, fs::temp_directory_path()),
+          app(session, [] { QCoreApplication::quit(); }) {}
+
+    QtHttpClient http;
+    QtBackground background;
+    LinuxInstaller installer;
+    DesktopControl app;
+
+    [[nodiscard]] Updater::World world() { return {http, background, installer, app}; }
+};
+
 // Each command on the running loop.
 struct Execute {
     Scheduler& scheduler;
     const Clock& clock;
     PreferencesStore& preferences;
+    const BundleInfo& program;
 
-    int operator()(const command::Run&) const {
+    int operator()(const command::Run& run) const {
         RealWorld world(scheduler, clock, ownLockCommand(preferences));
-        AppModel model({preferences, world.central, world.platform,
-                        [this, &world] { return warning(world, clock, scheduler); }});
+        const auto bundle = bundleOf();
+        std::optional<RealUpdates> updates;
+        if (bundle) updates.emplace(*bundle, world.sessionBus);
+        AppModel model({.preferences = preferences,
+                        .central = world.central,
+                        .platform = world.platform,
+                        .makeHud = [this, &world] { return warning(world, clock, scheduler); },
+                        .bundle = bundle ? bundle->info : program,
+                        .updates = updates ? std::optional(updates->world()) : std::nullopt,
+                        .updateNow = run.updateNow});
         const StatusIcon icon(world, model.monitor(), clock, scheduler,
                               {.open = [](const TrayClick&) {}, // there is no panel yet
                                .lock = [&model] { model.monitor().lockNow(); },
@@ -184,7 +212,7 @@ int ended(int status) {
 
 } // namespace
 
-int runApplication(const Command& command, int& argc, char** argv) {
+int runApplication(const Command& command, const BundleInfo& program, int& argc, char** argv) {
     const Termination termination;
     const bool hasWindows = std::holds_alternative<command::Run>(command) ||
                             std::holds_alternative<command::Demo>(command);
@@ -199,14 +227,14 @@ int runApplication(const Command& command, int& argc, char** argv) {
 
     if (std::holds_alternative<command::Demo>(command)) {
         MemoryStore nothing;
-        return ended(Execute{scheduler, clock, nothing}(command::Demo{}));
+        return ended(Execute{scheduler, clock, nothing, program}(command::Demo{}));
     }
 
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
     if (std::holds_alternative<command::Check>(command)) {
         const ComplainingLog complaints;
         PreferencesFile preferences(preferencesPath, scheduler, PreferencesFile::Access::readOnly);
-        return Execute{scheduler, clock, preferences}(std::get<command::Check>(command));
+        return Execute{scheduler, clock, preferences, program}(std::get<command::Check>(command));
     }
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
     if (!lock) return complain(lock.failure().message);
@@ -219,7 +247,7 @@ int runApplication(const Command& command, int& argc, char** argv) {
         log = std::make_unique<TeeLog>(logPath, clock);
     }
     PreferencesFile preferences(preferencesPath, scheduler);
-    return ended(std::visit(Execute{scheduler, clock, preferences}, command));
+    return ended(std::visit(Execute{scheduler, clock, preferences, program}, command));
 }
 
 } // namespace wegslot

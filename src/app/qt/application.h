@@ -3,10 +3,12 @@
 #pragma once
 
 #include "app/arguments.h"
+#include "update/bundle_info.h"
 
 namespace wegslot {
 
-/// Runs `command` (one that needs an event loop) to its end and answers the exit status.
-int runApplication(const Command& command, int& argc, char** argv);
+/// Runs `command` (one that needs an event loop) to its end and answers the exit status. `program`:
+/// what it is where no folder says so.
+int runApplication(const Command& command, const BundleInfo& program, int& argc, char** argv);
 
 } // namespace wegslot

@@ -1,18 +1,14 @@
 #include "platform/linux/linux_processes.h"
 
-#include "base/text.h"
 #include "platform/linux/process_table.h"
+#include "platform/linux/spawn.h"
 
 #include <algorithm>
-#include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
 
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,39 +36,6 @@ bool isExecutableFile(const fs::path& file) {
 int openProcess(ProcessId process) {
     return static_cast<int>(syscall(SYS_pidfd_open, process.value, 0));
 }
-
-/// How a program is started: apart from this one, with nothing of it but its environment.
-class SpawnPlan {
-public:
-    SpawnPlan() {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions_, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
-        posix_spawnattr_init(&attributes_);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK |
-                                                   POSIX_SPAWN_SETSIGDEF);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&attributes_, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&attributes_, &signals);
-    }
-    SpawnPlan(const SpawnPlan&) = delete;
-    SpawnPlan& operator=(const SpawnPlan&) = delete;
-    ~SpawnPlan() {
-        posix_spawnattr_destroy(&attributes_);
-        posix_spawn_file_actions_destroy(&actions_);
-    }
-
-    [[nodiscard]] const posix_spawn_file_actions_t* actions() const { return &actions_; }
-    [[nodiscard]] const posix_spawnattr_t* attributes() const { return &attributes_; }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-    posix_spawnattr_t attributes_{};
-};
 
 } // namespace
 
@@ -103,17 +66,10 @@ bool LinuxProcesses::isInstalled(const std::string& program) const {
 }
 
 Result<ProcessId> LinuxProcesses::start(const std::vector<std::string>& words) {
-    std::vector<char*> arguments;
-    for (const std::string& word : words)
-        arguments.push_back(const_cast<char*>(word.c_str())); // NOLINT: the callee leaves it as is
-    arguments.push_back(nullptr);
-    const SpawnPlan plan;
-    pid_t process = 0;
-    const int error = posix_spawnp(&process, arguments[0], plan.actions(), plan.attributes(),
-                                   arguments.data(), environ);
-    if (error != 0) return Failure{printable(words.front()) + ": " + std::strerror(error)};
-    started_.insert(ProcessId{process});
-    return ProcessId{process};
+    const auto process = spawn(words);
+    if (!process) return process.failure();
+    started_.insert(ProcessId{*process});
+    return ProcessId{*process};
 }
 
 Subscription LinuxProcesses::onEnd(ProcessId process, std::function<void()> ended) {

@@ -1,0 +1,165 @@
+#include "update/linux/linux_installer.h"
+
+#include "base/text.h"
+#include "base/uuid.h"
+#include "model/log.h"
+#include "platform/linux/spawn.h"
+#include "update/archive_check.h"
+#include "update/bundle_info.h"
+#include "update/linux/swap_script.h"
+#include "update/linux/tool.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace wegslot {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+constexpr std::string_view folderPrefix = "Wegslot-update-";
+
+/// For a program to say who it is.
+constexpr Nanoseconds versionPatience = 5s;
+
+Failure failureAt(const fs::path& path, int error) {
+    return Failure{path.filename().string() + ": " + std::strerror(error)};
+}
+
+std::optional<Uuid> randomUuid() {
+    Uuid uuid;
+    const auto size = static_cast<ssize_t>(uuid.bytes.size());
+    if (getrandom(uuid.bytes.data(), uuid.bytes.size(), 0) != size) return std::nullopt;
+    uuid.bytes[6] = static_cast<std::uint8_t>((uuid.bytes[6] & 0x0FU) | 0x40U); // RFC 4122, 4.4
+    uuid.bytes[8] = static_cast<std::uint8_t>((uuid.bytes[8] & 0x3FU) | 0x80U);
+    return uuid;
+}
+
+bool isOwnFolder(const fs::path& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+           status.st_uid == geteuid();
+}
+
+/// Whole or not at all: the file of this name appears when all of it is on the disk.
+Result<Ready> writeFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    fs::path unfinished = path;
+    unfinished += ".deel";
+    const int file = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (file < 0) return failureAt(path, errno);
+    int error = 0;
+    while (error == 0 && !bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written >= 0)
+            bytes = bytes.subspan(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            error = errno;
+    }
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error == 0 && rename(unfinished.c_str(), path.c_str()) != 0) error = errno;
+    if (error != 0) return failureAt(path, error);
+    return Ready{};
+}
+
+Result<Ready> unpackInto(const fs::path& folder, std::span<const std::uint8_t> image) {
+    const fs::path archive = folder / "update.tar.gz";
+    if (auto written = writeFile(archive, image); !written) return written;
+    const auto unpacked =
+        runTool({"/usr/bin/tar", "--extract", "--gzip", "--no-same-owner", "--no-same-permissions",
+                 "--file", archive, "--directory", folder});
+    std::error_code ignored;
+    fs::remove(archive, ignored);
+    if (!unpacked) return unpacked.failure();
+    return Ready{};
+}
+
+/// What stands in a file of at most `most` bytes; nothing for any other.
+std::string contentOf(const fs::path& path, std::size_t most) {
+    std::ifstream file(path, std::ios::binary);
+    std::string content(most + 1, '\0');
+    file.read(content.data(), static_cast<std::streamsize>(content.size()));
+    content.resize(static_cast<std::size_t>(file.gcount()));
+    return content.size() > most ? std::string() : content;
+}
+
+} // namespace
+
+Result<std::string> LinuxInstaller::unpack(std::span<const std::uint8_t> image) {
+    removeLeftovers();
+    if (const auto objection = objectionTo(image)) {
+        Log::write("Updatebestand geweigerd: " + *objection);
+        return Failure{unexpectedApp};
+    }
+    const auto uuid = randomUuid();
+    if (!uuid) return Failure{"geen toeval voor een tijdelijke map"};
+    const fs::path folder = temporary_ / (std::string(folderPrefix) + uuid->text());
+    std::error_code ignored;
+    fs::create_directories(temporary_, ignored);
+    if (mkdir(folder.c_str(), 0700) != 0) return failureAt(folder, errno);
+    const fs::path app = folder / bundleFolder;
+    if (const auto unpacked = unpackInto(folder, image); !unpacked) {
+        discard(app);
+        return unpacked.failure();
+    }
+    return app.string();
+}
+
+Result<Ready> LinuxInstaller::examine(const std::string& app, const Release& release) {
+    constexpr std::size_t largestInfo = 65536;
+    const BundleInfo info = readBundleInfo(contentOf(fs::path(app) / infoFile, largestInfo));
+    if (info.identifier != identifier_ || info.build != release.build) {
+        Log::write("Updatebestand geweigerd: het is " + info.identifier + " " +
+                   std::to_string(info.build));
+        return Failure{unexpectedApp};
+    }
+    const auto answer = runTool({fs::path(app) / programFile, "--version"}, versionPatience);
+    if (answer && *answer == versionLine(release.version, release.build) + "\n") return Ready{};
+    Log::write("Updatebestand geweigerd: " + (answer
+                                                  ? "het programma noemt zich " + printable(*answer)
+                                                  : answer.failure().message));
+    return Failure{unexpectedApp};
+}
+
+bool LinuxInstaller::mayReplace() const {
+    return access(app_.parent_path().c_str(), W_OK | X_OK) == 0 && access(app_.c_str(), W_OK) == 0;
+}
+
+Result<Ready> LinuxInstaller::launchSwap(const std::string& app) {
+    const fs::path script = fs::path(app).parent_path() / "installer.sh";
+    const std::string_view text = swapScript;
+    const auto written =
+        writeFile(script, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+    if (!written) return written.failure();
+    const auto started = spawn({"/bin/sh", script, std::to_string(getpid()), app, app_.string()});
+    if (!started) return started.failure();
+    return Ready{};
+}
+
+void LinuxInstaller::discard(const std::string& app) {
+    std::error_code ignored;
+    fs::remove_all(fs::path(app).parent_path(), ignored);
+}
+
+void LinuxInstaller::removeLeftovers() const {
+    std::error_code ignored;
+    std::vector<fs::path> leftovers;
+    for (const auto& entry : fs::directory_iterator(temporary_, ignored)) {
+        const std::string name = entry.path().filename();
+        if (name.starts_with(folderPrefix) && Uuid::parse(name.substr(folderPrefix.size())) &&
+            isOwnFolder(entry.path()))
+            leftovers.push_back(entry.path());
+    }
+    for (const fs::path& folder : leftovers)
+        fs::remove_all(folder, ignored);
+}
+
+} // namespace wegslot
