@@ -57,18 +57,45 @@ struct TarMember {
     }
 };
 
+/// Packs what is added piece by piece, so that a bomb need never be whole.
+class Zipper {
+public:
+    explicit Zipper(int level = 9) {
+        deflateInit2(&stream_, level, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY);
+    }
+    Zipper(const Zipper&) = delete;
+    Zipper& operator=(const Zipper&) = delete;
+    ~Zipper() { deflateEnd(&stream_); }
+
+    void add(const std::string& plain) { deflateAll(plain, Z_NO_FLUSH); }
+
+    [[nodiscard]] Bytes finish() {
+        deflateAll({}, Z_FINISH);
+        return packed_;
+    }
+
+private:
+    void deflateAll(const std::string& plain, int flush) {
+        stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(plain.data()));
+        stream_.avail_in = static_cast<uInt>(plain.size());
+        do {
+            Bytes block(65536);
+            stream_.next_out = block.data();
+            stream_.avail_out = static_cast<uInt>(block.size());
+            deflate(&stream_, flush);
+            block.resize(block.size() - stream_.avail_out);
+            packed_.insert(packed_.end(), block.begin(), block.end());
+        } while (stream_.avail_out == 0);
+    }
+
+    z_stream stream_{};
+    Bytes packed_;
+};
+
 inline Bytes zipped(const std::string& plain) {
-    z_stream stream{};
-    deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 9, Z_DEFAULT_STRATEGY);
-    Bytes packed(deflateBound(&stream, plain.size()));
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(plain.data()));
-    stream.avail_in = static_cast<uInt>(plain.size());
-    stream.next_out = packed.data();
-    stream.avail_out = static_cast<uInt>(packed.size());
-    deflate(&stream, Z_FINISH);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
-    return packed;
+    Zipper zipper;
+    zipper.add(plain);
+    return zipper.finish();
 }
 
 inline const TarMember appMember{.name = "Wegslot.app/", .type = '5', .mode = 0755};

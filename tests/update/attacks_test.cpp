@@ -234,11 +234,17 @@ TEST_F(AttackTest, MembersThatAreNoOrdinaryFiles) {
 
 TEST_F(AttackTest, ABomb) {
     const std::string zeros(std::size_t{64} << 20U, '\0');
-    std::vector<TarMember> members;
+    Zipper bomb(1);
+    bomb.add(appMember.bytes());
+    bomb.add(TarMember{.name = "Wegslot.app/Info.json", .content = "{}"}.bytes());
     for (int i = 0; i < 16; ++i)
-        members.push_back({.name = "Wegslot.app/" + std::to_string(i), .content = zeros});
-    EXPECT_EQ(updateTo(members), unexpectedApp); // a gibibyte, and the application besides
-    EXPECT_LT(std::filesystem::file_size(published.folder / "image.tar.gz"), 2'000'000U);
+        bomb.add(TarMember{.name = "Wegslot.app/" + std::to_string(i), .content = zeros}.bytes());
+    bomb.add(tarEnd);
+    const Bytes packed = bomb.finish(); // a gibibyte, and two bytes besides
+    EXPECT_LT(packed.size(), 8'000'000U);
+    EXPECT_EQ(update(published.releaseOf(packed), packed), unexpectedApp);
+    EXPECT_EQ(log.messages[log.messages.size() - 2],
+              "Updatebestand geweigerd: te groot: Wegslot.app/15");
 }
 
 TEST_F(AttackTest, AnImageThatIsTooLong) {
