@@ -122,8 +122,8 @@ protected:
     CapturedLog log;
     VirtualTime time{TimePoint{}};
     HurriedClient client;
-    QtBackground background;
     LinuxInstaller installer{published.app, testIdentifier, published.temporary};
+    QtBackground background;
     FakeInstaller control; ///< what the application was asked
     std::optional<Updater> updater;
 };

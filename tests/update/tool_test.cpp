@@ -53,6 +53,10 @@ TEST(Tool, EndsAProgramThatTakesTooLongAndWhatItStarted) {
     }));
 }
 
+TEST(Tool, WhoEndsItsOutputAndGoesOnTakesTooLongAsWell) {
+    EXPECT_EQ(shell("exec >&-; sleep 1000", 200ms).failure().message, "sh mislukt (137)");
+}
+
 TEST(Tool, ALongAnswerIsCutShort) {
     EXPECT_EQ(runTool({"/bin/sh", "-c", "yes | head -c 100000"}, {}, 10)->size(), 10U);
 }

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <sstream>
+#include <system_error>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -25,6 +26,12 @@ fs::path configuration() {
     // Relative paths are to be ignored.
     const std::string folder = variable("XDG_CONFIG_HOME");
     return folder.starts_with('/') ? fs::path(folder) : home() / ".config";
+}
+
+fs::path temporary() {
+    std::error_code unusable;
+    const fs::path folder = fs::temp_directory_path(unusable);
+    return unusable ? "/tmp" : folder;
 }
 
 std::vector<fs::path> autostart() {

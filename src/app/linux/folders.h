@@ -14,6 +14,9 @@ namespace wegslot::folders {
 [[nodiscard]] std::filesystem::path home();
 [[nodiscard]] std::filesystem::path configuration();
 
+/// For files that may be gone tomorrow: TMPDIR, or /tmp where that is no folder.
+[[nodiscard]] std::filesystem::path temporary();
+
 /// Where entries of programs to start at login are, the user's first.
 [[nodiscard]] std::vector<std::filesystem::path> autostart();
 

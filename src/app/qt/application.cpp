@@ -123,13 +123,13 @@ std::unique_ptr<WarningHUD> warning(RealWorld& world, const Clock& clock, Schedu
 /// Where updates come from and go to.
 struct RealUpdates {
     RealUpdates(OwnBundle bundle, dbus::Connection& session)
-        : installer(bundle.folder, bundle.info.identifier, fs::temp_directory_path()),
+        : installer(bundle.folder, bundle.info.identifier, folders::temporary()),
           app(session, [] { QCoreApplication::quit(); }) {}
 
     QtHttpClient http;
-    QtBackground background;
     LinuxInstaller installer;
     DesktopControl app;
+    QtBackground background; ///< last, for its work uses the others until it has gone
 
     [[nodiscard]] Updater::World world() { return {http, background, installer, app}; }
 };

@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,19 +29,34 @@ int timeoutUntil(const Deadline& deadline) {
     return static_cast<int>(std::clamp<std::chrono::milliseconds::rep>(left.count(), 0, 1'000'000));
 }
 
+/// Until there is something to read, or an end to learn of. False when time was up first.
+bool isReady(int descriptor, const Deadline& deadline) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    int ready = -1;
+    while ((ready = poll(&waiting, 1, timeoutUntil(deadline))) < 0 && errno == EINTR)
+        ;
+    return ready != 0;
+}
+
 /// Reads until the other side is closed, and keeps the beginning. False when time was up first.
 bool readAll(int pipe, const Deadline& deadline, std::size_t most, std::string& output) {
     std::array<char, 4096> block{};
     while (true) {
-        pollfd waiting{pipe, POLLIN, 0};
-        const int ready = poll(&waiting, 1, timeoutUntil(deadline));
-        if (ready == 0) return false;
-        const ssize_t got = ready < 0 ? -1 : read(pipe, block.data(), block.size());
-        if (got < 0 && errno == EINTR) continue;
+        if (!isReady(pipe, deadline)) return false;
+        const ssize_t got = read(pipe, block.data(), block.size());
         if (got <= 0) return true;
         const auto room = std::min(most - output.size(), static_cast<std::size_t>(got));
         output.append(block.data(), room);
     }
+}
+
+/// False when time was up before its end.
+bool hasEnded(pid_t process, const Deadline& deadline) {
+    const int descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+    if (descriptor < 0) return true; // whoever waits for it will wait long enough
+    const bool ended = isReady(descriptor, deadline);
+    close(descriptor);
+    return ended;
 }
 
 int statusOf(pid_t process) {
@@ -64,8 +80,10 @@ Result<std::string> runTool(const std::vector<std::string>& words,
     if (process) {
         Deadline deadline;
         if (patience) deadline = Clock::now() + *patience;
-        // Until its output ends, not until it does: what it left behind counts as well.
-        if (!readAll(pipe[0], deadline, most, output)) kill(-*process, SIGKILL);
+        // Until its output ends and until it does: what it left behind counts as well.
+        const bool inTime =
+            readAll(pipe[0], deadline, most, output) && hasEnded(*process, deadline);
+        if (!inTime) kill(-*process, SIGKILL);
     }
     close(pipe[0]);
     if (!process) return process.failure();
