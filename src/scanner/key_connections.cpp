@@ -55,6 +55,17 @@ void KeyConnections::pollRSSI() {
             central_.readRSSI(id);
 }
 
+void KeyConnections::strengthRead(const Uuid& id, bool told) {
+    if (told)
+        telling_.insert(id);
+    else
+        telling_.erase(id);
+}
+
+bool KeyConnections::tellsStrength(const Uuid& id) const {
+    return telling_.contains(id) && central_.peripheralState(id) == PeripheralState::connected;
+}
+
 void KeyConnections::reconnectLater(const Uuid& id) {
     delayed_.after(reconnectDelay, [this, id] {
         if (state_.get() == CentralState::poweredOn && isActive(id) && isDisconnected(id))

@@ -50,6 +50,12 @@ public:
     /// Asks each connected active key for its signal.
     void pollRSSI();
 
+    /// A reading of the link's strength ended; `told`: it gave one.
+    void strengthRead(const Uuid& id, bool told);
+
+    /// Whether the link stands and told its strength when it was last asked.
+    [[nodiscard]] bool tellsStrength(const Uuid& id) const;
+
     /// Connects `id` in a while, if it is still an active key and still disconnected by then.
     void reconnectLater(const Uuid& id);
 
@@ -58,7 +64,10 @@ public:
 
     void hold(const Uuid& id) { held_.insert(id); }
 
-    void release(const Uuid& id) { held_.erase(id); }
+    void release(const Uuid& id) {
+        held_.erase(id);
+        telling_.erase(id);
+    }
 
     /// Cancels the connection of `id` unless it is an active key or disconnected already.
     void letGo(const Uuid& id);
@@ -71,6 +80,7 @@ private:
     std::set<Uuid> watched_;
     std::set<Uuid> passive_;
     std::unordered_set<Uuid> held_;
+    std::unordered_set<Uuid> telling_; ///< whose last reading gave a strength
     DelayedCalls delayed_;
 };
 

@@ -174,6 +174,31 @@ TEST_F(KeyConnectionsTest, NothingIsConnectedAgainWhileTheRadioIsOff) {
     EXPECT_EQ(world.takeCalls(), Calls{});
 }
 
+TEST_F(KeyConnectionsTest, ASignalIsOfTheLinkWhileTheLinkStandsAndTellsIt) {
+    connectKey();
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+    world.central.rssiRead(numbered(1), -50);
+    EXPECT_TRUE(scanner.hearsOverConnection(numbered(1)));
+    world.hear(1, -60); // it may go on advertising
+    EXPECT_TRUE(scanner.hearsOverConnection(numbered(1)));
+    world.central.rssiRead(numbered(1), std::nullopt);
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+    world.central.rssiRead(numbered(1), 127);
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+}
+
+TEST_F(KeyConnectionsTest, ALinkThatComesBackTellsNothingUntilItIsRead) {
+    connectKey();
+    world.central.rssiRead(numbered(1), -50);
+    world.central.disconnected(numbered(1));
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+    world.central.connected(numbered(1));
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+    world.central.rssiRead(numbered(1), -50);
+    scanner.setWatchedIDs({}); // ends the link without a word
+    EXPECT_FALSE(scanner.hearsOverConnection(numbered(1)));
+}
+
 TEST_F(KeyConnectionsTest, TheDeviceUnderIdentificationKeepsItsConnection) {
     powerOn();
     world.hearApple(2, -50);

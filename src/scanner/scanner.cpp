@@ -145,6 +145,7 @@ void Scanner::didFailToConnect(const Uuid& id) {
 
 void Scanner::didDisconnect(const Uuid& id, const std::optional<std::string>& reason) {
     identifier_.didLose(id);
+    connections_.strengthRead(id, false);
     if (!connections_.isActive(id)) return;
     Log::write("Verbinding met sleutel " + label(id) + " verbroken" +
                (reason ? ": " + printable(*reason) : ""));
@@ -152,7 +153,9 @@ void Scanner::didDisconnect(const Uuid& id, const std::optional<std::string>& re
 }
 
 void Scanner::didReadRSSI(const Uuid& id, std::optional<int> rssi) {
-    if (rssi && isMeasured(*rssi)) devices_.addSample(id, *rssi, clock_.now());
+    const bool told = rssi && isMeasured(*rssi);
+    connections_.strengthRead(id, told);
+    if (told) devices_.addSample(id, *rssi, clock_.now());
 }
 
 void Scanner::didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) {

@@ -70,6 +70,11 @@ public:
     /// Whether the device will soon have another address, so that it is of no use as a key.
     [[nodiscard]] bool changesAddress(const Uuid& id) const { return central_.changesAddress(id); }
 
+    /// Whether the device's signal comes over a connection, not from what it sends to everybody.
+    [[nodiscard]] bool hearsOverConnection(const Uuid& id) const {
+        return connections_.tellsStrength(id);
+    }
+
     /// "Telefoon (0F2C41A7)": a device in a log line, fit for it whatever it calls itself.
     [[nodiscard]] std::string label(const Uuid& id) const;
 

@@ -1,0 +1,70 @@
+#include "ui/key_row.h"
+
+#include "base/text.h"
+#include "scanner/device_names.h"
+#include "ui/symbols.h"
+#include "ui/whole_number.h"
+
+#include <algorithm>
+
+namespace wegslot::panel {
+namespace {
+
+std::string noteOf(const KeyFacts& facts) {
+    // Only where it is known to be foreign: such a key is never connected.
+    if (facts.key.isApple == false) return "Ander merk, alleen luisteren";
+    return facts.isHeardOverConnection ? "verbonden" : "alleen luisteren";
+}
+
+Badge badgeOf(const std::optional<KeyState>& state) {
+    switch (state.value_or(KeyState::away)) {
+    case KeyState::near:
+        return {"Dichtbij", brand::success};
+    case KeyState::leaving:
+        return {"Zwak", brand::orange};
+    case KeyState::away:
+        break;
+    }
+    return {"Weg", brand::lila};
+}
+
+std::string signalOf(const std::optional<Dbm>& rssi) {
+    return rssi ? "Nu " + wholeNumber(rssi->value) + " dBm" : "Geen signaal";
+}
+
+// What is stored is whole, and would pull the slider from under the finger that moves it.
+ThresholdSlider sliderOf(const KeyFacts& facts) {
+    return {std::clamp(facts.held.value_or(facts.key.threshold), ThresholdSlider::lowest,
+                       ThresholdSlider::highest)};
+}
+
+} // namespace
+
+KeyRow keyRow(const KeyFacts& facts) {
+    const KeyDevice& key = facts.key;
+    KeyRow row{.id = key.id,
+               .symbol = DeviceNames::symbol(key.name, key.model),
+               .name = printable(key.name),
+               .note = noteOf(facts),
+               .badge = badgeOf(facts.state),
+               .remove = {.symbol = std::string(symbols::remove),
+                          .text = {},
+                          .tooltip = "Verwijder deze sleutel"},
+               .trouble = facts.changesAddress ? "Wisselt van adres, koppel opnieuw" : "",
+               .signal = signalOf(facts.rssi),
+               .limit = "Lockt onder " + wholeNumber(key.threshold.value) + " dBm",
+               .bar = signalBar(facts.rssi, key.threshold),
+               .farEnd = "Ver",
+               .threshold = sliderOf(facts),
+               .nearEnd = "Dichtbij"};
+    if (facts.rssi)
+        row.setFromHere = {.symbol = {},
+                           .text = "Stel in vanaf hier",
+                           .tooltip = "Zet de drempel 15 dBm onder het huidige signaal. Doe dit "
+                                      "terwijl je achter je Mac zit."};
+    return row;
+}
+
+Dbm thresholdFromHere(Dbm rssi) { return {std::clamp(rssi.value - 15, -90.0, -65.0)}; }
+
+} // namespace wegslot::panel

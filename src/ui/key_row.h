@@ -1,0 +1,53 @@
+// One key in the panel: what it is, what it is judged to be, its signal against its threshold, and
+// what can be done with it.
+#pragma once
+
+#include "model/key_device.h"
+#include "monitor/key_state.h"
+#include "scanner/seen_device.h"
+#include "ui/panel_parts.h"
+#include "ui/signal_bar.h"
+
+#include <optional>
+#include <string>
+
+namespace wegslot::panel {
+
+/// What is known of a key.
+struct KeyFacts {
+    KeyDevice key;
+    std::optional<Dbm> rssi;       ///< nothing: it is not heard
+    std::optional<KeyState> state; ///< nothing: not judged yet
+    bool isHeardOverConnection = false;
+    bool changesAddress = false;  ///< it was a key before it lost its bond
+    std::optional<Dbm> held = {}; ///< where a finger holds the slider
+};
+
+struct KeyRow {
+    Uuid id;
+    std::string symbol;
+    Color symbolColor = brand::navy;
+    std::string name; ///< one line
+    std::string note; ///< how it is followed; quiet, behind the name
+    Badge badge;
+    Button remove;
+    std::string trouble; ///< a line of its own below the name, in `troubleColor`
+    Color troubleColor = brand::danger;
+    std::string signal;
+    std::string limit;
+    SignalBar bar;
+    std::string farEnd; ///< before the slider
+    ThresholdSlider threshold;
+    std::string nearEnd; ///< behind it
+    std::optional<Button> setFromHere;
+
+    friend bool operator==(const KeyRow&, const KeyRow&) = default;
+};
+
+[[nodiscard]] KeyRow keyRow(const KeyFacts& facts);
+
+/// The threshold for somebody who sits at the computer and hears the key with `rssi`: 15 dB below
+/// it, within -90 and -65 dBm. Narrower than the slider: a quick choice is never an extreme one.
+[[nodiscard]] Dbm thresholdFromHere(Dbm rssi);
+
+} // namespace wegslot::panel

@@ -1,0 +1,135 @@
+// Everything that the menu panel shows, as one value: who draws it decides nothing any more. Made
+// anew from the settings, the scanner, the monitor and the updater whenever one of them changes;
+// what can be done with it is PanelModel's.
+#pragma once
+
+#include "model/settings.h"
+#include "monitor/monitor.h"
+#include "scanner/scanner.h"
+#include "ui/key_row.h"
+#include "ui/nearby_group.h"
+#include "ui/panel_parts.h"
+#include "ui/phase_presentation.h"
+#include "ui/scheme.h"
+#include "ui/settings_group.h"
+#include "ui/update_presentation.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace wegslot {
+
+namespace panel {
+
+struct Header {
+    std::string symbol;
+    Color symbolColor; ///< on a tile of navy
+    std::string name;
+    Color nameColor;
+    Color dot;
+    std::string status; ///< one line, quiet
+    Toggle enabled;     ///< a switch without a text
+
+    friend bool operator==(const Header&, const Header&) = default;
+};
+
+struct RulePicker {
+    struct Option {
+        LockRule rule{};
+        std::string text;
+        friend bool operator==(const Option&, const Option&) = default;
+    };
+
+    std::string label;
+    std::vector<Option> options;
+    LockRule selected{};
+
+    friend bool operator==(const RulePicker&, const RulePicker&) = default;
+};
+
+struct KeysSection {
+    std::string title;
+    std::string instruction; ///< on a card, in place of the rows; empty when there are keys
+    std::vector<KeyRow> rows;
+    std::optional<RulePicker> rule;
+
+    friend bool operator==(const KeysSection&, const KeysSection&) = default;
+};
+
+struct PauseMenu {
+    struct Entry {
+        std::string text;
+        Seconds duration;
+        friend bool operator==(const Entry&, const Entry&) = default;
+    };
+
+    std::string text;
+    std::vector<Entry> entries;
+
+    friend bool operator==(const PauseMenu&, const PauseMenu&) = default;
+};
+
+struct Footer {
+    Button lock;
+    std::variant<PauseMenu, Button> pause; ///< the button resumes
+    Button log;
+    Button quit;
+
+    friend bool operator==(const Footer&, const Footer&) = default;
+};
+
+/// Where a finger holds the slider of a key.
+struct HeldThreshold {
+    Uuid id;
+    Dbm value;
+};
+
+/// What only the panel knows.
+struct Flags {
+    bool showNearby = false;
+    bool showNameless = false;
+    bool showSettings = false;
+    bool launchAtLogin = false;
+    std::optional<HeldThreshold> heldThreshold = {};
+    std::optional<NearbyPlaces> heldPlaces = {};
+};
+
+} // namespace panel
+
+/// The parts in the order in which they are shown: the header, then what scrolls, then the
+/// footer, with a divider between each two.
+struct PanelContent {
+    // Device-independent pixels.
+    static constexpr double width = 380;
+    static constexpr double tallest = 600;
+
+    Color ground;
+    Color accent = brand::orange;
+    panel::Header header;
+    panel::UpdateBanner banner;
+    panel::KeysSection keys;
+    panel::NearbyGroup nearby;
+    panel::SettingsGroup settings;
+    panel::Footer footer;
+
+    friend bool operator==(const PanelContent&, const PanelContent&) = default;
+};
+
+/// `visible`: the height of the main screen that no bar covers; nothing without a screen.
+[[nodiscard]] double panelHeight(const std::optional<double>& visible);
+
+struct PanelSources {
+    const Settings& settings;
+    const Scanner& scanner;
+    const Monitor& monitor;
+    const panel::UpdateFacts& update;
+    TimePoint now; ///< on the steady clock
+    const ClockTime& clockTime;
+    Scheme scheme = Scheme::light;
+};
+
+[[nodiscard]] PanelContent panelContent(const PanelSources& sources, const panel::Flags& flags);
+
+} // namespace wegslot

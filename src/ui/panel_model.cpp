@@ -1,0 +1,165 @@
+#include "ui/panel_model.h"
+
+#include "base/text.h"
+#include "model/log.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace wegslot {
+
+PanelModel::PanelModel(Objects objects, Expand expand, std::function<void()> changed)
+    : objects_(std::move(objects)),
+      expand_(expand),
+      changed_(std::move(changed)),
+      flags_{.showNearby = expand == Expand::all,
+             .showNameless = false,
+             .showSettings = expand == Expand::all,
+             .launchAtLogin = objects_.loginItem.isEnabled()} {
+    redrawOnSettings();
+    redrawOn(objects_.scanner.state());
+    redrawOn(objects_.scanner.snapshot());
+    redrawOn(objects_.monitor.phase());
+    redrawOn(objects_.monitor.keyStates());
+    redrawOn(objects_.monitor.snoozeIsManual());
+    redrawOn(objects_.updates.state);
+    redrawOn(objects_.scheme);
+}
+
+template <typename Source>
+void PanelModel::redrawOn(const Source& source) {
+    subscriptions_.push_back(source.onChange([this](const auto&) { changed_(); }));
+}
+
+void PanelModel::redrawOnSettings() {
+    const Settings& settings = objects_.settings;
+    redrawOn(settings.enabled);
+    redrawOn(settings.keys);
+    redrawOn(settings.rule);
+    redrawOn(settings.awayDelay);
+    redrawOn(settings.lostTimeout);
+    redrawOn(settings.warningEnabled);
+    redrawOn(settings.warningSeconds);
+    redrawOn(settings.pauseDuringMeetings);
+    redrawOn(settings.pauseWhileActive);
+    redrawOn(settings.showOtherDevices);
+}
+
+PanelContent PanelModel::content() {
+    const panel::UpdateFacts update{.state = objects_.updates.state.get(),
+                                    .currentVersion = objects_.updates.currentVersion,
+                                    .isConfigured = objects_.updates.isConfigured};
+    PanelContent content = panelContent({.settings = objects_.settings,
+                                         .scanner = objects_.scanner,
+                                         .monitor = objects_.monitor,
+                                         .update = update,
+                                         .now = objects_.clock.now(),
+                                         .clockTime = objects_.clockTime,
+                                         .scheme = objects_.scheme.get()},
+                                        flags_);
+    shown_ = placesOf(content.nearby);
+    if (flags_.heldPlaces) flags_.heldPlaces = shown_;
+    return content;
+}
+
+void PanelModel::appear() {
+    if (expand_ == Expand::asNeeded) flags_.showNearby = objects_.settings.keys.get().empty();
+    objects_.scanner.setDiscoveryActive(flags_.showNearby);
+    flags_.launchAtLogin = objects_.loginItem.isEnabled();
+    changed_();
+}
+
+void PanelModel::disappear() {
+    objects_.scanner.setDiscoveryActive(false);
+    // A panel that goes takes pointer and finger along without a word.
+    flags_.heldPlaces.reset();
+    flags_.heldThreshold.reset();
+}
+
+void PanelModel::openNearby(bool open) {
+    flags_.showNearby = open;
+    // Devices are looked for only while somebody looks at the list.
+    objects_.scanner.setDiscoveryActive(open);
+    changed_();
+}
+
+void PanelModel::openNameless(bool open) {
+    flags_.showNameless = open;
+    changed_();
+}
+
+void PanelModel::openSettings(bool open) {
+    flags_.showSettings = open;
+    changed_();
+}
+
+void PanelModel::set(panel::Choice choice, bool on) {
+    Settings& settings = objects_.settings;
+    switch (choice) {
+    case panel::Choice::enabled:
+        return settings.enabled.set(on);
+    case panel::Choice::showOtherDevices:
+        return settings.showOtherDevices.set(on);
+    case panel::Choice::warningEnabled:
+        return settings.warningEnabled.set(on);
+    case panel::Choice::pauseDuringMeetings:
+        return settings.pauseDuringMeetings.set(on);
+    case panel::Choice::pauseWhileActive:
+        return settings.pauseWhileActive.set(on);
+    case panel::Choice::launchAtLogin:
+        return setLaunchAtLogin(on);
+    }
+}
+
+void PanelModel::setLaunchAtLogin(bool on) {
+    if (const auto failure = objects_.loginItem.setEnabled(on))
+        Log::write("Start bij inloggen mislukt: " + printable(failure->message));
+    flags_.launchAtLogin = objects_.loginItem.isEnabled(); // whatever became of it
+    changed_();
+}
+
+void PanelModel::step(panel::Delay delay, panel::Step step) {
+    auto& setting = panel::settingOf(objects_.settings, delay);
+    setting.set(panel::stepped(setting.get(), panel::rangeOf(delay), step));
+}
+
+void PanelModel::setRule(LockRule rule) { objects_.settings.rule.set(rule); }
+
+void PanelModel::choose(const Uuid& id) {
+    const SeenDevice* const device = find(id);
+    if (device == nullptr || objects_.scanner.changesAddress(id)) return;
+    objects_.settings.addKey(*device);
+}
+
+void PanelModel::removeKey(const Uuid& id) { objects_.settings.removeKey(id); }
+
+void PanelModel::moveThreshold(const Uuid& id, Dbm value) {
+    flags_.heldThreshold = {.id = id, .value = value};
+    objects_.settings.setThreshold(value, id);
+}
+
+void PanelModel::releaseThreshold() {
+    flags_.heldThreshold.reset();
+    changed_();
+}
+
+void PanelModel::setFromHere(const Uuid& id) {
+    const SeenDevice* const device = find(id);
+    if (device == nullptr || !device->rssi) return;
+    objects_.settings.setThreshold(panel::thresholdFromHere(*device->rssi), id);
+}
+
+void PanelModel::holdLists() { flags_.heldPlaces = shown_; }
+
+void PanelModel::releaseLists() {
+    flags_.heldPlaces.reset();
+    changed_();
+}
+
+const SeenDevice* PanelModel::find(const Uuid& id) const {
+    const auto& devices = objects_.scanner.snapshot().get();
+    const auto device = std::ranges::find(devices, id, &SeenDevice::id);
+    return device == devices.end() ? nullptr : &*device;
+}
+
+} // namespace wegslot

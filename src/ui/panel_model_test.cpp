@@ -1,0 +1,365 @@
+#include "ui/panel_model.h"
+
+#include "tests/support/world.h"
+
+using namespace wegslot;
+using namespace wegslot::panel;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+struct FakeLoginItem final : LoginItem {
+    bool enabled = false;
+    std::optional<Failure> failure;
+
+    [[nodiscard]] bool isEnabled() const override { return enabled; }
+
+    [[nodiscard]] std::optional<Failure> setEnabled(bool value) override {
+        if (!failure) enabled = value;
+        return failure;
+    }
+};
+
+struct PanelModelTest : testing::Test {
+    World world;
+    Observable<Updater::State> update;
+    Observable<Scheme> scheme{Scheme::light};
+    FakeLoginItem loginItem;
+    Texts asked; ///< what the panel asked others to do
+    int changes = 0;
+    std::optional<PanelModel> panel;
+
+    void open(const std::vector<KeyDevice>& keys = {},
+              PanelModel::Expand expand = PanelModel::Expand::asNeeded) {
+        AppModel& model = world.run(keys);
+        const auto ask = [this](const char* what) {
+            return [this, what] { asked.push_back(what); };
+        };
+        panel.emplace(
+            PanelModel::Objects{.settings = model.settings(),
+                                .scanner = model.scanner(),
+                                .monitor = model.monitor(),
+                                .updates = {update, "1.3", true, ask("check"), ask("install")},
+                                .loginItem = loginItem,
+                                .requests = {ask("log"), ask("quit")},
+                                .clock = world.time,
+                                .clockTime = [](TimePoint) { return "14:30"; },
+                                .scheme = scheme},
+            expand, [this] { ++changes; });
+        panel->appear();
+    }
+
+    /// Whether a change was told since the last call.
+    bool changed() { return std::exchange(changes, 0) > 0; }
+
+    [[nodiscard]] bool launchAtLogin() {
+        return std::get<Toggle>(panel->content().settings.parts.at(7)).isOn;
+    }
+
+    [[nodiscard]] Dbm threshold() { return world.settings().keys.get().at(0).threshold; }
+
+    [[nodiscard]] Texts listed() {
+        Texts names;
+        for (const NearbyPlace& place : panel->content().nearby.named.places)
+            names.push_back(place.row ? place.row->name : "-");
+        return names;
+    }
+};
+
+} // namespace
+
+TEST_F(PanelModelTest, WithoutKeysTheListIsOpenWhenItAppears) {
+    open();
+    EXPECT_TRUE(panel->content().nearby.isOpen);
+    EXPECT_FALSE(panel->content().settings.isOpen);
+    EXPECT_TRUE(world.scanner().discoveryActive());
+}
+
+TEST_F(PanelModelTest, WithAKeyTheListIsFoldedWhenItAppears) {
+    open({keyNamed("A", 1)});
+    EXPECT_FALSE(panel->content().nearby.isOpen);
+    EXPECT_FALSE(world.scanner().discoveryActive());
+    panel->openNearby(true);
+    panel->disappear();
+    panel->appear();
+    EXPECT_FALSE(panel->content().nearby.isOpen);
+    EXPECT_FALSE(world.scanner().discoveryActive());
+}
+
+TEST_F(PanelModelTest, ForAPictureAllIsOpenButTheNameless) {
+    open({keyNamed("A", 1)}, PanelModel::Expand::all);
+    world.hearApple(2, -60);
+    world.pass(1s);
+    EXPECT_TRUE(panel->content().nearby.isOpen);
+    EXPECT_FALSE(panel->content().nearby.nameless->isOpen);
+    EXPECT_TRUE(panel->content().settings.isOpen);
+    EXPECT_TRUE(world.scanner().discoveryActive());
+}
+
+TEST_F(PanelModelTest, DevicesAreLookedForOnlyWhileTheListIsSeen) {
+    open({keyNamed("A", 1)});
+    panel->openNearby(true);
+    EXPECT_TRUE(panel->content().nearby.isOpen);
+    EXPECT_TRUE(world.scanner().discoveryActive());
+    panel->openNearby(false);
+    EXPECT_FALSE(panel->content().nearby.isOpen);
+    EXPECT_FALSE(world.scanner().discoveryActive());
+    panel->openNearby(true);
+    panel->disappear();
+    EXPECT_FALSE(world.scanner().discoveryActive());
+}
+
+TEST_F(PanelModelTest, GroupsOpenAndFold) {
+    open();
+    world.hearApple(2, -60);
+    world.pass(1s);
+    panel->openNameless(true);
+    panel->openSettings(true);
+    EXPECT_TRUE(panel->content().nearby.nameless->isOpen);
+    EXPECT_TRUE(panel->content().settings.isOpen);
+    panel->openNameless(false);
+    panel->openSettings(false);
+    EXPECT_FALSE(panel->content().nearby.nameless->isOpen);
+    EXPECT_FALSE(panel->content().settings.isOpen);
+}
+
+TEST_F(PanelModelTest, EveryChangeOfWhatItShowsIsTold) {
+    open({keyNamed("A", 1)});
+    static_cast<void>(changed());
+    Settings& settings = world.settings();
+    settings.enabled.set(true);
+    EXPECT_TRUE(changed());
+    settings.keys.set(settings.keys.get());
+    EXPECT_TRUE(changed());
+    settings.rule.set(LockRule::anyAway);
+    EXPECT_TRUE(changed());
+    for (Setting<Seconds>* delay :
+         {&settings.awayDelay, &settings.lostTimeout, &settings.warningSeconds}) {
+        delay->set(Seconds{9});
+        EXPECT_TRUE(changed());
+    }
+    for (Setting<bool>* choice : {&settings.warningEnabled, &settings.pauseDuringMeetings,
+                                  &settings.pauseWhileActive, &settings.showOtherDevices}) {
+        choice->set(true);
+        EXPECT_TRUE(changed());
+    }
+    world.scanner().refreshSnapshot();
+    EXPECT_TRUE(changed());
+    world.central.setState(CentralState::poweredOff);
+    EXPECT_TRUE(changed());
+    update.set(update_state::Checking{});
+    EXPECT_TRUE(changed());
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(changed());
+    world.monitor().lockNow();
+    EXPECT_TRUE(changed());
+    world.pass(1s);
+    EXPECT_TRUE(changed());
+    world.monitor().resume();
+    EXPECT_EQ(changes, 3); // the pause, the list and the judgements
+}
+
+TEST_F(PanelModelTest, NothingIsToldAfterItHasGone) {
+    open();
+    panel.reset();
+    static_cast<void>(changed());
+    world.settings().enabled.set(true);
+    update.set(update_state::Checking{});
+    world.pass(5s);
+    EXPECT_FALSE(changed());
+}
+
+TEST_F(PanelModelTest, ShowsTheStateOfTheUpdater) {
+    open();
+    update.set(update_state::InstallFailed{"De schijf is vol"});
+    EXPECT_EQ(std::get<UpdateTrouble>(panel->content().banner).text,
+              "Update mislukt: De schijf is vol");
+    EXPECT_EQ(std::get<VersionBlock>(panel->content().settings.parts.back()).version, "Versie 1.3");
+    scheme.set(Scheme::dark);
+    EXPECT_EQ(panel->content().ground, brand::navy);
+}
+
+TEST_F(PanelModelTest, EachChoiceGoesToItsSetting) {
+    open();
+    Settings& settings = world.settings();
+    const std::vector<std::pair<Choice, Setting<bool>*>> choices{
+        {Choice::enabled, &settings.enabled},
+        {Choice::showOtherDevices, &settings.showOtherDevices},
+        {Choice::warningEnabled, &settings.warningEnabled},
+        {Choice::pauseDuringMeetings, &settings.pauseDuringMeetings},
+        {Choice::pauseWhileActive, &settings.pauseWhileActive}};
+    for (const auto& [choice, setting] : choices)
+        for (const bool on : {false, true, false}) {
+            panel->set(choice, on);
+            EXPECT_EQ(setting->get(), on);
+        }
+    panel->setRule(LockRule::anyAway);
+    EXPECT_EQ(settings.rule.get(), LockRule::anyAway);
+}
+
+TEST_F(PanelModelTest, EachStepGoesToItsSetting) {
+    open();
+    panel->step(Delay::awayDelay, Step::up);
+    panel->step(Delay::lostTimeout, Step::up);
+    panel->step(Delay::warningSeconds, Step::down);
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{6});
+    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{20});
+    EXPECT_EQ(world.settings().warningSeconds.get(), Seconds{4});
+    for (int i = 0; i < 5; ++i)
+        panel->step(Delay::warningSeconds, Step::down);
+    EXPECT_EQ(world.settings().warningSeconds.get(), Seconds{3});
+}
+
+TEST_F(PanelModelTest, StartingAtLoginIsRegistered) {
+    open();
+    EXPECT_FALSE(launchAtLogin());
+    panel->set(Choice::launchAtLogin, true);
+    EXPECT_TRUE(loginItem.enabled);
+    EXPECT_TRUE(launchAtLogin());
+    panel->set(Choice::launchAtLogin, false);
+    EXPECT_FALSE(loginItem.enabled);
+    EXPECT_FALSE(launchAtLogin());
+}
+
+TEST_F(PanelModelTest, ARegistrationThatFailsIsLoggedAndSpringsBack) {
+    open();
+    loginItem.failure = Failure{"geen plaats\nop de schijf"};
+    static_cast<void>(changed());
+    panel->set(Choice::launchAtLogin, true);
+    EXPECT_FALSE(launchAtLogin());
+    EXPECT_TRUE(changed());
+    EXPECT_TRUE(world.logged("Start bij inloggen mislukt: geen plaats\uFFFDop de schijf"));
+}
+
+TEST_F(PanelModelTest, TheLoginItemIsAskedAgainEachTimeThePanelAppears) {
+    loginItem.enabled = true;
+    open();
+    EXPECT_TRUE(launchAtLogin());
+    panel->disappear();
+    loginItem.enabled = false;
+    panel->appear();
+    EXPECT_FALSE(launchAtLogin());
+}
+
+TEST_F(PanelModelTest, AChosenDeviceBecomesAKeyAndLeavesTheList) {
+    open();
+    world.hearApple(1, -60, 0x10, "Mijn iPhone");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"Mijn iPhone"}));
+    panel->choose(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), (std::vector<KeyDevice>{{.id = numbered(1),
+                                                                    .name = "Mijn iPhone",
+                                                                    .model = {},
+                                                                    .isApple = true,
+                                                                    .threshold = Dbm{-75}}}));
+    EXPECT_EQ(listed(), Texts{});
+    EXPECT_TRUE(panel->content().nearby.isOpen); // for the next one
+    panel->choose(numbered(1));
+    EXPECT_EQ(world.settings().keys.get().size(), 1U);
+}
+
+TEST_F(PanelModelTest, ADeviceThatHasGoneOrWillBeAStrangerIsNoKey) {
+    open();
+    world.hearApple(1, -60, 0x10, "Mijn iPhone");
+    world.central.setChanging(numbered(1), true);
+    world.pass(1s);
+    panel->choose(numbered(1));
+    panel->choose(numbered(2));
+    EXPECT_TRUE(world.settings().keys.get().empty());
+    world.central.setChanging(numbered(1), false);
+    panel->choose(numbered(1));
+    EXPECT_EQ(world.settings().keys.get().size(), 1U);
+}
+
+TEST_F(PanelModelTest, AKeyIsRemoved) {
+    open({keyNamed("A", 1), keyNamed("B", 2)});
+    panel->removeKey(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), (std::vector{keyNamed("B", 2)}));
+}
+
+TEST_F(PanelModelTest, AMovedThresholdIsStoredWholeAndTheSliderRestsThereWhenLetGo) {
+    open({keyNamed("A", 1)});
+    panel->moveThreshold(numbered(1), Dbm{-71.5});
+    EXPECT_EQ(threshold(), Dbm{-72});
+    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71.5});
+    world.pass(3s);
+    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71.5});
+    static_cast<void>(changed());
+    panel->releaseThreshold();
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-72});
+}
+
+TEST_F(PanelModelTest, FromHereTheThresholdIs15BelowThePresentSignal) {
+    open({keyNamed("A", 1)});
+    panel->setFromHere(numbered(1));
+    EXPECT_EQ(threshold(), Dbm{-75});
+    world.keepHearing(1, -70, 1);
+    panel->setFromHere(numbered(1));
+    EXPECT_EQ(threshold(), Dbm{-85});
+    world.pass(60s);
+    world.settings().setThreshold(Dbm{-50}, numbered(1));
+    panel->setFromHere(numbered(1));
+    EXPECT_EQ(threshold(), Dbm{-50});
+}
+
+TEST_F(PanelModelTest, UnderAPointerTheListStandsStillUntilItIsLeft) {
+    open();
+    world.hearApple(2, -60, 0x10, "M");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"M"}));
+    panel->holdLists();
+    world.hearApple(1, -60, 0x10, "Z");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"M", "Z"}));
+    world.hearApple(3, -60, 0x10, "A");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"M", "Z", "A"}));
+    panel->choose(numbered(2));
+    EXPECT_EQ(listed(), (Texts{"-", "Z", "A"}));
+    static_cast<void>(changed());
+    panel->releaseLists();
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(listed(), (Texts{"A", "Z"}));
+}
+
+TEST_F(PanelModelTest, NothingIsHeldAfterItDisappeared) {
+    open();
+    world.hearApple(2, -60, 0x10, "M");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"M"}));
+    panel->holdLists();
+    panel->choose(numbered(2));
+    panel->moveThreshold(numbered(2), Dbm{-71.4});
+    panel->disappear();
+    panel->appear();
+    panel->openNearby(true);
+    world.hearApple(1, -60, 0x10, "Z");
+    world.hearApple(3, -60, 0x10, "A");
+    world.pass(1s);
+    EXPECT_EQ(listed(), (Texts{"A", "Z"}));
+    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71});
+}
+
+TEST_F(PanelModelTest, LocksPausesAndResumes) {
+    open({keyNamed("A", 1)});
+    world.keepHearing(1, -60, 2);
+    panel->pause(Seconds{900});
+    EXPECT_EQ(world.phaseName(), "snoozed");
+    panel->resume();
+    EXPECT_EQ(world.phaseName(), "present");
+    panel->lockNow();
+    EXPECT_EQ(world.phaseName(), "locked");
+    EXPECT_EQ(world.locks, 1);
+}
+
+TEST_F(PanelModelTest, WhatOthersDoIsAskedOfThem) {
+    open();
+    panel->checkForUpdates();
+    panel->installUpdate();
+    panel->openLog();
+    panel->quit();
+    EXPECT_EQ(asked, (Texts{"check", "install", "log", "quit"}));
+}

@@ -1,0 +1,97 @@
+#include "ui/settings_group.h"
+
+#include "ui/whole_number.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace wegslot::panel {
+namespace {
+
+struct Wording {
+    std::string before;
+    std::string after;
+};
+
+Stepper stepper(Delay delay, Seconds value, const Wording& wording) {
+    const DelayRange range = rangeOf(delay);
+    const Seconds known = std::isnan(value.count()) ? Seconds{0} : value;
+    return {.delay = delay,
+            .text = wording.before + wholeNumber(known.count()) + wording.after,
+            .canDecrease = known > range.lowest,
+            .canIncrease = known < range.highest};
+}
+
+Stepper countdownStepper(const Settings& settings) {
+    Stepper part =
+        stepper(Delay::warningSeconds, settings.warningSeconds.get(), {"Aftellen vanaf ", " s"});
+    part.isIndented = true;
+    part.isShown = settings.warningEnabled.get();
+    return part;
+}
+
+} // namespace
+
+SettingsGroup settingsGroup(const Settings& settings, bool isOpen, bool launchAtLogin,
+                            const UpdateFacts& update) {
+    return {
+        .title = "Instellingen",
+        .isOpen = isOpen,
+        .parts = {
+            stepper(Delay::awayDelay, settings.awayDelay.get(), {"Weg na ", " s zwak signaal"}),
+            stepper(Delay::lostTimeout, settings.lostTimeout.get(), {"Weg na ", " s geen signaal"}),
+            Divider{},
+            Toggle{.choice = Choice::warningEnabled,
+                   .text = "Waarschuw voordat je Mac lockt",
+                   .tooltip = {},
+                   .isOn = settings.warningEnabled.get()},
+            countdownStepper(settings),
+            Toggle{.choice = Choice::pauseDuringMeetings,
+                   .text = "Niet locken tijdens videobellen",
+                   .tooltip = "Pauzeert als je camera of microfoon in gebruik is",
+                   .isOn = settings.pauseDuringMeetings.get()},
+            Toggle{.choice = Choice::pauseWhileActive,
+                   .text = "Niet locken als je je Mac gebruikt",
+                   .tooltip = "Pauzeert als je de afgelopen 10 seconden typte of de muis bewoog",
+                   .isOn = settings.pauseWhileActive.get()},
+            Toggle{.choice = Choice::launchAtLogin,
+                   .text = "Start bij inloggen",
+                   .tooltip = {},
+                   .isOn = launchAtLogin},
+            Divider{},
+            versionBlock(update),
+        }};
+}
+
+DelayRange rangeOf(Delay delay) {
+    switch (delay) {
+    case Delay::awayDelay:
+        return {Seconds{2}, Seconds{60}, Seconds{1}};
+    case Delay::lostTimeout:
+        return {Seconds{5}, Seconds{120}, Seconds{5}};
+    case Delay::warningSeconds:
+        break;
+    }
+    return {Seconds{3}, Seconds{30}, Seconds{1}};
+}
+
+Setting<Seconds>& settingOf(Settings& settings, Delay delay) {
+    switch (delay) {
+    case Delay::awayDelay:
+        return settings.awayDelay;
+    case Delay::lostTimeout:
+        return settings.lostTimeout;
+    case Delay::warningSeconds:
+        break;
+    }
+    return settings.warningSeconds;
+}
+
+Seconds stepped(Seconds value, const DelayRange& range, Step step) {
+    const Seconds known = std::isnan(value.count()) ? Seconds{0} : value;
+    const Seconds moved = step == Step::up ? known + range.step : known - range.step;
+    return std::clamp(moved, range.lowest, range.highest);
+}
+
+} // namespace wegslot::panel

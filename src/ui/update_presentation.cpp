@@ -1,0 +1,81 @@
+#include "ui/update_presentation.h"
+
+#include "base/text.h"
+#include "ui/symbols.h"
+
+#include <utility>
+
+namespace wegslot::panel {
+namespace {
+
+struct BannerOf {
+    const UpdateFacts& facts;
+
+    UpdateBanner operator()(const update_state::Available& state) const {
+        return offer(state.release, Button{.symbol = {}, .text = "Update"});
+    }
+    UpdateBanner operator()(const update_state::Downloading& state) const {
+        return offer(state.release, Busy{"Downloaden"});
+    }
+    UpdateBanner operator()(const update_state::Installing& state) const {
+        return offer(state.release, Busy{"Installeren"});
+    }
+    UpdateBanner operator()(const update_state::InstallFailed& state) const {
+        return UpdateTrouble{.symbol = std::string(symbols::warning),
+                             .text = "Update mislukt: " + state.message,
+                             .retry = {.symbol = {}, .text = "Probeer opnieuw"}};
+    }
+    UpdateBanner operator()(const update_state::Idle&) const { return {}; }
+    UpdateBanner operator()(const update_state::Checking&) const { return {}; }
+    UpdateBanner operator()(const update_state::UpToDate&) const { return {}; }
+    UpdateBanner operator()(const update_state::Failed&) const { return {}; }
+
+    [[nodiscard]] UpdateBanner offer(const Release& release,
+                                     std::variant<Button, Busy> install) const {
+        return UpdateOffer{.symbol = std::string(symbols::update),
+                           .title = "Versie " + printable(release.version) + " is er",
+                           .current = "Je hebt nu " + facts.currentVersion,
+                           .install = std::move(install),
+                           .notes = release.notes.value_or("")};
+    }
+};
+
+struct StatusOf {
+    bool isConfigured;
+
+    std::string operator()(const update_state::Available& state) const {
+        return "Versie " + printable(state.release.version) + " is beschikbaar";
+    }
+    std::string operator()(const update_state::Failed& state) const { return state.message; }
+    std::string operator()(const update_state::InstallFailed& state) const { return state.message; }
+    std::string operator()(const update_state::Checking&) const { return "Zoeken…"; }
+    std::string operator()(const update_state::UpToDate&) const {
+        return "Je hebt de nieuwste versie";
+    }
+    std::string operator()(const update_state::Idle&) const { return quiet(); }
+    // The banner tells what is under way.
+    std::string operator()(const update_state::Downloading&) const { return quiet(); }
+    std::string operator()(const update_state::Installing&) const { return quiet(); }
+
+    [[nodiscard]] std::string quiet() const {
+        return isConfigured ? "" : "Updates staan uit in deze versie";
+    }
+};
+
+} // namespace
+
+UpdateBanner updateBanner(const UpdateFacts& facts) {
+    return std::visit(BannerOf{facts}, facts.state);
+}
+
+VersionBlock versionBlock(const UpdateFacts& facts) {
+    const bool isChecking = std::holds_alternative<update_state::Checking>(facts.state);
+    return {.version = "Versie " + facts.currentVersion,
+            .status = std::visit(StatusOf{facts.isConfigured}, facts.state),
+            .check = {.symbol = {},
+                      .text = "Zoek naar updates",
+                      .tooltip = {},
+                      .isEnabled = facts.isConfigured && !isChecking}};
+}
+
+} // namespace wegslot::panel
