@@ -46,11 +46,12 @@ endfunction()
 
 add_custom_target(pure_tests)
 
-# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE what])
-# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Of the
-# tests that name the same ALONE, one runs at a time.
+# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE])
+# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Tests
+# that need nothing but a processor run beside any others, those with real parts one at a time, and
+# beside one that is ALONE nothing runs: it sees the whole machine, or needs all of it.
 function(wegslot_test name)
-  cmake_parse_arguments(arg "" "LABEL;TIMEOUT;ALONE" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
+  cmake_parse_arguments(arg "ALONE" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
   if(NOT arg_TIMEOUT)
@@ -66,16 +67,16 @@ function(wegslot_test name)
   if(arg_WRAPPER)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
   endif()
-  # Those that need nothing but a processor run beside others; real parts answer too late when the
-  # processors have something else to do.
-  set(serial ON)
+  set(company RESOURCE_LOCK real_parts)
   if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
     add_dependencies(pure_tests ${name})
-    set(serial OFF)
+    set(company)
+  endif()
+  if(arg_ALONE)
+    set(company RUN_SERIAL ON)
   endif()
   gtest_discover_tests(${name}
     TEST_PREFIX "${arg_LABEL}/"
     DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} RESOURCE_LOCK "${arg_ALONE}"
-      RUN_SERIAL ${serial})
+    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} ${company})
 endfunction()

@@ -43,9 +43,8 @@ struct UpdatingWorld : World {
 
     [[nodiscard]] AppModel::Surroundings updating(std::int64_t build, bool now) {
         auto around = surroundings();
-        around.bundle = {.build = build,
-                         .feed = "https://updates.example/feed.json",
-                         .key = PublicKey{}};
+        around.bundle = {
+            .build = build, .feed = "https://updates.example/feed.json", .key = PublicKey{}};
         around.updates.emplace(Updater::World{http, background, installer, installer});
         around.updateNow = now;
         return around;
@@ -82,8 +81,7 @@ TEST(AppModel, UpdateNowInstallsNothingWhereNothingIsNewer) {
     UpdatingWorld world;
     world.model.emplace(world.updating(2, true));
     world.time.advance(std::chrono::seconds{5});
-    EXPECT_EQ(world.model->updater().state().get(),
-              Updater::State(update_state::UpToDate{}));
+    EXPECT_EQ(world.model->updater().state().get(), Updater::State(update_state::UpToDate{}));
     EXPECT_EQ(world.http.requests.size(), 1U);
     EXPECT_TRUE(world.log.messages.empty());
 }

@@ -1,6 +1,7 @@
 #include "ui/panel_content.h"
 
 #include "base/text.h"
+#include "ui/panel_colors.h"
 #include "ui/symbols.h"
 
 #include <algorithm>
@@ -96,7 +97,7 @@ double panelHeight(const std::optional<double>& visible) {
 }
 
 PanelContent panelContent(const PanelSources& sources, const Flags& flags) {
-    return {.ground = sources.scheme == Scheme::dark ? brand::navy : brand::cream,
+    return {.ground = panelColors(sources.scheme).ground,
             .header = header(sources),
             .banner = updateBanner(sources.update),
             .keys = keysSection(sources, flags),

@@ -1,6 +1,6 @@
 #include "ui/panel_model.h"
 
-#include "tests/support/world.h"
+#include "tests/support/panel_world.h"
 
 using namespace wegslot;
 using namespace wegslot::panel;
@@ -10,44 +10,13 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-struct FakeLoginItem final : LoginItem {
-    bool enabled = false;
-    std::optional<Failure> failure;
-
-    [[nodiscard]] bool isEnabled() const override { return enabled; }
-
-    [[nodiscard]] std::optional<Failure> setEnabled(bool value) override {
-        if (!failure) enabled = value;
-        return failure;
-    }
-};
-
-struct PanelModelTest : testing::Test {
-    World world;
-    Observable<Updater::State> update;
-    Observable<Scheme> scheme{Scheme::light};
-    FakeLoginItem loginItem;
-    Texts asked; ///< what the panel asked others to do
+struct PanelModelTest : testing::Test, PanelWorld {
     int changes = 0;
     std::optional<PanelModel> panel;
 
     void open(const std::vector<KeyDevice>& keys = {},
               PanelModel::Expand expand = PanelModel::Expand::asNeeded) {
-        AppModel& model = world.run(keys);
-        const auto ask = [this](const char* what) {
-            return [this, what] { asked.push_back(what); };
-        };
-        panel.emplace(
-            PanelModel::Objects{.settings = model.settings(),
-                                .scanner = model.scanner(),
-                                .monitor = model.monitor(),
-                                .updates = {update, "1.3", true, ask("check"), ask("install")},
-                                .loginItem = loginItem,
-                                .requests = {ask("log"), ask("quit")},
-                                .clock = world.time,
-                                .clockTime = [](TimePoint) { return "14:30"; },
-                                .scheme = scheme},
-            expand, [this] { ++changes; });
+        panel.emplace(run(keys), expand, [this] { ++changes; });
         panel->appear();
     }
 

@@ -32,7 +32,9 @@ public:
                         {"DISPLAY", ""},
                         {"WAYLAND_DISPLAY", ""}}) {
         application_ = std::make_unique<QApplication>(argc_, static_cast<char**>(arguments_));
-        QApplication::setFont(QFont(fontFamily));
+        QFont font(fontFamily);
+        font.setPixelSize(14); // between what the desktops set
+        QApplication::setFont(font);
     }
 
     /// Whether the font is the one that the references were made with.

@@ -29,11 +29,21 @@ std::vector<std::string> scriptLines() {
     return lines;
 }
 
-class SwapTest : public testing::Test {
-protected:
-    SwapTest() {
+/// An installed application, a newer one and the script, in a folder of their own.
+struct Place {
+    Place() {
         makeApplication(target, "1.3", 1);
         makeApplication(fresh, "1.4", 2);
+        old = contentsOf(target);
+        neu = contentsOf(fresh);
+    }
+
+    /// More to copy.
+    void addIcons() {
+        for (int i = 0; i < 50; ++i) {
+            writeText(fresh / "icons" / std::to_string(i), std::string(2000, 'n'));
+            writeText(target / "icons" / std::to_string(i), std::string(2000, 'o'));
+        }
         old = contentsOf(target);
         neu = contentsOf(fresh);
     }
@@ -96,6 +106,8 @@ protected:
     std::map<std::string, std::string> neu;
 };
 
+struct SwapTest : testing::Test, Place {};
+
 } // namespace
 
 TEST_F(SwapTest, PutsTheNewApplicationInPlaceStartsItAndCleansUp) {
@@ -150,52 +162,32 @@ TEST_F(SwapTest, KilledBeforeAnyOfItsLinesLeavesAWholeApplicationAndFinishesTheN
         std::string script;
         for (std::size_t i = 0; i < lines.size(); ++i)
             script += (i == at ? "kill -9 $$\n" : "") + lines[i] + "\n";
-        fs::remove_all(apps);
-        fs::remove_all(temporary);
-        makeApplication(target, "1.3", 1);
-        makeApplication(fresh, "1.4", 2);
-        write(script);
-        run();
-        ASSERT_TRUE(isWhole(target) || isOld(beside(".oud"))) << lines[at];
-        if (!fs::exists(file)) continue; // it had come to its end
+        const Place place; // what was started before may still be at work in its own
+        place.write(script);
+        place.run();
+        ASSERT_TRUE(place.isWhole(place.target) || place.isOld(place.beside(".oud"))) << lines[at];
+        if (!fs::exists(place.file)) continue; // it had come to its end
         ++killed;
-        write(swapScript);
-        run();
-        EXPECT_TRUE(isNew(target)) << lines[at];
-        EXPECT_EQ(started(), "2") << lines[at];
-        EXPECT_FALSE(fs::exists(temporary)) << lines[at];
-        EXPECT_FALSE(fs::exists(beside(".oud"))) << lines[at];
-        EXPECT_FALSE(fs::exists(beside(".nieuw"))) << lines[at];
+        place.write(swapScript);
+        place.run();
+        SCOPED_TRACE(lines[at]);
+        place.expectFinished();
     }
     EXPECT_GT(killed, lines.size() / 2);
 }
 
 // The same at moments of no line's choosing, with enough to copy that some fall into it.
 TEST_F(SwapTest, KilledAtAnyMomentLeavesAWholeApplicationAndFinishesTheNextTime) {
-    for (int i = 0; i < 50; ++i)
-        writeText(fresh / "icons" / std::to_string(i), std::string(2000, 'n'));
-    for (int i = 0; i < 50; ++i)
-        writeText(target / "icons" / std::to_string(i), std::string(2000, 'o'));
-    old = contentsOf(target);
-    neu = contentsOf(fresh);
-    const fs::path oldCopy = home.path() / "old";
-    const fs::path newCopy = home.path() / "new";
-    fs::copy(target, oldCopy, fs::copy_options::recursive);
-    fs::copy(fresh, newCopy, fs::copy_options::recursive);
     int unfinished = 0;
     for (int delay = 0; delay < 40; ++delay) {
-        fs::remove_all(apps);
-        fs::remove_all(temporary);
-        fs::create_directories(apps);
-        fs::create_directories(temporary);
-        fs::copy(oldCopy, target, fs::copy_options::recursive);
-        fs::copy(newCopy, fresh, fs::copy_options::recursive);
-        write(swapScript);
+        Place place;
+        place.addIcons();
+        place.write(swapScript);
         const pid_t script = fork();
         if (script == 0) {
             setpgid(0, 0);
-            execl("/bin/sh", "sh", file.c_str(), "999999999", fresh.c_str(), target.c_str(),
-                  nullptr);
+            execl("/bin/sh", "sh", place.file.c_str(), "999999999", place.fresh.c_str(),
+                  place.target.c_str(), nullptr);
             _exit(127);
         }
         setpgid(script, script);
@@ -203,14 +195,12 @@ TEST_F(SwapTest, KilledAtAnyMomentLeavesAWholeApplicationAndFinishesTheNextTime)
         kill(-script, SIGKILL);
         int status = 0;
         waitpid(script, &status, 0);
-        ASSERT_TRUE(isWhole(target) || isOld(beside(".oud"))) << delay;
-        if (!fs::exists(file) || !fs::exists(fresh)) continue;
+        ASSERT_TRUE(place.isWhole(place.target) || place.isOld(place.beside(".oud"))) << delay;
+        if (!fs::exists(place.file) || !fs::exists(place.fresh)) continue;
         ++unfinished;
-        run();
-        EXPECT_EQ(started(), "2") << delay;
-        EXPECT_TRUE(isNew(target)) << delay;
-        EXPECT_FALSE(fs::exists(beside(".oud"))) << delay;
-        EXPECT_FALSE(fs::exists(temporary)) << delay;
+        place.run();
+        SCOPED_TRACE(delay);
+        place.expectFinished();
     }
     EXPECT_GT(unfinished, 0);
 }

@@ -18,12 +18,16 @@ QFont titleFont() {
 } // namespace
 
 SectionTitle::SectionTitle(const std::string& text) {
-    const QString plain = QString::fromStdString(text);
     setTextFormat(Qt::PlainText);
     setFont(titleFont());
     QPalette colors = palette();
     colors.setColor(QPalette::WindowText, qtColor(brand::lila));
     setPalette(colors);
+    setTitle(text);
+}
+
+void SectionTitle::setTitle(const std::string& text) {
+    const QString plain = QString::fromStdString(text);
     // By the rules of the texts' language, not of the user's: a Turkish i stays one.
     setText(QLocale(QLocale::Dutch).toUpper(plain));
     setAccessibleName(plain);

@@ -1,0 +1,34 @@
+#include "ui/qt/panel/header_view.h"
+
+namespace wegslot {
+
+HeaderView::HeaderView(const PanelContext& context)
+    : context_(context),
+      tile_(context.images, QSize(40, 40), 22, 11),
+      name_(brand::heading(17, FontWeight::heavy)),
+      status_(brand::body(12), Text::Fit::elided) {
+    layout_.setContentsMargins(16, 16, 16, 12);
+    layout_.setSpacing(12);
+    texts_.setSpacing(2);
+    line_.setSpacing(5);
+    line_.addWidget(&dot_);
+    line_.addWidget(&status_, 1);
+    texts_.addWidget(&name_);
+    texts_.addLayout(&line_);
+    layout_.addWidget(&tile_);
+    layout_.addLayout(&texts_, 1);
+    layout_.addWidget(&enabled_);
+    connect(&enabled_, &QAbstractButton::clicked, this,
+            [this](bool on) { context_.model.set(panel::Choice::enabled, on); });
+}
+
+void HeaderView::show(const panel::Header& header) {
+    const PanelColors colors = context_.colors();
+    tile_.show(header.symbol, header.symbolColor, brand::navy);
+    name_.show(header.name, header.nameColor);
+    dot_.show(header.dot);
+    status_.show(header.status, colors.quiet);
+    enabled_.show(header.enabled, colors);
+}
+
+} // namespace wegslot

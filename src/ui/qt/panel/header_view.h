@@ -1,0 +1,33 @@
+// The head of the panel: the phase as a symbol and in words, and the switch for all of it.
+#pragma once
+
+#include "ui/qt/panel/panel_context.h"
+#include "ui/qt/panel/small_parts.h"
+#include "ui/qt/panel/text.h"
+#include "ui/qt/panel/toggles.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace wegslot {
+
+class HeaderView final : public QWidget {
+public:
+    explicit HeaderView(const PanelContext& context);
+
+    void show(const panel::Header& header);
+    using QWidget::show;
+
+private:
+    PanelContext context_;
+    SymbolView tile_;
+    Text name_;
+    Patch dot_{7, 7, 3.5};
+    Text status_;
+    Switch enabled_;
+    QHBoxLayout layout_{this};
+    QVBoxLayout texts_;
+    QHBoxLayout line_;
+};
+
+} // namespace wegslot

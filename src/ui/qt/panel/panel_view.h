@@ -1,0 +1,49 @@
+// The whole panel as a widget of fixed width: head, what scrolls, foot. Draws what it is given.
+#pragma once
+
+#include "ui/qt/panel/footer_view.h"
+#include "ui/qt/panel/header_view.h"
+#include "ui/qt/panel/keys_view.h"
+#include "ui/qt/panel/nearby_view.h"
+#include "ui/qt/panel/panel_context.h"
+#include "ui/qt/panel/settings_view.h"
+#include "ui/qt/panel/update_view.h"
+
+#include <QScrollArea>
+
+namespace wegslot {
+
+class PanelView final : public QWidget {
+public:
+    /// `height` in pixels.
+    PanelView(const PanelContext& context, int height);
+
+    void show(const PanelContent& content);
+    using QWidget::show;
+
+    /// Gives the keyboard to the next control in the order of reading, or to the one before.
+    bool moveFocus(bool next);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool focusNextPrevChild(bool next) override { return moveFocus(next); }
+
+private:
+    PanelContext context_;
+    Color ground_;
+    HeaderView header_;
+    Patch upperDivider_{0, 1, 0};
+    QScrollArea scroll_; ///< before what it would otherwise end as its own
+    QWidget parts_;
+    QVBoxLayout partsLayout_{&parts_};
+    ThinScrollBar scrollBar_;
+    UpdateView update_;
+    KeysView keys_;
+    NearbyView nearby_;
+    SettingsView settings_;
+    Patch lowerDivider_{0, 1, 0};
+    FooterView footer_;
+    QVBoxLayout layout_{this};
+};
+
+} // namespace wegslot

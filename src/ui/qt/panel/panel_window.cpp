@@ -1,0 +1,119 @@
+#include "ui/qt/panel/panel_window.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+constexpr int distance = 8; ///< from the edges of the screen
+
+Qt::WindowFlags flagsFor(PanelHost host) {
+    const Qt::WindowFlags kind = host == PanelHost::popup ? Qt::Popup : Qt::Tool;
+    return kind | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+}
+
+int heightOnScreen() {
+    const QScreen* const screen = QGuiApplication::primaryScreen();
+    const auto visible =
+        screen == nullptr ? std::nullopt : std::optional<double>(screen->availableSize().height());
+    return static_cast<int>(std::floor(panelHeight(visible)));
+}
+
+} // namespace
+
+PanelWindow::PanelWindow(PanelModel::Objects objects, const SymbolImages& images, PanelHost host)
+    : QWidget(nullptr, flagsFor(host)),
+      host_(host),
+      model_(objects, PanelModel::Expand::asNeeded, [this] { changed(); }),
+      context_{model_, images, objects.scheme, objects.clock},
+      view_(context_, heightOnScreen()) {
+    setWindowTitle(QStringLiteral("Wegslot"));
+    setFixedWidth(static_cast<int>(PanelContent::width));
+    layout_.setContentsMargins(0, 0, 0, 0);
+    layout_.addWidget(&view_);
+    refresh();
+}
+
+PanelWindow::~PanelWindow() { hide(); }
+
+void PanelWindow::toggle(const std::optional<QPoint>& at) {
+    // The press on the icon has closed it already, being a press elsewhere.
+    constexpr qint64 sameClick = 250; // ms
+    const bool justClosed = closed_.isValid() && closed_.elapsed() < sameClick;
+    if (isVisible() || justClosed) {
+        hide();
+        return closed_.invalidate();
+    }
+    open(at);
+}
+
+void PanelWindow::open(const std::optional<QPoint>& at) {
+    view_.setFixedHeight(heightOnScreen());
+    adjustSize();
+    place(at);
+    show();
+    raise();
+    activateWindow();
+    // On none of the controls, so that no stray key changes anything.
+    setAttribute(Qt::WA_KeyboardFocusChange, false);
+    setFocus(Qt::PopupFocusReason);
+}
+
+void PanelWindow::place(const std::optional<QPoint>& at) {
+    const QScreen* const clicked = at ? QGuiApplication::screenAt(*at) : nullptr;
+    const QScreen* const screen = clicked != nullptr ? clicked : QGuiApplication::primaryScreen();
+    if (screen == nullptr) return;
+    const QRect free =
+        screen->availableGeometry().adjusted(distance, distance, -distance, -distance);
+    // Icons are at the top on some desktops and at the bottom on others, at the right on all.
+    const QPoint anchor = clicked != nullptr ? *at : QPoint(free.right(), screen->geometry().top());
+    const bool isBelow = anchor.y() < screen->geometry().center().y();
+    const int left = anchor.x() - width() / 2;
+    const int top = isBelow ? anchor.y() + distance : anchor.y() - distance - height();
+    move(std::clamp(left, free.left(), std::max(free.left(), free.right() + 1 - width())),
+         std::clamp(top, free.top(), std::max(free.top(), free.bottom() + 1 - height())));
+}
+
+void PanelWindow::showEvent(QShowEvent*) {
+    model_.appear();
+    refresh();
+}
+
+void PanelWindow::hideEvent(QHideEvent*) {
+    closed_.start();
+    model_.disappear();
+}
+
+void PanelWindow::changed() {
+    if (!isVisible() || std::exchange(isDirty_, true)) return;
+    QTimer::singleShot(0, this, [this] {
+        isDirty_ = false;
+        if (isVisible()) refresh();
+    });
+}
+
+void PanelWindow::refresh() { view_.show(model_.content()); }
+
+void PanelWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape) return QWidget::keyPressEvent(event);
+    hide();
+}
+
+bool PanelWindow::focusNextPrevChild(bool next) { return view_.moveFocus(next); }
+
+void PanelWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || host_ == PanelHost::popup) return;
+    // A menu of its own takes the activation for a while on some systems.
+    if (!isActiveWindow() && QApplication::activePopupWidget() == nullptr) hide();
+}
+
+} // namespace wegslot

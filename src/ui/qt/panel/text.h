@@ -1,0 +1,49 @@
+// Text in the panel: sizes of half a pixel, larger where the desktop's own text is, and in one of
+// three ways of fitting where there is too little room. To a screen reader it is a label.
+#pragma once
+
+#include "ui/brand.h"
+
+#include <QLabel>
+
+#include <string>
+
+namespace wegslot {
+
+/// How much larger than designed text is drawn, from 1 on. The desktops set their interface text to
+/// 10 or 11 pt (at most 15 pixels); what goes beyond that is the user's wish.
+[[nodiscard]] double textScale();
+
+/// `font` as large as the user wants it.
+[[nodiscard]] Font scaledFont(const Font& font);
+
+class Text final : public QLabel {
+public:
+    enum class Fit {
+        whole,  ///< takes the width it needs
+        elided, ///< one line, cut short with an ellipsis
+        wrapped ///< as many lines as it takes
+    };
+
+    explicit Text(const Font& font, Fit fit = Fit::whole);
+
+    void show(const std::string& text, const Color& color);
+    using QLabel::show;
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QSize sizeWithin(double width) const;
+
+    QFont font_;
+    qreal scale_;
+    Fit fit_;
+    Color color_;
+};
+
+} // namespace wegslot

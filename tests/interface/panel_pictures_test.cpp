@@ -1,0 +1,168 @@
+// What the panel looks like, without a screen.
+
+#include "tests/interface/picture.h"
+#include "tests/interface/picture_stage.h"
+#include "tests/support/panel_world.h"
+#include "ui/qt/panel/panel_view.h"
+
+#include <optional>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// The panel as a picture shows it: on a stage, without a window system's ideas.
+class PanelPicturesTest : public testing::TestWithParam<int>, protected PanelWorld {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(PictureStage::hasFont()) << "install the packages of tools/packages/test";
+    }
+
+    void open(const std::vector<KeyDevice>& keys = {}, int height = 600,
+              PanelModel::Expand expand = PanelModel::Expand::asNeeded) {
+        model.emplace(run(keys), expand, [] {});
+        view.emplace(PanelContext{*model, images, scheme, world.time}, height);
+        view->setAttribute(Qt::WA_DontShowOnScreen);
+        model->appear();
+    }
+
+    [[nodiscard]] testing::AssertionResult shows(const std::string& name) {
+        view->show(model->content());
+        view->show();
+        // Scroll areas lay out what is in them at their next turn.
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+        return looksLike(PictureStage::picture(*view),
+                         "panel-" + name + "-" + std::to_string(GetParam()) + "x");
+    }
+
+    void hear(unsigned number, int rssi, std::string_view name) {
+        world.hearApple(number, rssi, 0x10, name);
+    }
+
+    PictureStage stage{static_cast<double>(GetParam())};
+    SymbolImages images;
+    std::optional<PanelModel> model;
+    std::optional<PanelView> view;
+};
+
+INSTANTIATE_TEST_SUITE_P(AtScale, PanelPicturesTest, testing::Values(1, 2));
+
+Release newer() {
+    return {.version = "1.4",
+            .build = 27,
+            .url = "x",
+            .sha256 = "",
+            .signature = "",
+            .notes = "Reageert sneller als je terugkomt.\nEn één fout minder."};
+}
+
+} // namespace
+
+TEST_P(PanelPicturesTest, NoKeys) {
+    open();
+    world.pass(1s);
+    EXPECT_TRUE(shows("no-keys"));
+}
+
+TEST_P(PanelPicturesTest, OneKeyNear) {
+    open({keyNamed("iPhone van Anna", 1)});
+    hear(1, -52, "iPhone van Anna");
+    world.pass(1s);
+    EXPECT_TRUE(shows("one-key"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("one-key-dark"));
+}
+
+TEST_P(PanelPicturesTest, ThreeKeysNearWeakAndAway) {
+    auto band = keyNamed("Bandje", 3);
+    band.isApple = false;
+    open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2), band});
+    for (int second = 0; second < 11; ++second) {
+        hear(1, -48, "iPhone van Anna");
+        hear(2, second < 5 ? -50 : -82, "Apple Watch");
+        world.pass(1s);
+    }
+    EXPECT_TRUE(shows("three-keys"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("three-keys-dark"));
+}
+
+TEST_P(PanelPicturesTest, DevicesNearby) {
+    open({}, 1600);
+    hear(1, -44, "iPhone van Anna");
+    hear(2, -58, "Apple Watch van Anna");
+    hear(3, -71, "iPad van de buren met een heel lange naam erbij");
+    for (unsigned number = 4; number < 8; ++number)
+        world.hearApple(number, -60 - static_cast<int>(number));
+    world.settings().showOtherDevices.set(true);
+    for (unsigned number = 10; number < 35; ++number)
+        world.central.advertise({.id = numbered(number),
+                                 .rssi = -50 - static_cast<int>(number),
+                                 .localName = "Band " + std::to_string(number)});
+    world.pass(1s);
+    EXPECT_TRUE(shows("nearby"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("nearby-dark"));
+}
+
+TEST_P(PanelPicturesTest, AllOpen) {
+    open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)}, 1600,
+         PanelModel::Expand::all);
+    hear(1, -52, "iPhone van Anna");
+    hear(3, -58, "iPad van Anna");
+    world.pass(1s);
+    update.set(update_state::Available{newer()});
+    EXPECT_TRUE(shows("all"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("all-dark"));
+}
+
+TEST_P(PanelPicturesTest, UpdatesOfferedDownloadingAndFailed) {
+    open({keyNamed("iPhone van Anna", 1)});
+    hear(1, -52, "iPhone van Anna");
+    world.pass(1s);
+    update.set(update_state::Available{newer()});
+    EXPECT_TRUE(shows("update-offered"));
+    update.set(update_state::Downloading{newer()});
+    EXPECT_TRUE(shows("update-downloading"));
+    update.set(update_state::InstallFailed{"Handtekening van de update klopt niet"});
+    EXPECT_TRUE(shows("update-failed"));
+}
+
+TEST_P(PanelPicturesTest, PausedByHand) {
+    open({keyNamed("iPhone van Anna", 1)});
+    hear(1, -52, "iPhone van Anna");
+    world.pass(1s);
+    model->pause(Seconds{900});
+    world.pass(1s);
+    EXPECT_TRUE(shows("paused"));
+}
+
+TEST_P(PanelPicturesTest, BluetoothOff) {
+    open({keyNamed("iPhone van Anna", 1)});
+    world.central.setState(CentralState::poweredOff);
+    world.pass(1s);
+    EXPECT_TRUE(shows("bluetooth-off"));
+}
+
+TEST_P(PanelPicturesTest, LongNames) {
+    auto band = keyNamed("Een sleutel met een naam die nergens op een regel past", 1);
+    band.isApple = false;
+    open({band});
+    world.pass(1s);
+    EXPECT_TRUE(shows("long-names"));
+}
+
+TEST_P(PanelPicturesTest, LargerText) {
+    QFont large(PictureStage::fontFamily);
+    large.setPixelSize(22);
+    QApplication::setFont(large);
+    open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)}, 1600,
+         PanelModel::Expand::all);
+    hear(1, -52, "iPhone van Anna");
+    hear(3, -58, "iPad van Anna");
+    world.pass(1s);
+    EXPECT_TRUE(shows("larger-text"));
+}
