@@ -34,6 +34,10 @@ constexpr std::array additions{
     Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
     Addition{"--json", "--check", setOption<command::Check, &command::Check::json>}};
 
+bool contains(const std::vector<std::string_view>& words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
 /// The command that a switch asks for; nothing for a switch that asks for none.
 Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& words,
                                          std::size_t& index) {
@@ -50,7 +54,8 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         // As the last word it has no path and asks for nothing.
         if (index + 1 == words.size()) return std::optional<Command>();
         ++index;
-        return std::optional<Command>(command::NotYet{std::string(word)});
+        return std::optional<Command>(command::Snapshot{.path = std::string(words[index]),
+                                                        .tall = contains(words, "--tall")});
     }
     if (word == "--add-key" || word == "--remove-key") {
         const bool adds = word == "--add-key";
@@ -61,10 +66,6 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
     }
     return Failure{(word.starts_with('-') ? "onbekende schakelaar " : "onbekend woord ") +
                    std::string(word) + " (zie --help)"};
-}
-
-bool contains(const std::vector<std::string_view>& words, std::string_view word) {
-    return std::ranges::find(words, word) != words.end();
 }
 
 } // namespace
@@ -116,8 +117,13 @@ Bijwerken:
                         installeer die
 
 Overig:
+  --snapshot BESTAND [--tall]
+                        schrijf na 15 s het paneel als PNG, geheel uitgeklapt,
+                        en stop; --tall maakt het 1600 hoog; mag naast een
+                        draaiend Wegslot en verandert niets
   --demo                speel een vertrek en terugkomst na op een ingebouwde
-                        radio, in ongeveer 40 s; er wordt niets gelockt
+                        radio, in ongeveer 40 s, met icoon, paneel en
+                        aftelling; er wordt niets gelockt
   --help                toon deze tekst
   --version             toon de versie
 

@@ -37,16 +37,17 @@ struct AddKey {
 struct RemoveKey {
     Uuid id;
 };
-/// A switch of the whole application that this version cannot follow yet.
-struct NotYet {
-    std::string name;
+/// Write a picture of the panel to a file, and end.
+struct Snapshot {
+    std::string path;
+    bool tall = false;
 };
 
 } // namespace command
 
 using Command = std::variant<command::Run, command::Demo, command::Help, command::Version,
                              command::Devices, command::Keys, command::Check, command::AddKey,
-                             command::RemoveKey, command::NotYet>;
+                             command::RemoveKey, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& words);

@@ -60,9 +60,20 @@ TEST(Arguments, ALastSnapshotWithoutAPathStartsNormally) {
     EXPECT_TRUE(asksFor<command::Run>({"--tall"}));
 }
 
-TEST(Arguments, WhatThisVersionCannotDoIsKnownByName) {
-    EXPECT_EQ(std::get<command::NotYet>(*parseArguments({"--snapshot", "x.png"})).name,
-              "--snapshot");
+TEST(Arguments, ASnapshotHasThePathBehindItAndMayBeTall) {
+    const auto snapshot = [](const Words& words) {
+        return std::get<command::Snapshot>(*parseArguments(words));
+    };
+    EXPECT_EQ(snapshot({"--snapshot", "x.png"}).path, "x.png");
+    EXPECT_FALSE(snapshot({"--snapshot", "x.png"}).tall);
+    EXPECT_TRUE(snapshot({"--tall", "--snapshot", "x.png"}).tall);
+    EXPECT_EQ(snapshot({"--snapshot", "x.png", "--tall"}).path, "x.png");
+    EXPECT_TRUE(snapshot({"--snapshot", "x.png", "--tall"}).tall);
+    EXPECT_EQ(fault({"--snapshot", "x.png", "--keys"}),
+              "--keys gaat niet samen met een andere opdracht");
+}
+
+TEST(Arguments, AnUpdateNowRunsTheApplication) {
     EXPECT_TRUE(std::get<command::Run>(*parseArguments({"--update-now"})).updateNow);
     EXPECT_FALSE(std::get<command::Run>(*parseArguments({})).updateNow);
 }

@@ -23,6 +23,9 @@ public:
          std::unique_ptr<WarningHUD> hud);
     ~Demo() override;
 
+    /// What it plays on, for windows that show it.
+    [[nodiscard]] AppModel& model() { return model_; }
+
 private:
     void write(std::string_view message) override;
     void tell(std::string_view line);

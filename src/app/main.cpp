@@ -32,8 +32,6 @@ int main(int argc, char** argv) {
         std::puts(versionLine(WEGSLOT_VERSION, WEGSLOT_BUILD).c_str());
         return EXIT_SUCCESS;
     }
-    if (const auto* const later = std::get_if<command::NotYet>(&*command))
-        return complain(later->name + " kan deze versie nog niet", EXIT_FAILURE);
     return runApplication(*command, {.version = WEGSLOT_VERSION, .build = WEGSLOT_BUILD}, argc,
                           argv);
 }

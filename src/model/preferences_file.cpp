@@ -1,20 +1,16 @@
 #include "model/preferences_file.h"
 
 #include "model/log.h"
+#include "model/replace_file.h"
 
 #include <nlohmann/json.hpp>
 
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace wegslot {
 namespace {
@@ -52,35 +48,6 @@ std::string encoded(const Preferences& values) {
     for (const auto& [name, value] : values)
         object[name] = std::visit(Encode{}, value);
     return object.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
-bool writeAll(int handle, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const auto written = ::write(handle, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return fsync(handle) == 0;
-}
-
-/// Replaces `file` whole, or leaves it as it is. Answers an error number, 0 for none.
-int replace(const fs::path& file, const std::string& content) {
-    std::error_code ignored;
-    if (fs::create_directories(file.parent_path(), ignored))
-        fs::permissions(file.parent_path(), fs::perms::owner_all, ignored);
-    const fs::path temporary = file.string() + ".new";
-    constexpr mode_t ownerOnly = 0600;
-    unlink(temporary.c_str()); // left by a crash, perhaps with other rights
-    const int handle = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly);
-    if (handle < 0) return errno;
-    const bool complete = writeAll(handle, content);
-    const int error = errno;
-    close(handle);
-    if (complete && rename(temporary.c_str(), file.c_str()) == 0) return 0;
-    const int failure = complete ? errno : error;
-    unlink(temporary.c_str());
-    return failure;
 }
 
 fs::path freeName(const fs::path& wanted) {
@@ -135,7 +102,8 @@ void PreferencesFile::flush() {
     if (!writing_) return;
     writing_.reset();
     if (!writable_) return;
-    if (const int error = replace(file_, encoded(values())))
+    constexpr mode_t ownerOnly = 0600;
+    if (const int error = replaceFile(file_, encoded(values()), ownerOnly))
         Log::write("Voorkeuren niet bewaard: " + file_.string() + ": " + std::strerror(error));
 }
 

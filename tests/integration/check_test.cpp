@@ -202,11 +202,12 @@ TEST_F(CheckWithRadioTest, LogindThatNobodyListensToIsNoWayToLock) {
 TEST_F(CheckWithRadioTest, ATrayAndAnAutostartEntryAreSeen) {
     const LookAlike watcher(loop, "org.kde.StatusNotifierWatcher");
     fs::create_directories(home.path() / "config" / "autostart");
-    home.write("config/autostart/nl.wegslot.Wegslot.desktop", "[Desktop Entry]\n");
+    const std::string entry = "[Desktop Entry]\nType=Application\nExec=sh\n";
+    home.write("config/autostart/nl.wegslot.Wegslot.desktop", entry);
     const Json all = report();
     EXPECT_TRUE(works(all, "tray"));
     EXPECT_TRUE(works(all, "autostart"));
-    home.write("config/autostart/nl.wegslot.Wegslot.desktop", "[Desktop Entry]\nHidden=true\n");
+    home.write("config/autostart/nl.wegslot.Wegslot.desktop", entry + "Hidden=true\n");
     EXPECT_FALSE(works(report(), "autostart"));
 }
 

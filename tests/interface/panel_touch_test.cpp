@@ -301,6 +301,12 @@ TEST_F(PanelTouchTest, EscapeClosesItAndDevicesAreLookedForOnlyWhileItIsOpen) {
     EXPECT_FALSE(world.scanner().discoveryActive());
 }
 
+TEST_F(PanelTouchTest, ItHasAButtonOfItsOwnToCloseIt) {
+    open();
+    press("Sluiten");
+    EXPECT_FALSE(window->isVisible());
+}
+
 TEST_F(PanelTouchTest, AnotherWindowClosesIt) {
     open();
     QWidget other;
@@ -351,6 +357,7 @@ TEST_F(PanelTouchTest, EverythingIsReachedByTabInReadingOrderAndHasANameAndARole
         names.push_back(name);
     }
     EXPECT_EQ(names, (Texts{"Wegslot aan of uit",
+                            "Sluiten",
                             "Verwijder deze sleutel: iPhone",
                             "iPhone: Lockt onder -75 dBm",
                             "Stel in vanaf hier",

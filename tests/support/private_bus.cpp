@@ -21,6 +21,7 @@ constexpr auto configuration =
   <type>session</type>
   <listen>ADDRESS</listen>
   <auth>EXTERNAL</auth>
+  <servicedir>SERVICES</servicedir>
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -35,11 +36,18 @@ constexpr auto configuration =
 PrivateBus::PrivateBus() : address_("unix:path=" + (folder_.path() / "bus").string()) {
     std::string text = configuration;
     text.replace(text.find("ADDRESS"), std::strlen("ADDRESS"), address_);
+    text.replace(text.find("SERVICES"), std::strlen("SERVICES"), services().string());
+    std::filesystem::create_directory(services());
     folder_.write("bus.conf", text);
     start();
 }
 
 PrivateBus::~PrivateBus() { stop(); }
+
+void PrivateBus::offer(const std::string& name, const std::string& command) const {
+    folder_.write("services/" + name + ".service",
+                  "[D-BUS Service]\nName=" + name + "\nExec=" + command + "\n");
+}
 
 void PrivateBus::start() {
     std::array<int, 2> ready{};

@@ -4,6 +4,7 @@
 
 #include "tests/support/temporary_folder.h"
 
+#include <filesystem>
 #include <string>
 
 #include <sys/types.h>
@@ -21,9 +22,14 @@ public:
     void start();
     void stop();
 
+    /// Has the daemon start `command` for whoever calls `name` while nobody owns it.
+    void offer(const std::string& name, const std::string& command) const;
+
     [[nodiscard]] const std::string& address() const { return address_; }
 
 private:
+    [[nodiscard]] std::filesystem::path services() const { return folder_.path() / "services"; }
+
     TemporaryFolder folder_;
     std::string address_;
     pid_t daemon_ = 0;

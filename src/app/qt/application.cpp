@@ -3,29 +3,27 @@
 #include "app/app_model.h"
 #include "app/demo.h"
 #include "app/key_commands.h"
+#include "app/linux/activation.h"
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
+#include "app/qt/bus_pump.h"
 #include "app/qt/check.h"
+#include "app/qt/demo_windows.h"
 #include "app/qt/display.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/real_world.h"
-#include "app/qt/status_icon.h"
+#include "app/qt/running_application.h"
+#include "app/qt/snapshot.h"
 #include "app/qt/termination.h"
+#include "app/qt/warning.h"
 #include "hud/hidden_hud.h"
-#include "hud/joint_hud.h"
-#include "hud/linux/warning_notification.h"
-#include "hud/linux/warning_sound.h"
-#include "hud/qt/qt_warning_hud.h"
 #include "model/file_log.h"
 #include "model/lock_command.h"
 #include "model/log.h"
 #include "model/preferences_file.h"
 #include "platform/linux/system_clock.h"
-#include "update/linux/desktop_control.h"
-#include "update/linux/linux_installer.h"
-#include "update/linux/own_bundle.h"
-#include "update/qt/qt_background.h"
-#include "update/qt/qt_http_client.h"
+#include "scanner/listening_central.h"
+#include "ui/linux/autostart_item.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -102,38 +100,6 @@ AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
             [] { return std::make_unique<HiddenHud>(); }};
 }
 
-std::unique_ptr<WarningHUD> panelWithSound(const Clock& clock, Scheduler& scheduler) {
-    if (!hasDisplay(displayEnvironment())) return std::make_unique<HiddenHud>();
-    JointHud::Parts parts;
-    parts.push_back(std::make_unique<QtWarningHud>(clock, scheduler));
-    parts.push_back(std::make_unique<WarningSound>());
-    return std::make_unique<JointHud>(std::move(parts));
-}
-
-/// Where the panel may be covered by another window, or not be there at all, a notification too.
-std::unique_ptr<WarningHUD> warning(RealWorld& world, const Clock& clock, Scheduler& scheduler) {
-    auto panel = panelWithSound(clock, scheduler);
-    if (placesWindows() || !hasDisplay(displayEnvironment())) return panel;
-    JointHud::Parts parts;
-    parts.push_back(std::move(panel));
-    parts.push_back(std::make_unique<WarningNotification>(world.sessionBus));
-    return std::make_unique<JointHud>(std::move(parts));
-}
-
-/// Where updates come from and go to.
-struct RealUpdates {
-    RealUpdates(OwnBundle bundle, dbus::Connection& session)
-        : installer(bundle.folder, bundle.info.identifier, folders::temporary()),
-          app(session, [] { QCoreApplication::quit(); }) {}
-
-    QtHttpClient http;
-    LinuxInstaller installer;
-    DesktopControl app;
-    QtBackground background; ///< last, for its work uses the others until it has gone
-
-    [[nodiscard]] Updater::World world() { return {http, background, installer, app}; }
-};
-
 // Each command on the running loop.
 struct Execute {
     Scheduler& scheduler;
@@ -142,27 +108,37 @@ struct Execute {
     const BundleInfo& program;
 
     int operator()(const command::Run& run) const {
-        RealWorld world(scheduler, clock, ownLockCommand(preferences));
-        const auto bundle = bundleOf();
-        std::optional<RealUpdates> updates;
-        if (bundle) updates.emplace(*bundle, world.sessionBus);
-        AppModel model({.preferences = preferences,
-                        .central = world.central,
-                        .platform = world.platform,
-                        .makeHud = [this, &world] { return warning(world, clock, scheduler); },
-                        .bundle = bundle ? bundle->info : program,
-                        .updates = updates ? std::optional(updates->world()) : std::nullopt,
-                        .updateNow = run.updateNow});
-        const StatusIcon icon(world, model.monitor(), clock, scheduler,
-                              {.open = [](const TrayClick&) {}, // there is no panel yet
-                               .lock = [&model] { model.monitor().lockNow(); },
-                               .quit = [] { QCoreApplication::quit(); }});
+        const RunningApplication application({.scheduler = scheduler,
+                                              .clock = clock,
+                                              .preferences = preferences,
+                                              .lock = ownLockCommand(preferences),
+                                              .log = FileLog::pathUnder(folders::home()),
+                                              .program = program,
+                                              .updateNow = run.updateNow});
         return QCoreApplication::exec();
     }
     int operator()(const command::Demo&) const {
-        const Demo demo(
+        Demo demo(
             scheduler, clock, printLine, [] { QCoreApplication::quit(); },
             panelWithSound(clock, scheduler));
+        if (!hasDisplay(displayEnvironment())) return QCoreApplication::exec();
+        const DemoWindows windows(demo.model(), scheduler, clock);
+        return QCoreApplication::exec();
+    }
+    int operator()(const command::Snapshot& picture) const {
+        RealWorld world(scheduler, clock, LockCommand{});
+        ListeningCentral central(world.central);
+        RecordedLock lock([] {}); // nothing is locked for a picture
+        AppModel model({preferences,
+                        central,
+                        {clock, scheduler, world.watcher, world.activity, lock},
+                        [] { return std::make_unique<HiddenHud>(); },
+                        program});
+        const Appearance appearance(world.sessionBus);
+        AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
+                                world.processes);
+        const Snapshot snapshot({model, appearance, clock, loginItem, [] {}, [] {}}, scheduler,
+                                picture.path, picture.tall, [] { QCoreApplication::quit(); });
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
@@ -210,14 +186,35 @@ int ended(int status) {
     return status;
 }
 
+/// Whether a Wegslot that runs already has come forward.
+bool showsItself(Scheduler& scheduler) {
+    dbus::Connection sessionBus(dbus::Bus::openSession, pump, scheduler,
+                                dbus::Connection::Complaints::none);
+    bool isShown = false;
+    const ActivationRequest request(sessionBus, scheduler,
+                                    folders::variable("XDG_ACTIVATION_TOKEN"), [&](bool taken) {
+                                        isShown = taken;
+                                        QCoreApplication::quit();
+                                    });
+    QCoreApplication::exec();
+    return isShown;
+}
+
+/// The application object that the command needs: for a picture there need be no screen.
+std::unique_ptr<QCoreApplication> applicationFor(const Command& command, int& argc, char** argv) {
+    if (std::holds_alternative<command::Run>(command) ||
+        std::holds_alternative<command::Demo>(command))
+        return windowedApplication(argc, argv);
+    if (std::holds_alternative<command::Snapshot>(command))
+        return screenlessApplication(argc, argv);
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
 } // namespace
 
 int runApplication(const Command& command, const BundleInfo& program, int& argc, char** argv) {
     const Termination termination;
-    const bool hasWindows = std::holds_alternative<command::Run>(command) ||
-                            std::holds_alternative<command::Demo>(command);
-    const auto application = hasWindows ? windowedApplication(argc, argv)
-                                        : std::make_unique<QCoreApplication>(argc, argv);
+    const auto application = applicationFor(command, argc, argv);
     // Qt takes over the user's locale; numbers in files and on buses know only the point.
     std::setlocale(LC_NUMERIC, "C");
     QCoreApplication::setApplicationName("wegslot");
@@ -231,16 +228,21 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     }
 
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
-    if (std::holds_alternative<command::Check>(command)) {
-        const ComplainingLog complaints;
+    // These look on, beside a Wegslot that runs.
+    if (std::holds_alternative<command::Check>(command) ||
+        std::holds_alternative<command::Snapshot>(command)) {
+        std::optional<ComplainingLog> complaints;
+        if (std::holds_alternative<command::Check>(command)) complaints.emplace();
         PreferencesFile preferences(preferencesPath, scheduler, PreferencesFile::Access::readOnly);
-        return Execute{scheduler, clock, preferences, program}(std::get<command::Check>(command));
+        return ended(std::visit(Execute{scheduler, clock, preferences, program}, command));
     }
+    const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
+    if (!lock && run != nullptr && !run->updateNow && showsItself(scheduler)) return EXIT_SUCCESS;
     if (!lock) return complain(lock.failure().message);
 
     std::unique_ptr<TeeLog> log;
-    if (std::holds_alternative<command::Run>(command)) {
+    if (run != nullptr) {
         const fs::path logPath = FileLog::pathUnder(folders::home());
         std::error_code ignored;
         fs::create_directories(logPath.parent_path(), ignored);

@@ -1,19 +1,17 @@
 #include "app/qt/check.h"
 
+#include "app/linux/folders.h"
 #include "model/lock_command.h"
-#include "platform/linux/media/desktop_entry.h"
+#include "ui/linux/autostart_item.h"
 
 #include <algorithm>
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 namespace wegslot {
 namespace {
 
 constexpr auto trayWatcher = "org.kde.StatusNotifierWatcher";
-constexpr auto autostartEntry = "nl.wegslot.Wegslot.desktop";
 
 /// Programs that run a locker of their user's choice when logind asks for a lock.
 constexpr std::array listeners{"swayidle", "xss-lock", "hypridle", "xscreensaver-systemd"};
@@ -140,14 +138,10 @@ CheckFacts::Activity Check::activity() {
 }
 
 bool Check::hasAutostart() const {
-    for (const std::filesystem::path& folder : autostart_) {
-        std::ifstream file(folder / autostartEntry);
-        if (!file) continue;
-        // The first one counts, also when it says that there is to be none.
-        const auto entry = readDesktopEntry(std::string(std::istreambuf_iterator<char>(file), {}));
-        return entry && !entry->hidden;
-    }
-    return false;
+    const std::filesystem::path none; // it is not to be changed
+    return AutostartItem(autostart_, none, folders::variable("XDG_CURRENT_DESKTOP"),
+                         world_.processes)
+        .isEnabled();
 }
 
 } // namespace wegslot

@@ -21,6 +21,9 @@ namespace wegslot {
 /// on the first of ours that works.
 [[nodiscard]] std::unique_ptr<QCoreApplication> windowedApplication(int& argc, char** argv);
 
+/// Qt's application object with windows that nobody sees.
+[[nodiscard]] std::unique_ptr<QCoreApplication> screenlessApplication(int& argc, char** argv);
+
 /// Whether the application's windows can be put in front of everything.
 [[nodiscard]] bool placesWindows();
 

@@ -8,15 +8,15 @@
 
 namespace wegslot {
 
-StatusIcon::StatusIcon(RealWorld& world, Monitor& monitor, const Clock& clock, Scheduler& scheduler,
-                       const TrayActions& actions)
+StatusIcon::StatusIcon(const Appearance& appearance, dbus::Connection& sessionBus, Monitor& monitor,
+                       const Clock& clock, Scheduler& scheduler, const TrayActions& actions)
     : isX11Session_(plainX11Display(displayEnvironment()).has_value()),
-      colors_(world.sessionBus, palette_.scheme()),
-      window_(images_, actions),
-      item_(world.sessionBus, scheduler, actions, trayPainter(images_)),
+      window_(appearance.images, actions),
+      item_(sessionBus, scheduler, actions, trayPainter(appearance.images)),
       taken_(item_.isTaken().onChange([this](bool taken) { choose(taken); })),
-      presenter_(monitor.phase(), colors_.scheme(), folders::variable("XDG_CURRENT_DESKTOP"),
-                 localClockTime(clock), [this](const TrayContent& content) { show(content); }) {
+      presenter_(monitor.phase(), appearance.colors.scheme(),
+                 folders::variable("XDG_CURRENT_DESKTOP"), localClockTime(clock),
+                 [this](const TrayContent& content) { show(content); }) {
     // A panel says nothing when it comes or goes.
     if (isX11Session_)
         looking_ = scheduler.every(lookInterval, [this] { choose(item_.isTaken().get()); });

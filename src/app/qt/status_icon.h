@@ -2,14 +2,11 @@
 // the desktop collects such items, a window of Qt's in an X11 panel that takes only those.
 #pragma once
 
-#include "app/qt/real_world.h"
+#include "app/qt/appearance.h"
 #include "base/clock.h"
 #include "base/scheduler.h"
 #include "monitor/monitor.h"
-#include "ui/linux/color_scheme.h"
 #include "ui/linux/tray_item.h"
-#include "ui/qt/palette_scheme.h"
-#include "ui/qt/symbol_images.h"
 #include "ui/qt/x11_tray.h"
 #include "ui/tray_actions.h"
 #include "ui/tray_content.h"
@@ -22,8 +19,11 @@ public:
     static constexpr Nanoseconds lookInterval = std::chrono::seconds{5};
 
     /// There must be a QApplication. All must outlive this.
-    StatusIcon(RealWorld& world, Monitor& monitor, const Clock& clock, Scheduler& scheduler,
-               const TrayActions& actions);
+    StatusIcon(const Appearance& appearance, dbus::Connection& sessionBus, Monitor& monitor,
+               const Clock& clock, Scheduler& scheduler, const TrayActions& actions);
+
+    /// Whether a bar of the desktop has it now.
+    [[nodiscard]] bool isShown() const { return item_.isTaken().get() || window_.isShown(); }
 
 private:
     void show(const TrayContent& content);
@@ -31,9 +31,6 @@ private:
 
     const bool isX11Session_;
     TrayContent content_;
-    PaletteScheme palette_;
-    ColorScheme colors_;
-    SymbolImages images_;
     X11Tray window_;
     TrayItem item_;
     Subscription taken_;

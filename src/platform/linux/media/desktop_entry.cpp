@@ -1,31 +1,14 @@
 #include "platform/linux/media/desktop_entry.h"
 
+#include "platform/linux/media/desktop_entry_text.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace wegslot {
 namespace {
 
 constexpr std::string_view blanks = " \t";
-constexpr std::string_view wantedGroup = "[Desktop Entry]";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-std::string_view withoutBlanksBefore(std::string_view text) {
-    const auto start = text.find_first_not_of(blanks);
-    return start == std::string_view::npos ? std::string_view() : text.substr(start);
-}
-
-std::string_view withoutBlanksAfter(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(blanks) + 1); // npos + 1 is 0
-}
-
-/// Takes the first line off `text`, in either way of ending one.
-std::string_view takeLine(std::string_view& text) {
-    const auto end = text.find('\n');
-    auto line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    return line;
-}
 
 std::optional<char> meantBy(char escaped) {
     switch (escaped) {
@@ -82,6 +65,17 @@ std::string baseName(const std::string& path) {
     return path.substr(path.rfind('/') + 1); // npos + 1 is 0
 }
 
+std::vector<std::string> listed(std::string_view value) {
+    std::vector<std::string> names;
+    while (!value.empty()) {
+        const auto end = std::min(value.find(';'), value.size());
+        const auto name = withoutBlanksAfter(withoutBlanksBefore(value.substr(0, end)));
+        if (!name.empty()) names.push_back(unescaped(name));
+        value.remove_prefix(std::min(end + 1, value.size()));
+    }
+    return names;
+}
+
 struct Names {
     std::string dutch;
     std::string untranslated;
@@ -90,31 +84,28 @@ struct Names {
 void takeField(std::string_view key, std::string_view value, DesktopEntry& entry, Names& names) {
     if (key == "Name[nl]") names.dutch = unescaped(value);
     if (key == "Name") names.untranslated = unescaped(value);
-    if (key == "Exec") entry.program = baseName(firstWord(unescaped(value)));
+    if (key == "Exec") entry.executable = firstWord(unescaped(value));
+    if (key == "TryExec") entry.neededExecutable = unescaped(withoutBlanksAfter(value));
     if (key == "StartupWMClass") entry.windowClass = unescaped(value);
     if (key == "Hidden") entry.hidden = withoutBlanksAfter(value) == "true";
+    if (key == "Type") entry.type = withoutBlanksAfter(value);
+    if (key == "X-GNOME-Autostart-enabled")
+        entry.startsAtLogin = withoutBlanksAfter(value) != "false";
+    if (key == "OnlyShowIn") entry.onlyShowIn = listed(value);
+    if (key == "NotShowIn") entry.notShowIn = listed(value);
 }
 
 } // namespace
 
 std::optional<DesktopEntry> readDesktopEntry(std::string_view text) {
-    if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
-    bool found = false;
-    while (!text.empty() && !found)
-        found = withoutBlanksAfter(takeLine(text)) == wantedGroup;
-    if (!found) return std::nullopt;
-
+    const auto group = entryGroup(text);
+    if (!group) return std::nullopt;
     DesktopEntry entry;
     Names names;
-    while (!text.empty()) {
-        const auto line = takeLine(text);
-        if (line.starts_with('[')) break;
-        const auto equals = line.find('=');
-        if (equals == std::string_view::npos || line.starts_with('#')) continue;
-        takeField(withoutBlanksAfter(line.substr(0, equals)),
-                  withoutBlanksBefore(line.substr(equals + 1)), entry, names);
-    }
+    for (const EntryField& field : group->fields)
+        takeField(field.key, field.value, entry, names);
     entry.name = std::move(names.dutch.empty() ? names.untranslated : names.dutch);
+    entry.program = baseName(entry.executable);
     return entry;
 }
 

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace wegslot {
 
@@ -13,6 +14,13 @@ struct DesktopEntry {
     std::string program;     ///< the base name of the first word of Exec
     std::string windowClass; ///< StartupWMClass
     bool hidden = false;     ///< the user took the application away
+
+    std::string type;
+    std::string executable;       ///< the first word of Exec, whole
+    std::string neededExecutable; ///< TryExec; without that program the entry does not count
+    bool startsAtLogin = true;    ///< X-GNOME-Autostart-enabled, which counts in autostart folders
+    std::optional<std::vector<std::string>> onlyShowIn; ///< desktops
+    std::vector<std::string> notShowIn;
 
     friend bool operator==(const DesktopEntry&, const DesktopEntry&) = default;
 };

@@ -20,8 +20,12 @@ TEST(DesktopEntry, WithoutItsGroupItIsNone) {
 }
 
 TEST(DesktopEntry, ReadsWhatIsAskedFor) {
-    const DesktopEntry wanted{
-        .name = "Praat", .program = "praat", .windowClass = "Praat-Venster", .hidden = true};
+    const DesktopEntry wanted{.name = "Praat",
+                              .program = "praat",
+                              .windowClass = "Praat-Venster",
+                              .hidden = true,
+                              .type = "Application",
+                              .executable = "/opt/praat/praat"};
     EXPECT_EQ(entryOf("Type=Application\nName=Praat\nExec=/opt/praat/praat --new %U\n"
                       "StartupWMClass=Praat-Venster\nHidden=true\n"),
               wanted);
@@ -80,6 +84,32 @@ TEST(DesktopEntry, TheProgramIsTheBaseNameOfTheFirstWord) {
     EXPECT_EQ(entryOf("Exec=/usr/bin/praat %U /else/where\n").program, "praat");
     EXPECT_EQ(entryOf("Exec=/usr/bin/\n").program, "");
     EXPECT_EQ(entryOf("Exec=\n").program, "");
+}
+
+TEST(DesktopEntry, TheExecutableIsTheFirstWordWhole) {
+    EXPECT_EQ(entryOf("Exec=/usr/bin/praat %U\n").executable, "/usr/bin/praat");
+    EXPECT_EQ(entryOf("Exec=praat --new\n").executable, "praat");
+    EXPECT_EQ(entryOf(R"(Exec="/opt/100 \\$ a" %U)").executable, "/opt/100 $ a");
+    EXPECT_EQ(entryOf("Exec=a%%b\n").executable, "a%%b"); // desktops do not read it otherwise
+    EXPECT_EQ(entryOf(R"(Exec="a\nb")").executable, "a\nb");
+    EXPECT_EQ(entryOf(R"(TryExec=/opt/Mijn Praat/praat )").neededExecutable,
+              "/opt/Mijn Praat/praat");
+}
+
+TEST(DesktopEntry, OnlyFalseKeepsItFromStartingAtLogin) {
+    EXPECT_TRUE(entryOf("").startsAtLogin);
+    EXPECT_TRUE(entryOf("X-GNOME-Autostart-enabled=true\n").startsAtLogin);
+    EXPECT_TRUE(entryOf("X-GNOME-Autostart-enabled=nonsense\n").startsAtLogin);
+    EXPECT_FALSE(entryOf("X-GNOME-Autostart-enabled = false \n").startsAtLogin);
+}
+
+TEST(DesktopEntry, ListsOfDesktopsEndTheirNamesWithASemicolon) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(entryOf("").onlyShowIn, std::nullopt);
+    EXPECT_EQ(entryOf("OnlyShowIn=\n").onlyShowIn, Names{});
+    EXPECT_EQ(entryOf("OnlyShowIn=GNOME;\n").onlyShowIn, Names{"GNOME"});
+    EXPECT_EQ(entryOf("OnlyShowIn=GNOME;;KDE\n").onlyShowIn, (Names{"GNOME", "KDE"}));
+    EXPECT_EQ(entryOf("NotShowIn= GNOME ;KDE; \n").notShowIn, (Names{"GNOME", "KDE"}));
 }
 
 TEST(DesktopEntry, AQuotedFirstWordMayHoldBlanksAndEscapes) {

@@ -1,12 +1,19 @@
 #include "ui/qt/panel/header_view.h"
 
+#include "ui/symbols.h"
+
 namespace wegslot {
 
 HeaderView::HeaderView(const PanelContext& context)
     : context_(context),
       tile_(context.images, QSize(40, 40), 22, 11),
       name_(brand::heading(17, FontWeight::heavy)),
-      status_(brand::body(12), Text::Fit::elided) {
+      status_(brand::body(12), Text::Fit::elided),
+      close_(context.images, {.shape = ButtonLook::Shape::bare,
+                              .font = brand::body(13),
+                              .paddingAcross = 3,
+                              .paddingDown = 3,
+                              .symbolSide = 18}) {
     layout_.setContentsMargins(16, 16, 16, 12);
     layout_.setSpacing(12);
     texts_.setSpacing(2);
@@ -18,6 +25,9 @@ HeaderView::HeaderView(const PanelContext& context)
     layout_.addWidget(&tile_);
     layout_.addLayout(&texts_, 1);
     layout_.addWidget(&enabled_);
+    layout_.addWidget(&close_);
+    close_.setVisible(static_cast<bool>(context_.close));
+    connect(&close_, &QAbstractButton::clicked, this, [this] { context_.close(); });
     connect(&enabled_, &QAbstractButton::clicked, this,
             [this](bool on) { context_.model.set(panel::Choice::enabled, on); });
 }
@@ -29,6 +39,9 @@ void HeaderView::show(const panel::Header& header) {
     dot_.show(header.dot);
     status_.show(header.status, colors.quiet);
     enabled_.show(header.enabled, colors);
+    close_.show({.symbol = std::string(symbols::remove), .text = {}},
+                {.ink = colors.quiet, .focus = colors.focus});
+    close_.setAccessibleName(QStringLiteral("Sluiten"));
 }
 
 } // namespace wegslot

@@ -1,6 +1,7 @@
 // The head of the panel: the phase as a symbol and in words, and the switch for all of it.
 #pragma once
 
+#include "ui/qt/panel/panel_button.h"
 #include "ui/qt/panel/panel_context.h"
 #include "ui/qt/panel/small_parts.h"
 #include "ui/qt/panel/text.h"
@@ -25,6 +26,7 @@ private:
     Patch dot_{7, 7, 3.5};
     Text status_;
     Switch enabled_;
+    PanelButton close_;
     QHBoxLayout layout_{this};
     QVBoxLayout texts_;
     QHBoxLayout line_;

@@ -6,6 +6,8 @@
 #include "ui/panel_model.h"
 #include "ui/qt/symbol_images.h"
 
+#include <functional>
+
 namespace wegslot {
 
 struct PanelContext {
@@ -13,6 +15,8 @@ struct PanelContext {
     const SymbolImages& images;
     const Observable<Scheme>& scheme;
     const Clock& clock;
+    /// Closes the panel by a button of its own; empty where there needs to be none.
+    std::function<void()> close = {};
 
     [[nodiscard]] PanelColors colors() const { return panelColors(scheme.get()); }
 };

@@ -20,20 +20,13 @@ Qt::WindowFlags flagsFor(PanelHost host) {
     return kind | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 }
 
-int heightOnScreen() {
-    const QScreen* const screen = QGuiApplication::primaryScreen();
-    const auto visible =
-        screen == nullptr ? std::nullopt : std::optional<double>(screen->availableSize().height());
-    return static_cast<int>(std::floor(panelHeight(visible)));
-}
-
 } // namespace
 
 PanelWindow::PanelWindow(PanelModel::Objects objects, const SymbolImages& images, PanelHost host)
     : QWidget(nullptr, flagsFor(host)),
       host_(host),
       model_(objects, PanelModel::Expand::asNeeded, [this] { changed(); }),
-      context_{model_, images, objects.scheme, objects.clock},
+      context_{model_, images, objects.scheme, objects.clock, closeFor(host)},
       view_(context_, heightOnScreen()) {
     setWindowTitle(QStringLiteral("Wegslot"));
     setFixedWidth(static_cast<int>(PanelContent::width));
@@ -43,6 +36,20 @@ PanelWindow::PanelWindow(PanelModel::Objects objects, const SymbolImages& images
 }
 
 PanelWindow::~PanelWindow() { hide(); }
+
+int PanelWindow::heightOnScreen() {
+    const QScreen* const screen = QGuiApplication::primaryScreen();
+    const auto visible =
+        screen == nullptr ? std::nullopt : std::optional<double>(screen->availableSize().height());
+    return static_cast<int>(std::floor(panelHeight(visible)));
+}
+
+/// A click elsewhere does not reach us where the panel is an ordinary window, unless on another
+/// one.
+std::function<void()> PanelWindow::closeFor(PanelHost host) {
+    if (host == PanelHost::popup) return {};
+    return [this] { hide(); };
+}
 
 void PanelWindow::toggle(const std::optional<QPoint>& at) {
     // The press on the icon has closed it already, being a press elsewhere.

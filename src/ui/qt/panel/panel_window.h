@@ -27,6 +27,9 @@ public:
     PanelWindow(PanelModel::Objects objects, const SymbolImages& images, PanelHost host);
     ~PanelWindow() override;
 
+    /// How high a panel is on the main screen, in pixels.
+    [[nodiscard]] static int heightOnScreen();
+
     /// `at`: where on the screen the icon was clicked; without, in the corner where icons are.
     void open(const std::optional<QPoint>& at);
 
@@ -41,6 +44,7 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    [[nodiscard]] std::function<void()> closeFor(PanelHost host);
     void changed();
     void refresh();
     void place(const std::optional<QPoint>& at);

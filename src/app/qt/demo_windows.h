@@ -1,0 +1,43 @@
+// The icon and the panel of the demo, over its own small world: nothing in them reaches the user's
+// files or session.
+#pragma once
+
+#include "app/app_model.h"
+#include "app/qt/appearance.h"
+#include "app/qt/bus_pump.h"
+#include "app/qt/menu_panel.h"
+#include "app/qt/status_icon.h"
+
+#include <QCoreApplication>
+
+namespace wegslot {
+
+class DemoWindows {
+public:
+    DemoWindows(AppModel& model, Scheduler& scheduler, const Clock& clock)
+        : sessionBus_(dbus::Bus::openSession, pump, scheduler, dbus::Connection::Complaints::none),
+          appearance_(sessionBus_),
+          panel_({model, appearance_, clock, loginItem_, [] {}, [] { QCoreApplication::quit(); }}),
+          icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
+                {.open = [this](const TrayClick& click) { panel_.toggle(click); },
+                 .lock = [&model] { model.monitor().lockNow(); },
+                 .quit = [] { QCoreApplication::quit(); }}) {
+        panel_.open();
+    }
+
+private:
+    struct NoLoginItem final : LoginItem {
+        [[nodiscard]] bool isEnabled() const override { return false; }
+        [[nodiscard]] std::optional<Failure> setEnabled(bool /*enabled*/) override {
+            return Failure{"dit is een demo"};
+        }
+    };
+
+    dbus::Connection sessionBus_;
+    Appearance appearance_;
+    NoLoginItem loginItem_;
+    MenuPanel panel_;
+    StatusIcon icon_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,47 @@
+// The panel of the application: made when it is first opened, over the objects of the model.
+#pragma once
+
+#include "app/app_model.h"
+#include "app/qt/appearance.h"
+#include "ui/login_item.h"
+#include "ui/panel_model.h"
+#include "ui/qt/panel/panel_window.h"
+#include "ui/tray_actions.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace wegslot {
+
+class MenuPanel {
+public:
+    /// All must outlive the panel.
+    struct Parts {
+        AppModel& model;
+        const Appearance& appearance;
+        const Clock& clock;
+        LoginItem& loginItem;
+        std::function<void()> openLog;
+        std::function<void()> quit;
+    };
+
+    explicit MenuPanel(Parts parts) : parts_(std::move(parts)) {}
+
+    /// What the icon's click does: opens it there, or closes it.
+    void toggle(const TrayClick& click);
+
+    /// `activationToken`: what lets it take the focus on Wayland; empty for none.
+    void open(const std::string& activationToken = {});
+
+private:
+    [[nodiscard]] PanelWindow& window();
+
+    Parts parts_;
+    std::optional<PanelWindow> window_;
+};
+
+/// What a panel is about.
+[[nodiscard]] PanelModel::Objects panelObjects(const MenuPanel::Parts& parts);
+
+} // namespace wegslot

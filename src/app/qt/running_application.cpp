@@ -1,0 +1,59 @@
+#include "app/qt/running_application.h"
+
+#include "app/qt/display.h"
+#include "app/qt/warning.h"
+#include "model/log.h"
+
+namespace wegslot {
+namespace {
+
+std::filesystem::path ownProgram() {
+    std::error_code unknown;
+    return std::filesystem::canonical("/proc/self/exe", unknown);
+}
+
+void quit() { QCoreApplication::quit(); }
+
+} // namespace
+
+RunningApplication::RunningApplication(const Setting& setting)
+    : setting_(setting),
+      world_(setting.scheduler, setting.clock, setting.lock),
+      bundle_(bundleOf()),
+      model_([this] {
+          if (bundle_) updates_.emplace(*bundle_, world_.sessionBus);
+          return AppModel::Surroundings{
+              .preferences = setting_.preferences,
+              .central = world_.central,
+              .platform = world_.platform,
+              .makeHud =
+                  [this] { return warning(world_.sessionBus, setting_.clock, setting_.scheduler); },
+              .bundle = bundle_ ? bundle_->info : setting_.program,
+              .updates = updates_ ? std::optional(updates_->world()) : std::nullopt,
+              .updateNow = setting_.updateNow};
+      }()),
+      appearance_(world_.sessionBus),
+      loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
+                 world_.processes),
+      opener_(world_.processes),
+      panel_({model_, appearance_, setting.clock, loginItem_, [this] { openLog(); }, quit}),
+      icon_(appearance_, world_.sessionBus, model_.monitor(), setting.clock, setting.scheduler,
+            {.open = [this](const TrayClick& click) { panel_.toggle(click); },
+             .lock = [this] { model_.monitor().lockNow(); },
+             .quit = quit}),
+      activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }) {
+    withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
+}
+
+void RunningApplication::openLog() {
+    const auto failure = opener_.open(setting_.log);
+    if (failure) Log::write("Logboek openen mislukt: " + failure->message);
+}
+
+/// Where nobody shows the icon, a new user would never see Wegslot.
+void RunningApplication::openWithoutIcon() {
+    const bool isNew = model_.settings().keys.get().empty();
+    if (isNew && !icon_.isShown() && hasDisplay(displayEnvironment())) panel_.open();
+}
+
+} // namespace wegslot

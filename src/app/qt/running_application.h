@@ -1,0 +1,56 @@
+// The application itself while it runs: the core on the real world, the icon, the panel, updates.
+#pragma once
+
+#include "app/app_model.h"
+#include "app/linux/activation.h"
+#include "app/qt/appearance.h"
+#include "app/qt/menu_panel.h"
+#include "app/qt/real_updates.h"
+#include "app/qt/real_world.h"
+#include "app/qt/status_icon.h"
+#include "model/lock_command.h"
+#include "model/preferences_store.h"
+#include "ui/linux/autostart_item.h"
+#include "ui/linux/desktop_opener.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace wegslot {
+
+class RunningApplication {
+public:
+    struct Setting {
+        Scheduler& scheduler;
+        const Clock& clock;
+        PreferencesStore& preferences;
+        LockCommand lock;
+        std::filesystem::path log;
+        BundleInfo program; ///< what it is where no folder says so
+        bool updateNow = false;
+    };
+
+    explicit RunningApplication(const Setting& setting);
+
+private:
+    /// How long a bar of the desktop gets to show the icon.
+    static constexpr Nanoseconds iconPatience = std::chrono::seconds{5};
+
+    void openLog();
+    void openWithoutIcon();
+
+    Setting setting_;
+    RealWorld world_;
+    std::optional<OwnBundle> bundle_;
+    std::optional<RealUpdates> updates_;
+    AppModel model_;
+    Appearance appearance_;
+    AutostartItem loginItem_;
+    DesktopOpener opener_;
+    MenuPanel panel_;
+    StatusIcon icon_;
+    Activation activation_;
+    Timer withoutIcon_;
+};
+
+} // namespace wegslot

@@ -1,0 +1,17 @@
+// Puts a file's new content in the place of its old one so that whoever reads it, and whatever
+// happens meanwhile, there is the one or the other and never a part.
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include <sys/types.h>
+
+namespace wegslot {
+
+/// Replaces `file` whole, or leaves it as it is; where it is a link, what that leads to. Missing
+/// folders are made, the last for its owner alone. Answers an error number, 0 for none.
+[[nodiscard]] int replaceFile(const std::filesystem::path& file, std::string_view content,
+                              mode_t mode);
+
+} // namespace wegslot

@@ -1,0 +1,20 @@
+#include "ui/linux/desktop_opener.h"
+
+#include "base/text.h"
+
+#include <system_error>
+
+namespace wegslot {
+
+std::optional<Failure> DesktopOpener::open(const std::filesystem::path& file) {
+    // From the root, or a name could pass for an option or an address.
+    std::error_code nowhere;
+    const auto path = std::filesystem::absolute(file, nowhere);
+    const auto process = processes_.start({"xdg-open", path.string()});
+    if (!process) return Failure{printable(path.string()) + ": " + process.failure().message};
+    running_[*process] =
+        processes_.onEnd(*process, [this, process = *process] { running_.erase(process); });
+    return std::nullopt;
+}
+
+} // namespace wegslot
