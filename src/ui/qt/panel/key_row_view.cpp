@@ -27,7 +27,7 @@ void BadgeView::paintEvent(QPaintEvent*) {
 KeyRowView::KeyRowView(const PanelContext& context)
     : context_(context),
       symbol_(context.images, QSize(18, 18), 17),
-      name_(brand::heading(14), Text::Fit::elided),
+      name_(brand::heading(14), Text::Fit::elided, 130), // before the note, which has a tooltip
       note_(brand::body(10.5), Text::Fit::elided),
       remove_(context.images, {.shape = ButtonLook::Shape::bare,
                                .font = brand::body(13),

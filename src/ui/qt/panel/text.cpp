@@ -29,7 +29,7 @@ Font scaledFont(const Font& font) {
     return scaled;
 }
 
-Text::Text(const Font& font, Fit fit) : fit_(fit) {
+Text::Text(const Font& font, Fit fit, int least) : fit_(fit), least_(least) {
     const QtFont made = qtFont(scaledFont(font));
     font_ = made.font;
     scale_ = made.scale;
@@ -66,9 +66,8 @@ QSize Text::sizeWithin(double width) const {
 QSize Text::sizeHint() const { return sizeWithin(unbounded); }
 
 QSize Text::minimumSizeHint() const {
-    constexpr int someLetters = 24;
     const QSize whole = sizeWithin(unbounded);
-    return fit_ == Fit::whole ? whole : QSize(std::min(someLetters, whole.width()), whole.height());
+    return fit_ == Fit::whole ? whole : QSize(std::min(least_, whole.width()), whole.height());
 }
 
 int Text::heightForWidth(int width) const {

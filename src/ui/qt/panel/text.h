@@ -25,7 +25,8 @@ public:
         wrapped ///< as many lines as it takes
     };
 
-    explicit Text(const Font& font, Fit fit = Fit::whole);
+    /// `least`: how many pixels of an elided text are kept where there is too little room for all.
+    explicit Text(const Font& font, Fit fit = Fit::whole, int least = 24);
 
     void show(const std::string& text, const Color& color);
     using QLabel::show;
@@ -43,6 +44,7 @@ private:
     QFont font_;
     qreal scale_;
     Fit fit_;
+    int least_;
     Color color_;
 };
 
