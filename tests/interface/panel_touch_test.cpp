@@ -15,6 +15,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QSlider>
 
 #include <optional>
@@ -305,6 +306,31 @@ TEST_F(PanelTouchTest, ItHasAButtonOfItsOwnToCloseIt) {
     open();
     press("Sluiten");
     EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(PanelTouchTest, StandsWhereTheIconWasClickedAndWhollyOnTheScreen) {
+    open();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const auto placed = [this](const std::optional<QPoint>& at) {
+        window->hide();
+        window->open(at);
+        turn();
+        return window->geometry();
+    };
+    // Under an icon in a bar at the top, above one at the bottom.
+    const QPoint middle = screen.center();
+    const QRect below = placed(QPoint(middle.x(), screen.top() + 12));
+    EXPECT_NEAR(below.center().x(), middle.x(), 1);
+    EXPECT_EQ(below.top(), screen.top() + 20);
+    const QRect above = placed(QPoint(middle.x(), screen.bottom() - 12));
+    EXPECT_NEAR(above.center().x(), middle.x(), 1);
+    EXPECT_EQ(above.bottom(), screen.bottom() - 21);
+    // At the edges, and where no icon can be.
+    for (const auto& at : {std::optional(screen.topLeft()), std::optional(screen.topRight()),
+                           std::optional(screen.bottomRight()), std::optional(QPoint(-5000, 9)),
+                           std::optional<QPoint>()})
+        EXPECT_TRUE(screen.contains(placed(at))) << (at ? at->x() : 0);
+    EXPECT_EQ(placed(std::nullopt).topRight(), screen.topRight() + QPoint(-8, 8));
 }
 
 TEST_F(PanelTouchTest, AnotherWindowClosesIt) {

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "base/uuid.h"
 #include "model/log.h"
+#include "model/replace_file.h"
 #include "platform/linux/spawn.h"
 #include "update/archive_check.h"
 #include "update/bundle_info.h"
@@ -15,7 +16,6 @@
 #include <optional>
 #include <system_error>
 
-#include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -50,29 +50,16 @@ bool isOwnFolder(const fs::path& path) {
            status.st_uid == geteuid();
 }
 
-/// Whole or not at all: the file of this name appears when all of it is on the disk.
-Result<Ready> writeFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
-    fs::path unfinished = path;
-    unfinished += ".deel";
-    const int file = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (file < 0) return failureAt(path, errno);
-    int error = 0;
-    while (error == 0 && !bytes.empty()) {
-        const ssize_t written = write(file, bytes.data(), bytes.size());
-        if (written >= 0)
-            bytes = bytes.subspan(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (close(file) != 0 && error == 0) error = errno;
-    if (error == 0 && rename(unfinished.c_str(), path.c_str()) != 0) error = errno;
+Result<Ready> writeFile(const fs::path& path, std::string_view content) {
+    const int error = replaceFile(path, content, 0600);
     if (error != 0) return failureAt(path, error);
     return Ready{};
 }
 
 Result<Ready> unpackInto(const fs::path& folder, std::span<const std::uint8_t> image) {
     const fs::path archive = folder / "update.tar.gz";
-    if (auto written = writeFile(archive, image); !written) return written;
+    const std::string_view bytes(reinterpret_cast<const char*>(image.data()), image.size());
+    if (auto written = writeFile(archive, bytes); !written) return written;
     const auto unpacked =
         runTool({"/usr/bin/tar", "--extract", "--gzip", "--no-same-owner", "--no-same-permissions",
                  "--file", archive, "--directory", folder});
@@ -135,10 +122,7 @@ bool LinuxInstaller::mayReplace() const {
 
 Result<Ready> LinuxInstaller::launchSwap(const std::string& app) {
     const fs::path script = fs::path(app).parent_path() / "installer.sh";
-    const std::string_view text = swapScript;
-    const auto written =
-        writeFile(script, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-    if (!written) return written.failure();
+    if (const auto written = writeFile(script, swapScript); !written) return written.failure();
     const auto started = spawn({"/bin/sh", script, std::to_string(getpid()), app, app_.string()});
     if (!started) return started.failure();
     return Ready{};

@@ -125,22 +125,4 @@ void NearbyContentView::leaveEvent(QEvent*) { context_.model.releaseLists(); }
 
 void NearbyContentView::hideEvent(QHideEvent*) { context_.model.releaseLists(); }
 
-NearbyView::NearbyView(const PanelContext& context)
-    : NearbyView(context, std::make_unique<NearbyContentView>(context)) {}
-
-NearbyView::NearbyView(const PanelContext& context, std::unique_ptr<NearbyContentView> content)
-    : context_(context),
-      content_(content.get()),
-      group_(DisclosureButton::Rank::section, 6, std::move(content)) {
-    layout_.setContentsMargins(0, 0, 0, 0);
-    layout_.addWidget(&group_);
-    connect(&group_.button(), &QAbstractButton::clicked, this,
-            [this](bool open) { context_.model.openNearby(open); });
-}
-
-void NearbyView::show(const panel::NearbyGroup& group) {
-    content_->show(group);
-    group_.show(group.title, group.isOpen, context_.colors());
-}
-
 } // namespace wegslot

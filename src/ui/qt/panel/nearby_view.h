@@ -5,6 +5,7 @@
 #include "ui/qt/panel/disclosure.h"
 #include "ui/qt/panel/panel_button.h"
 #include "ui/qt/panel/panel_context.h"
+#include "ui/qt/panel/section_view.h"
 #include "ui/qt/panel/small_parts.h"
 #include "ui/qt/panel/text.h"
 #include "ui/qt/panel/toggles.h"
@@ -79,20 +80,6 @@ private:
     QVBoxLayout layout_{this};
 };
 
-class NearbyView final : public QWidget {
-public:
-    explicit NearbyView(const PanelContext& context);
-
-    void show(const panel::NearbyGroup& group);
-    using QWidget::show;
-
-private:
-    NearbyView(const PanelContext& context, std::unique_ptr<NearbyContentView> content);
-
-    PanelContext context_;
-    NearbyContentView* content_; ///< the disclosure's
-    Disclosure group_;
-    QVBoxLayout layout_{this};
-};
+using NearbyView = SectionView<NearbyContentView, panel::NearbyGroup>;
 
 } // namespace wegslot

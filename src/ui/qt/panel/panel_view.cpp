@@ -35,8 +35,8 @@ PanelView::PanelView(const PanelContext& context, int height)
       header_(context),
       update_(context),
       keys_(context),
-      nearby_(context),
-      settings_(context),
+      nearby_(context, &PanelModel::openNearby),
+      settings_(context, &PanelModel::openSettings),
       footer_(context) {
     setFixedSize(static_cast<int>(PanelContent::width), height);
     // The scroll bar stands in the padding on the right.

@@ -87,23 +87,4 @@ SettingsContentView::Show SettingsContentView::viewOf(const panel::SettingsPart&
     return [this, shown](const panel::SettingsPart&) { shown->show(context_.colors().divider); };
 }
 
-SettingsView::SettingsView(const PanelContext& context)
-    : SettingsView(context, std::make_unique<SettingsContentView>(context)) {}
-
-SettingsView::SettingsView(const PanelContext& context,
-                           std::unique_ptr<SettingsContentView> content)
-    : context_(context),
-      content_(content.get()),
-      group_(DisclosureButton::Rank::section, 6, std::move(content)) {
-    layout_.setContentsMargins(0, 0, 0, 0);
-    layout_.addWidget(&group_);
-    connect(&group_.button(), &QAbstractButton::clicked, this,
-            [this](bool open) { context_.model.openSettings(open); });
-}
-
-void SettingsView::show(const panel::SettingsGroup& group) {
-    content_->show(group);
-    group_.show(group.title, group.isOpen, context_.colors());
-}
-
 } // namespace wegslot

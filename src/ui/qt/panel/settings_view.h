@@ -1,9 +1,9 @@
 // The settings of the panel, and the version at their end.
 #pragma once
 
-#include "ui/qt/panel/disclosure.h"
 #include "ui/qt/panel/panel_button.h"
 #include "ui/qt/panel/panel_context.h"
+#include "ui/qt/panel/section_view.h"
 #include "ui/qt/panel/text.h"
 
 #include <QHBoxLayout>
@@ -51,20 +51,6 @@ private:
     QVBoxLayout layout_{this};
 };
 
-class SettingsView final : public QWidget {
-public:
-    explicit SettingsView(const PanelContext& context);
-
-    void show(const panel::SettingsGroup& group);
-    using QWidget::show;
-
-private:
-    SettingsView(const PanelContext& context, std::unique_ptr<SettingsContentView> content);
-
-    PanelContext context_;
-    SettingsContentView* content_; ///< the disclosure's
-    Disclosure group_;
-    QVBoxLayout layout_{this};
-};
+using SettingsView = SectionView<SettingsContentView, panel::SettingsGroup>;
 
 } // namespace wegslot
