@@ -153,7 +153,7 @@ void Updater::verify(const Release& release, std::vector<std::uint8_t> image) {
                                      });
 }
 
-void Updater::unpack(std::shared_ptr<Attempt> attempt) {
+void Updater::unpack(const std::shared_ptr<Attempt>& attempt) {
     Installer& installer = world_.installer;
     pending_ = world_.background.run([attempt, &installer] { attempt->unpack(installer); },
                                      [this, attempt] {

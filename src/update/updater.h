@@ -119,7 +119,7 @@ private:
     void settle(const Result<Release>& found, Silent silent, const State& before);
     void download(const Release& release);
     void verify(const Release& release, std::vector<std::uint8_t> image);
-    void unpack(std::shared_ptr<Attempt> attempt);
+    void unpack(const std::shared_ptr<Attempt>& attempt);
     void swap(const Attempt& attempt);
     void failInstall(const std::string& message);
 

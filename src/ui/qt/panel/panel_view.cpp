@@ -24,7 +24,8 @@ void collectControls(const QLayout& layout, std::vector<QWidget*>& controls) {
             controls.push_back(widget);
         const auto* const scroll = dynamic_cast<QScrollArea*>(widget);
         const QWidget* const outer = scroll == nullptr ? widget : scroll->widget();
-        if (outer->layout() != nullptr) collectControls(*outer->layout(), controls);
+        if (outer != nullptr && outer->layout() != nullptr)
+            collectControls(*outer->layout(), controls);
     }
 }
 
