@@ -57,7 +57,8 @@ struct AutostartDesktopsTest : testing::Test {
 } // namespace
 
 TEST_F(AutostartDesktopsTest, AProgramIsStartedWhateverItsFolderIsCalled) {
-    if (!isInstalled("gio") || !isInstalled("desktop-file-validate")) GTEST_SKIP();
+    for (const char* const tool : {"gio", "desktop-file-validate"})
+        if (!isInstalled(tool)) GTEST_SKIP() << tool << " is not installed";
     for (const std::string place :
          {"plain", "with blanks", "a\"b", "a`b", "a$HOME b", "tab\tb", "line\nb", "Zoë", "a;b&c|d",
           "~a#b", "-dash", "it(s)<a>*?", "a=b", "a'b", "a!b"}) {
@@ -77,7 +78,7 @@ TEST_F(AutostartDesktopsTest, AProgramIsStartedWhateverItsFolderIsCalled) {
 }
 
 TEST_F(AutostartDesktopsTest, SystemdStartsWhatIsSwitchedOnAndNothingElse) {
-    if (!fs::exists(generator)) GTEST_SKIP();
+    if (!fs::exists(generator)) GTEST_SKIP() << generator << " is not installed";
     for (const bool hasShared : {false, true}) {
         AutostartItem item = itemOf(programIn("my \"own\" $app"));
         if (hasShared) put(shared, "[Desktop Entry]\nType=Application\nName=W\nExec=/bin/sh\n");
@@ -99,7 +100,7 @@ TEST_F(AutostartDesktopsTest, AProgramWhosePathDesktopsMisreadIsNotWrittenDown) 
 }
 
 TEST_F(AutostartDesktopsTest, WhatIsReadAgreesWithSystemd) {
-    if (!fs::exists(generator)) GTEST_SKIP();
+    if (!fs::exists(generator)) GTEST_SKIP() << generator << " is not installed";
     put(shared, "[Desktop Entry]\nType=Application\nName=W\nExec=/bin/sh\n");
     const std::string type = "[Desktop Entry]\nType=Application\nName=W\n";
     for (const std::string& text :
