@@ -85,6 +85,9 @@ void WarningPanel::present() {
     winId();
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
     place();
+    // A desktop that is still starting tells only later which part of the screen its bars take.
+    if (const QScreen* const screen = QGuiApplication::primaryScreen(); screen != nullptr)
+        connect(screen, &QScreen::availableGeometryChanged, this, [this] { place(); });
     show();
     QAccessibleEvent alert(this, QAccessible::Alert);
     QAccessible::updateAccessibility(&alert);
