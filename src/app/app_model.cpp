@@ -13,9 +13,11 @@ AppModel::AppModel(Surroundings surroundings)
                surroundings_.platform.scheduler) {
     updater_.start();
     if (!surroundings_.updateNow) return;
-    updateNow_ = surroundings_.platform.scheduler.after(Nanoseconds{0}, [this] {
-        updater_.check(Updater::Silent::no, [this] { updater_.install(); });
-    });
+    updateNow_ = surroundings_.platform.scheduler.after(Nanoseconds{0}, [this] { updateNow(); });
+}
+
+void AppModel::updateNow() {
+    updater_.check(Updater::Silent::no, [this] { updater_.install(); });
 }
 
 Monitor& AppModel::monitor() {

@@ -45,6 +45,9 @@ public:
 
     [[nodiscard]] Updater& updater() { return updater_; }
 
+    /// Looks for a release, and installs it when there is one.
+    void updateNow();
+
 private:
     Surroundings surroundings_;
     Settings settings_;

@@ -73,6 +73,11 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
 Result<Command> parseArguments(const std::vector<std::string_view>& words) {
     if (contains(words, "--help")) return Command{command::Help{}};
     if (contains(words, "--version")) return Command{command::Version{}};
+    if (!words.empty() && control::isRequest(words.front())) {
+        const auto request = control::parseRequest(words);
+        if (!request) return request.failure();
+        return Command{command::Ask{*request}};
+    }
 
     std::optional<Command> chosen;
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -112,9 +117,21 @@ Nagaan wat op deze computer werkt:
                         verandert niets en mag naast een draaiend Wegslot;
                         eindigt met 0 als alles wat voor locken nodig is werkt
 
+Een draaiend Wegslot iets vragen:
+  status [--json] [--follow]
+                        toon wat Wegslot doet en hoe het de sleutels hoort;
+                        --follow gaat door met elke verandering en waarom;
+                        stop met Ctrl-C
+  keys [--json]         toon de sleutels met id, toestand, signaal en drempel
+  lock                  lock nu
+  pause DUUR            pauzeer: 15m, 90s, 2h, of een aantal seconden; van 1 s
+                        tot 4 uur
+  resume                hervat
+
 Bijwerken:
-  --update-now          start Wegslot, zoek meteen naar een nieuwere versie en
-                        installeer die
+  --update-now          zoek meteen naar een nieuwere versie en installeer die;
+                        draait Wegslot al, dan doet dat het, en anders start
+                        het ervoor
 
 Overig:
   --snapshot BESTAND [--tall]
@@ -130,7 +147,8 @@ Overig:
 Voorkeuren: $XDG_CONFIG_HOME/wegslot/preferences.json
 Logboek:    ~/Library/Logs/Wegslot.log
 
-Eindigt met 0, met 1 als iets niet lukte en met 2 bij een verkeerde aanroep.
+Eindigt met 0, met 1 als iets niet lukte, met 2 bij een verkeerde aanroep en met
+3 als Wegslot niet draait en er iets van gevraagd wordt.
 )";
 }
 

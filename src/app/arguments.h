@@ -3,6 +3,7 @@
 
 #include "base/result.h"
 #include "base/uuid.h"
+#include "control/request.h"
 
 #include <optional>
 #include <string>
@@ -37,6 +38,10 @@ struct AddKey {
 struct RemoveKey {
     Uuid id;
 };
+/// Ask a Wegslot that runs.
+struct Ask {
+    control::Request request;
+};
 /// Write a picture of the panel to a file, and end.
 struct Snapshot {
     std::string path;
@@ -47,7 +52,7 @@ struct Snapshot {
 
 using Command = std::variant<command::Run, command::Demo, command::Help, command::Version,
                              command::Devices, command::Keys, command::Check, command::AddKey,
-                             command::RemoveKey, command::Snapshot>;
+                             command::RemoveKey, command::Ask, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& words);

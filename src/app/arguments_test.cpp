@@ -49,6 +49,15 @@ TEST(Arguments, ACheckMayLockAndMaySpeakToScripts) {
     EXPECT_FALSE(check({"--json", "--check"}).lock);
 }
 
+TEST(Arguments, ARequestToTheOneThatRunsIsAWordAndComesFirst) {
+    const auto asked = std::get<command::Ask>(*parseArguments({"pause", "15m"})).request;
+    EXPECT_EQ(std::get<control::request::Pause>(asked).seconds, 900U);
+    EXPECT_TRUE(asksFor<command::Ask>({"status", "--json", "--follow"}));
+    EXPECT_EQ(fault({"pause", "nu"}), "pause: geen geldige duur: nu (bijvoorbeeld 15m, 90s of 2h)");
+    EXPECT_EQ(fault({"--others", "status"}), "onbekend woord status (zie --help)");
+    EXPECT_TRUE(asksFor<command::Help>({"status", "--help"}));
+}
+
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsSaid) {
     EXPECT_TRUE(asksFor<command::Help>({"--devices", "--onzin", "--help"}));
     EXPECT_TRUE(asksFor<command::Version>({"--demo", "--version"}));

@@ -229,11 +229,6 @@ Finding autostartFinding(bool there) {
             .text = there ? "ja" : "nee"};
 }
 
-std::string padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' '); // the labels are ASCII
-    return text;
-}
-
 } // namespace
 
 std::vector<Finding> findings(const CheckFacts& facts) {

@@ -16,14 +16,6 @@ std::string kindOf(const SeenDevice& device) {
     return nameless.displayName();
 }
 
-std::string padded(std::string text, std::size_t width) {
-    // In characters, not bytes: continuation bytes take no room.
-    const auto characters = static_cast<std::size_t>(std::ranges::count_if(
-        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
-    if (characters < width) text.append(width - characters, ' ');
-    return text;
-}
-
 std::string row(const SeenDevice& device, bool changesAddress) {
     const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
     return device.id.text() + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +

@@ -133,6 +133,14 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
+std::string padded(std::string text, std::size_t width) {
+    // In characters, not bytes: continuation bytes take no room.
+    const auto characters = static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+    if (characters < width) text.append(width - characters, ' ');
+    return text;
+}
+
 std::string_view trimmed(std::string_view text) {
     while (!text.empty()) {
         const auto decoded = firstCharacter(text);

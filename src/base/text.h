@@ -4,6 +4,7 @@
 
 #include "base/time.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,9 @@ namespace wegslot {
 /// `text` (UTF-8) for one line of a terminal: control characters and line separators, which
 /// could pretend to be something else, become U+FFFD.
 [[nodiscard]] std::string printable(std::string_view text);
+
+/// `text` (UTF-8) with blanks behind it up to `width` characters, for columns.
+[[nodiscard]] std::string padded(std::string text, std::size_t width);
 
 /// `text` (UTF-8) without the blanks, separators, control and format characters at both ends:
 /// the categories Z*, Cc and Cf of Unicode 15.

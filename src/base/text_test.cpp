@@ -49,6 +49,13 @@ TEST(Text, TrimsBlanksControlsAndFormatCharactersAtBothEnds) {
     EXPECT_EQ(trimmed(" \n\u200B"sv), "");
 }
 
+TEST(Text, ColumnsAreCountedInCharacters) {
+    EXPECT_EQ(padded("Zoë", 5), "Zoë  ");
+    EXPECT_EQ(padded("Zoë", 3), "Zoë");
+    EXPECT_EQ(padded("Zoë", 2), "Zoë");
+    EXPECT_EQ(padded("", 2), "  ");
+}
+
 TEST(Text, ControlCharactersAreShownAndNotObeyed) {
     EXPECT_EQ(printable("Zoë\n\x1B[2J\u0085\u2028x\xFF"), "Zoë\uFFFD\uFFFD[2J\uFFFD\uFFFDx\uFFFD");
 }

@@ -27,6 +27,7 @@ struct Append {
     void operator()(std::int16_t value) const { writer.int16(value); }
     void operator()(const std::string& value) const { writer.text(value); }
     void operator()(const ObjectPath& path) const { writer.path(path.text); }
+    void operator()(const FileDescriptor& file) const { writer.descriptor(file.number); }
     void operator()(const std::vector<std::string>& values) const {
         writer.array("s", [&values](Writer& list) {
             for (const std::string& value : values)

@@ -28,8 +28,12 @@ using Dictionary = std::vector<
 struct ObjectPath {
     std::string text;
 };
+/// A file that the other side may use as well; the caller keeps it open until the call is sent.
+struct FileDescriptor {
+    int number;
+};
 using Argument = std::variant<bool, std::int32_t, std::uint32_t, std::string, ObjectPath,
-                              std::vector<std::string>, Dictionary>;
+                              FileDescriptor, std::vector<std::string>, Dictionary>;
 
 struct Call {
     std::string destination;

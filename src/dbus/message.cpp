@@ -64,6 +64,16 @@ std::optional<std::int64_t> Reader::integer() {
     }
 }
 
+std::optional<double> Reader::real() {
+    if (nextType(message_) != 'd') return std::nullopt;
+    return basic<double>(message_, 'd');
+}
+
+std::optional<int> Reader::descriptor() {
+    if (nextType(message_) != 'h') return std::nullopt;
+    return basic<int>(message_, 'h');
+}
+
 std::optional<std::span<const std::uint8_t>> Reader::bytes() {
     if (!nextIs('a', "y")) return std::nullopt;
     const void* start = nullptr;
@@ -185,6 +195,11 @@ std::optional<std::string> Message::error() const {
     const sd_bus_error* const error = sd_bus_message_get_error(message_);
     if (error == nullptr) return std::nullopt;
     return std::string(view(error->name));
+}
+
+std::string_view Message::errorText() const {
+    const sd_bus_error* const error = sd_bus_message_get_error(message_);
+    return error == nullptr ? "" : view(error->message);
 }
 
 std::string_view Message::path() const { return view(sd_bus_message_get_path(message_)); }

@@ -26,6 +26,9 @@ public:
     [[nodiscard]] std::optional<std::string_view> text(); ///< s, o or g
     [[nodiscard]] std::optional<bool> boolean();          ///< b
     [[nodiscard]] std::optional<std::int64_t> integer();  ///< y, n, q, i, u, x; t that fits
+    [[nodiscard]] std::optional<double> real();           ///< d
+    /// h; open for as long as the message is there.
+    [[nodiscard]] std::optional<int> descriptor();
     [[nodiscard]] std::optional<std::span<const std::uint8_t>> bytes(); ///< ay
     [[nodiscard]] std::vector<std::string> texts(); ///< as or ao; empty otherwise
 
@@ -71,6 +74,9 @@ public:
 
     /// The name of the error, for an answer that is one.
     [[nodiscard]] std::optional<std::string> error() const;
+
+    /// What the error says to a person; empty for an answer that is none.
+    [[nodiscard]] std::string_view errorText() const;
 
     [[nodiscard]] std::string_view path() const;
     [[nodiscard]] std::string_view sender() const;

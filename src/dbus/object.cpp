@@ -27,7 +27,7 @@ int getProperty(sd_bus*, const char*, const char*, const char* name, sd_bus_mess
     return writer.isWhole() ? 0 : -EINVAL;
 }
 
-int callMethod(sd_bus_message* call, void* data, sd_bus_error*) {
+int callMethod(sd_bus_message* call, void* data, sd_bus_error* error) {
     const auto& methods = static_cast<Exported*>(data)->interface.methods;
     const std::string_view member = sd_bus_message_get_member(call);
     const auto found = std::ranges::find(methods, member, &Method::name);
@@ -35,11 +35,14 @@ int callMethod(sd_bus_message* call, void* data, sd_bus_error*) {
     // A copy: answering may end the object.
     const auto answer = found->answer;
     sd_bus_message* reply = nullptr;
-    if (const int error = sd_bus_message_new_method_return(call, &reply); error < 0) return error;
+    if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
+        return result;
     const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(
         reply, sd_bus_message_unref);
     Writer writer(reply);
     answer(Message{call}, writer);
+    if (!writer.refusal().empty())
+        return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, writer.refusal().c_str());
     if (!writer.isWhole()) return -EINVAL;
     return sd_bus_send(nullptr, reply, nullptr) < 0 ? -EIO : 1;
 }

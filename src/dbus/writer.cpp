@@ -21,6 +21,12 @@ void Writer::int32(std::int32_t value) { basic('i', &value); }
 
 void Writer::uint32(std::uint32_t value) { basic('u', &value); }
 
+void Writer::int64(std::int64_t value) { basic('x', &value); }
+
+void Writer::real(double value) { basic('d', &value); }
+
+void Writer::descriptor(int value) { basic('h', &value); }
+
 void Writer::bytes(std::span<const std::uint8_t> value) {
     check(sd_bus_message_append_array(message_, 'y', value.data(), value.size()));
 }

@@ -7,6 +7,7 @@
 #include <functional>
 #include <span>
 #include <string>
+#include <utility>
 
 struct sd_bus_message;
 
@@ -25,6 +26,10 @@ public:
     void int16(std::int16_t value);
     void int32(std::int32_t value);
     void uint32(std::uint32_t value);
+    void int64(std::int64_t value);
+    void real(double value);
+    /// Sends a copy of an open file; the caller keeps its own.
+    void descriptor(int value);
     void bytes(std::span<const std::uint8_t> value);
 
     // `contents`: the signature of what `fill` appends (of one element, for an array).
@@ -34,8 +39,14 @@ public:
     void entry(const char* contents, const Fill& fill); ///< of a dictionary
     void variant(const char* contents, const Fill& fill);
 
-    /// Has the asker get an error instead (InvalidArgs): there is nothing to answer with.
-    void refuse() { whole_ = false; }
+    /// Has the asker get an error instead (InvalidArgs): there is nothing to answer with. `why`:
+    /// for a person; empty leaves the words to the library.
+    void refuse(std::string why = {}) {
+        whole_ = false;
+        refusal_ = std::move(why);
+    }
+
+    [[nodiscard]] const std::string& refusal() const { return refusal_; }
 
     /// Whether everything did fit.
     [[nodiscard]] bool isWhole() const { return whole_; }
@@ -48,6 +59,7 @@ private:
 
     sd_bus_message* message_;
     bool whole_ = true;
+    std::string refusal_;
 };
 
 } // namespace wegslot::dbus

@@ -31,6 +31,11 @@ Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
 }
 
 void Monitor::tick() {
+    cause_ = PhaseCause::judgement;
+    judge();
+}
+
+void Monitor::judge() {
     scanner_.refreshSnapshot();
     const TimePoint now = platform_.clock.now();
     keyStates_.set(presence_.evaluateAll(now));
@@ -54,7 +59,7 @@ void Monitor::tick() {
         return rest(phase::Present{});
     }
     if (const auto reason = pauseReason(settings_, platform_.activity)) return pauseFor(*reason);
-    if (!settings_.warningEnabled.get()) return lockNow();
+    if (!settings_.warningEnabled.get()) return lock();
     warn(now);
 }
 
@@ -104,7 +109,7 @@ void Monitor::pauseFor(const PauseReason& reason) {
 
 void Monitor::warn(TimePoint now) {
     if (const auto* const warning = std::get_if<phase::Warning>(&phase_.get())) {
-        if (now >= warning->deadline) lockNow();
+        if (now >= warning->deadline) lock();
         return;
     }
     const Seconds total = settings_.warningSeconds.get();
@@ -118,6 +123,11 @@ void Monitor::warn(TimePoint now) {
 }
 
 void Monitor::lockNow() {
+    cause_ = PhaseCause::request;
+    lock();
+}
+
+void Monitor::lock() {
     hud_->hide();
     Log::write("Mac wordt gelockt");
     lockRequestedAt_ = platform_.clock.now();
@@ -126,21 +136,24 @@ void Monitor::lockNow() {
 }
 
 void Monitor::pause(Seconds duration) {
+    cause_ = PhaseCause::request;
     const TimePoint until = later(platform_.clock.now(), rounded(duration));
     snooze_.startManual(until);
     hud_->hide();
     Log::write("Handmatig gepauzeerd tot " + utcText(later(until, wallOffset())));
-    tick();
+    judge();
 }
 
 void Monitor::resume() {
+    cause_ = PhaseCause::request;
     snooze_.end();
     Log::write("Hervat");
-    tick();
+    judge();
 }
 
 void Monitor::cancelWarning() {
     if (!is<phase::Warning>(phase_.get())) return;
+    cause_ = PhaseCause::request;
     hud_->hide();
     const TimePoint until = later(platform_.clock.now(), Snooze::automatic);
     snooze_.startAutomatic(until);
@@ -149,10 +162,12 @@ void Monitor::cancelWarning() {
 }
 
 void Monitor::enabledChanged(bool enabled) {
+    cause_ = PhaseCause::request;
     if (enabled) rearm(); // switching off waits for the next tick
 }
 
 void Monitor::screenChanged(SessionEvent event) {
+    cause_ = PhaseCause::screen;
     switch (event) {
     case SessionEvent::locked:
         screenLocked_ = true;

@@ -50,6 +50,9 @@ public:
 
     [[nodiscard]] const Observable<Phase>& phase() const { return phase_; }
 
+    /// Of the phase that is assigned last; while listeners of `phase` run, of the new one.
+    [[nodiscard]] PhaseCause cause() const { return cause_; }
+
     [[nodiscard]] const Observable<KeyStates>& keyStates() const { return keyStates_; }
 
     /// True while the present snooze was asked for by the user.
@@ -69,6 +72,8 @@ public:
 
 private:
     void tick();
+    void judge();
+    void lock();
     void watch(const std::vector<KeyDevice>& keys);
     void set(Phase next);
     /// Hides the panel and sets the phase: every phase but a warning shows none.
@@ -91,6 +96,7 @@ private:
     Observable<KeyStates> keyStates_;
     Presence presence_;
     Snooze snooze_;
+    PhaseCause cause_ = PhaseCause::judgement;
     bool screenLocked_ = false;
     std::optional<TimePoint> lockRequestedAt_;
     /// Gone with the monitor: a panel that outlives it has nobody to report to.

@@ -69,6 +69,13 @@ using Phase = std::variant<phase::BluetoothUnavailable, phase::Paused, phase::Sn
                            phase::Warning, phase::Disabled, phase::NoKeys, phase::WaitingForReturn,
                            phase::Present, phase::Leaving, phase::Locked>;
 
+/// What brought a phase about.
+enum class PhaseCause {
+    judgement, ///< of keys, radio, settings and pauses
+    request,   ///< somebody asked for it
+    screen,    ///< the screen was locked or unlocked
+};
+
 /// The case alone: "waitingForReturn".
 [[nodiscard]] std::string_view name(const Phase& phase);
 

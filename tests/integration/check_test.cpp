@@ -1,13 +1,13 @@
 // `wegslot --check` as people and scripts run it, in worlds of real parts: it says what is really
 // there, and its exit status whether Wegslot could lock.
 
-#include "model/preferences_file.h"
 #include "scanner/bluez/device_id.h"
 #include "tests/integration/media_servers.h"
 #include "tests/support/gnome_desktop.h"
 #include "tests/support/headless_sway.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/mocked_logind.h"
+#include "tests/support/own_home.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,19 +28,8 @@ constexpr auto address = "AA:BB:CC:DD:EE:01";
 
 struct CheckTest : testing::Test {
     BusLoop loop; // the system's bus and the session's at once
-    TemporaryFolder home;
-    std::map<std::string, std::string> environment{
-        {"HOME", home.path().string()},
-        {"XDG_CONFIG_HOME", (home.path() / "config").string()},
-        {"XDG_CONFIG_DIRS", (home.path() / "shared").string()},
-        {"XDG_RUNTIME_DIR", home.path().string()},
-        {"DBUS_SYSTEM_BUS_ADDRESS", loop.daemon.address()},
-        {"DBUS_SESSION_BUS_ADDRESS", loop.daemon.address()},
-        {"XDG_SESSION_TYPE", ""},
-        {"XDG_SESSION_ID", ""},
-        {"WAYLAND_DISPLAY", ""},
-        {"DISPLAY", ""},
-        {"PULSE_SERVER", ""}};
+    OwnHome home;
+    std::map<std::string, std::string> environment = home.variables(loop);
     int status = -1;
     std::string output;
 
@@ -64,14 +53,6 @@ struct CheckTest : testing::Test {
         return start == std::string::npos ? Json() : Json::parse(output.substr(start));
     }
 
-    void setPreferences(const std::string& content) {
-        const fs::path file = PreferencesFile::pathUnder(home.path() / "config");
-        fs::create_directories(file.parent_path());
-        std::ofstream(file) << content;
-    }
-    [[nodiscard]] std::string preferences() const {
-        return home.read("config/wegslot/preferences.json");
-    }
     /// One key, of the address above.
     [[nodiscard]] static std::string withKey(const std::string& further = "") {
         return R"({"keys": [{"id": ")" + deviceId(address, "public").text() +
@@ -98,7 +79,7 @@ struct CheckWithRadioTest : CheckTest {
     void SetUp() override {
         bluez.addAdapter();
         bluez.addDevice(address, {}, {{"AddressType", std::string("public")}});
-        setPreferences(withKey());
+        home.setPreferences(withKey());
     }
 };
 
@@ -162,8 +143,8 @@ TEST_F(CheckWithRadioTest, AnAdapterThatIsOffIsNamed) {
 
 TEST_F(CheckWithRadioTest, AKeyThatWillSoonBeAStrangerIsNamed) {
     bluez.addDevice("41:BB:CC:DD:EE:02", {}, {{"AddressType", std::string("random")}});
-    setPreferences(R"({"keys": [{"id": ")" + deviceId("41:BB:CC:DD:EE:02", "random").text() +
-                   R"(", "name": "Horloge", "threshold": -70}]})");
+    home.setPreferences(R"({"keys": [{"id": ")" + deviceId("41:BB:CC:DD:EE:02", "random").text() +
+                        R"(", "name": "Horloge", "threshold": -70}]})");
     const Json all = report();
     EXPECT_FALSE(works(all, "keys"));
     EXPECT_NE(named(all, "keys").at("text").get<std::string>().find("wisselt van adres"),
@@ -171,11 +152,11 @@ TEST_F(CheckWithRadioTest, AKeyThatWillSoonBeAStrangerIsNamed) {
 }
 
 TEST_F(CheckWithRadioTest, DamagedPreferencesAreSaidToBeAndLeftAlone) {
-    setPreferences("{\"keys\": [{");
+    home.setPreferences("{\"keys\": [{");
     run({});
     EXPECT_EQ(status, 1);
     EXPECT_NE(output.find("wegslot: Voorkeuren onleesbaar: "), std::string::npos) << output;
-    EXPECT_EQ(preferences(), "{\"keys\": [{");
+    EXPECT_EQ(home.preferences(), "{\"keys\": [{");
     EXPECT_EQ(std::distance(fs::directory_iterator(home.path() / "config" / "wegslot"), {}), 1);
 }
 
@@ -183,10 +164,10 @@ TEST_F(CheckWithRadioTest, ItRunsBesideARunningWegslot) {
     Program running({.words = {WEGSLOT_PROGRAM}, .environment = environment});
     ASSERT_TRUE(loop.runUntil([this] { return bluez.service.calls("StartDiscovery") > 0; }))
         << running.output();
-    const std::string before = preferences();
+    const std::string before = home.preferences();
     const Json all = report();
     EXPECT_TRUE(works(all, "keys"));
-    EXPECT_EQ(preferences(), before);
+    EXPECT_EQ(home.preferences(), before);
     EXPECT_TRUE(running.isRunning());
 }
 
@@ -232,7 +213,7 @@ TEST_F(CheckOnSwayTest, ALockThatIsAskedForIsProvenByTheLockersProcess) {
 }
 
 TEST_F(CheckOnSwayTest, AWrongLockCommandIsNamedAndLocksNothing) {
-    setPreferences(withKey(R"(, "lockCommand": ["swaylokc", "--color", "000000"])"));
+    home.setPreferences(withKey(R"(, "lockCommand": ["swaylokc", "--color", "000000"])"));
     const Json all = report({"--lock"});
     EXPECT_EQ(status, 1);
     EXPECT_FALSE(works(all, "lock"));
@@ -243,7 +224,7 @@ TEST_F(CheckOnSwayTest, AWrongLockCommandIsNamedAndLocksNothing) {
 }
 
 TEST_F(CheckOnSwayTest, ALockCommandThatIsNoListIsNamedAndAnInstalledLockerUsed) {
-    setPreferences(withKey(R"(, "lockCommand": "swaylock -f")"));
+    home.setPreferences(withKey(R"(, "lockCommand": "swaylock -f")"));
     const Json all = report();
     EXPECT_EQ(status, 0);
     EXPECT_EQ(named(all, "lock").at("text"),

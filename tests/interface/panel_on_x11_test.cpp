@@ -5,6 +5,7 @@
 #include "tests/interface/screens.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/mocked_logind.h"
+#include "tests/support/own_home.h"
 
 #include <gtest/gtest.h>
 
@@ -23,16 +24,9 @@ protected:
             if (!isInstalled(tool)) GTEST_SKIP() << tool << " is not installed";
         screen.emplace("openbox");
         ASSERT_TRUE(screen->isManaged);
-        variables = {{"DISPLAY", screen->display},
-                     {"WAYLAND_DISPLAY", ""},
-                     {"XDG_SESSION_TYPE", "x11"},
-                     {"XDG_SESSION_ID", ""},
-                     {"HOME", home.path().string()},
-                     {"XDG_CONFIG_HOME", (home.path() / "config").string()},
-                     {"XDG_RUNTIME_DIR", home.path().string()},
-                     {"PULSE_SERVER", ""},
-                     {"DBUS_SESSION_BUS_ADDRESS", loop.daemon.address()},
-                     {"DBUS_SYSTEM_BUS_ADDRESS", loop.daemon.address()}};
+        variables = home.variables(loop);
+        variables["DISPLAY"] = screen->display;
+        variables["XDG_SESSION_TYPE"] = "x11";
         bluez.addAdapter();
         bluez.addDevice(
             address, std::int16_t{-50},
@@ -90,23 +84,20 @@ protected:
     }
 
     [[nodiscard]] bool logs(const std::string& text) {
-        return happens([&] { return log().find(text) != std::string::npos; });
+        return happens([&] { return home.log().find(text) != std::string::npos; });
     }
-    [[nodiscard]] std::string log() const { return home.read("Library/Logs/Wegslot.log"); }
     [[nodiscard]] bool prefers(const std::string& text) {
-        return happens([&] {
-            return home.read("config/wegslot/preferences.json").find(text) != std::string::npos;
-        });
+        return happens([&] { return home.preferences().find(text) != std::string::npos; });
     }
 
     /// Of the one key, in dBm, as it is stored.
     [[nodiscard]] double threshold() const {
-        const std::string text = home.read("config/wegslot/preferences.json");
+        const std::string text = home.preferences();
         const auto found = text.find("\"threshold\":");
         return found == std::string::npos ? 0 : std::stod(text.substr(found + 12));
     }
 
-    TemporaryFolder home;
+    OwnHome home;
     std::optional<X11Screen> screen;
     std::map<std::string, std::string> variables;
     BusLoop loop;
@@ -121,10 +112,10 @@ protected:
 
 TEST_F(PanelOnX11Test, IsDrivenByKeysAndMouseFromTheFirstStartToTheEnd) {
     ASSERT_TRUE(happens([this] { return isOpen(); })) << application->output();
-    ASSERT_TRUE(logs("naam=Telefoon")) << log();
+    ASSERT_TRUE(logs("naam=Telefoon")) << home.log();
     // The switch, the group of devices, and "Kies" of the only one.
     type({"Tab", "Tab", "Tab", "space"});
-    EXPECT_TRUE(prefers("\"Telefoon\"")) << log();
+    EXPECT_TRUE(prefers("\"Telefoon\"")) << home.log();
     EXPECT_TRUE(logs("Sleutel in de buurt, bewaking actief"));
 
     reopen();
@@ -137,14 +128,14 @@ TEST_F(PanelOnX11Test, IsDrivenByKeysAndMouseFromTheFirstStartToTheEnd) {
     // Backwards from the end: "Stop", the log, and "Pauzeer" with its first entry.
     type({"shift+Tab", "shift+Tab", "shift+Tab", "space"});
     type({"Down", "Return"});
-    EXPECT_TRUE(logs("Handmatig gepauzeerd tot ")) << log();
+    EXPECT_TRUE(logs("Handmatig gepauzeerd tot ")) << home.log();
     reopen();
     type({"shift+Tab", "shift+Tab", "shift+Tab", "space"});
-    EXPECT_TRUE(logs(" Hervat\n")) << log();
+    EXPECT_TRUE(logs(" Hervat\n")) << home.log();
 
     reopen();
     type({"shift+Tab", "shift+Tab", "shift+Tab", "shift+Tab", "space"});
-    EXPECT_TRUE(logs("Mac wordt gelockt")) << log();
+    EXPECT_TRUE(logs("Mac wordt gelockt")) << home.log();
 
     reopen();
     const std::string window = said({"xdotool", "search", "--onlyvisible", "--name", "^Wegslot$"});

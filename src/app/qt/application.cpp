@@ -16,6 +16,7 @@
 #include "app/qt/snapshot.h"
 #include "app/qt/termination.h"
 #include "app/qt/warning.h"
+#include "control/linux/control_client.h"
 #include "hud/hidden_hud.h"
 #include "model/file_log.h"
 #include "model/lock_command.h"
@@ -200,6 +201,22 @@ bool showsItself(Scheduler& scheduler) {
     return isShown;
 }
 
+/// Asks a Wegslot that runs already; the exit status.
+int ask(const control::Request& request, const Clock& clock) {
+    const auto bus = dbus::Bus::openSession();
+    if (!bus) {
+        complain("Wegslot draait niet (" + bus.failure().message + ")");
+        return ControlClient::notRunning;
+    }
+    const Handle driving = pump(**bus, [] { QCoreApplication::exit(ControlClient::notRunning); });
+    const ControlClient client(
+        **bus, clock, request,
+        {.print = printLine,
+         .complain = [](std::string_view line) { complain(std::string(line)); },
+         .end = [](int status) { QCoreApplication::exit(status); }});
+    return QCoreApplication::exec();
+}
+
 /// The application object that the command needs: for a picture there need be no screen.
 std::unique_ptr<QCoreApplication> applicationFor(const Command& command, int& argc, char** argv) {
     if (std::holds_alternative<command::Run>(command) ||
@@ -227,6 +244,9 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         return ended(Execute{scheduler, clock, nothing, program}(command::Demo{}));
     }
 
+    if (const auto* const asked = std::get_if<command::Ask>(&command))
+        return ended(ask(asked->request, clock));
+
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
     // These look on, beside a Wegslot that runs.
     if (std::holds_alternative<command::Check>(command) ||
@@ -238,7 +258,10 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     }
     const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
-    if (!lock && run != nullptr && !run->updateNow && showsItself(scheduler)) return EXIT_SUCCESS;
+    if (!lock && run != nullptr) {
+        if (run->updateNow) return ended(ask(control::request::UpdateNow{}, clock));
+        if (showsItself(scheduler)) return EXIT_SUCCESS;
+    }
     if (!lock) return complain(lock.failure().message);
 
     std::unique_ptr<TeeLog> log;

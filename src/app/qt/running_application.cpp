@@ -3,6 +3,7 @@
 #include "app/qt/display.h"
 #include "app/qt/warning.h"
 #include "model/log.h"
+#include "ui/qt/local_clock_time.h"
 
 namespace wegslot {
 namespace {
@@ -41,6 +42,13 @@ RunningApplication::RunningApplication(const Setting& setting)
             {.open = [this](const TrayClick& click) { panel_.toggle(click); },
              .lock = [this] { model_.monitor().lockNow(); },
              .quit = quit}),
+      clockTime_(localClockTime(setting.clock)),
+      control_(world_.sessionBus,
+               {model_.settings(), model_.scanner(), model_.monitor(), setting.clock, clockTime_},
+               {.lock = [this] { model_.monitor().lockNow(); },
+                .pause = [this](Seconds duration) { model_.monitor().pause(duration); },
+                .resume = [this] { model_.monitor().resume(); },
+                .updateNow = [this] { model_.updateNow(); }}),
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }) {
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
 }

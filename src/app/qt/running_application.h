@@ -8,6 +8,7 @@
 #include "app/qt/real_updates.h"
 #include "app/qt/real_world.h"
 #include "app/qt/status_icon.h"
+#include "control/linux/control_service.h"
 #include "model/lock_command.h"
 #include "model/preferences_store.h"
 #include "ui/linux/autostart_item.h"
@@ -49,7 +50,9 @@ private:
     DesktopOpener opener_;
     MenuPanel panel_;
     StatusIcon icon_;
-    Activation activation_;
+    ClockTime clockTime_;
+    ControlService control_;
+    Activation activation_; ///< after what is to be found by its name
     Timer withoutIcon_;
 };
 

@@ -1,0 +1,80 @@
+#include "control/control_status.h"
+
+#include "control/phase_reason.h"
+
+#include <charconv>
+#include <chrono>
+#include <limits>
+
+namespace wegslot::control {
+namespace {
+
+std::optional<std::int64_t> pausedUntil(const Phase& phase, const Clock& clock) {
+    const auto* const snoozed = std::get_if<phase::Snoozed>(&phase);
+    if (snoozed == nullptr) return std::nullopt;
+    const Nanoseconds ahead = clock.wallClock() - clock.now();
+    const auto until = later(snoozed->until, ahead).time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::seconds>(until).count();
+}
+
+std::optional<std::uint32_t> secondsIn(std::string_view unit) {
+    if (unit.empty() || unit == "s") return 1;
+    if (unit == "m") return 60;
+    if (unit == "h" || unit == "u") return 3600;
+    return std::nullopt;
+}
+
+} // namespace
+
+Status status(const Sources& sources) {
+    const Phase& phase = sources.monitor.phase().get();
+    Status status{.phase = std::string(name(phase)),
+                  .text = text(phase, sources.clockTime),
+                  .pausedUntil = pausedUntil(phase, sources.clock),
+                  .keys = {}};
+    const KeyStates& states = sources.monitor.keyStates().get();
+    for (const KeyDevice& key : sources.settings.keys.get()) {
+        const auto state = states.find(key.id);
+        status.keys.push_back(
+            {.id = key.id.text(),
+             .name = key.name,
+             .state = std::string(name(state == states.end() ? KeyState::away : state->second)),
+             .rssi = sources.scanner.smoothedRSSI(key.id),
+             .threshold = key.threshold});
+    }
+    return status;
+}
+
+Change change(const Sources& sources, const Phase& next) {
+    return {.phase = std::string(name(next)),
+            .text = text(next, sources.clockTime),
+            .reason = phaseReason({.before = sources.monitor.phase().get(),
+                                   .after = next,
+                                   .cause = sources.monitor.cause(),
+                                   .snoozeIsManual = sources.monitor.snoozeIsManual().get(),
+                                   .keys = sources.settings.keys.get(),
+                                   .states = sources.monitor.keyStates().get()})};
+}
+
+Result<std::uint32_t> pauseDuration(std::string_view text) {
+    std::uint32_t number = 0;
+    const auto* const end = text.data() + text.size();
+    const auto [rest, fault] = std::from_chars(text.data(), end, number);
+    const auto unit = secondsIn({rest, end});
+    if (rest == text.data() || !unit)
+        return Failure{"geen geldige duur: " + std::string(text) +
+                       " (bijvoorbeeld 15m, 90s of 2h)"};
+    // What does not fit in the number is too long whatever the unit.
+    const bool fits =
+        fault == std::errc{} && number <= std::numeric_limits<std::uint32_t>::max() / *unit;
+    const std::uint32_t seconds = fits ? number * *unit : longestPause + 1;
+    if (const auto failure = pauseFault(seconds)) return *failure;
+    return seconds;
+}
+
+std::optional<Failure> pauseFault(std::uint32_t seconds) {
+    if (seconds >= 1 && seconds <= longestPause) return std::nullopt;
+    return Failure{"een pauze duurt 1 tot " + std::to_string(longestPause) + " seconden"};
+}
+
+} // namespace wegslot::control

@@ -1,0 +1,75 @@
+// What a running Wegslot tells others on the session's bus of itself, as values. They may look,
+// lock and pause; nothing they can ask for unlocks, removes a key or changes a setting.
+#pragma once
+
+#include "base/clock.h"
+#include "base/result.h"
+#include "base/time.h"
+#include "base/uuid.h"
+#include "model/settings.h"
+#include "monitor/key_state.h"
+#include "monitor/monitor.h"
+#include "scanner/scanner.h"
+#include "ui/phase_presentation.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace wegslot::control {
+
+inline constexpr auto interfaceName = "nl.wegslot.Wegslot1";
+
+/// As long as the panel's longest.
+inline constexpr std::uint32_t longestPause = 14400;
+
+struct Key {
+    std::string id;
+    std::string name;        ///< as the key has it, whatever characters
+    std::string state;       ///< "near", "leaving", "away"
+    std::optional<Dbm> rssi; ///< smoothed; nothing while it is not heard
+    Dbm threshold;
+
+    friend bool operator==(const Key&, const Key&) = default;
+};
+
+struct Status {
+    std::string phase;                       ///< the case alone: "waitingForReturn"
+    std::string text;                        ///< Dutch, for a person
+    std::optional<std::int64_t> pausedUntil; ///< seconds since 1970, on the wall's clock
+    std::vector<Key> keys;
+
+    friend bool operator==(const Status&, const Status&) = default;
+};
+
+struct Change {
+    std::string phase;
+    std::string text;
+    std::string reason; ///< Dutch
+
+    friend bool operator==(const Change&, const Change&) = default;
+};
+
+/// What a status is made of; all must outlive the use.
+struct Sources {
+    const Settings& settings;
+    const Scanner& scanner;
+    const Monitor& monitor;
+    const Clock& clock;
+    const ClockTime& clockTime;
+};
+
+[[nodiscard]] Status status(const Sources& sources);
+
+/// From within a listener of the monitor's phase, which is told `next`.
+[[nodiscard]] Change change(const Sources& sources, const Phase& next);
+
+/// Reads "15m", "90s", "2h", "2u" or a number of seconds: 1 second to `longestPause`.
+[[nodiscard]] Result<std::uint32_t> pauseDuration(std::string_view text);
+
+/// What is wrong with a pause of that many seconds; nothing when it may be asked for.
+[[nodiscard]] std::optional<Failure> pauseFault(std::uint32_t seconds);
+
+} // namespace wegslot::control

@@ -1,0 +1,125 @@
+#include "control/control_status.h"
+
+#include "base/text.h"
+#include "tests/support/world.h"
+
+using namespace wegslot;
+
+namespace {
+
+/// The clock on the wall shows what the steady one does, an hour late.
+struct ControlStatusTest : testing::Test {
+    World world;
+    ClockTime clockTime = [](TimePoint at) { return utcText(at); };
+
+    [[nodiscard]] control::Sources sources() {
+        return {world.settings(), world.scanner(), world.monitor(), world.time, clockTime};
+    }
+    [[nodiscard]] control::Status status() { return control::status(sources()); }
+
+    /// The changes from here on.
+    void follow() {
+        following = world.monitor().phase().onChange([this](const Phase& next) {
+            const control::Change change = control::change(sources(), next);
+            changes.push_back(change.phase + ": " + change.reason);
+        });
+    }
+    [[nodiscard]] std::vector<std::string> told() { return std::exchange(changes, {}); }
+
+    std::vector<std::string> changes;
+    Subscription following;
+};
+
+using Told = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(ControlStatusTest, KeysAreAsThePanelHasThem) {
+    world.run({keyNamed("Telefoon", 1), keyNamed("Plaatje", 2)});
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    const auto now = status();
+    EXPECT_EQ(now.phase, "present");
+    EXPECT_EQ(now.text, "Je bent in de buurt");
+    EXPECT_EQ(now.pausedUntil, std::nullopt);
+    EXPECT_EQ(now.keys, (std::vector<control::Key>{{.id = numbered(1).text(),
+                                                    .name = "Telefoon",
+                                                    .state = "near",
+                                                    .rssi = Dbm{-50},
+                                                    .threshold = Dbm{-75}},
+                                                   {.id = numbered(2).text(),
+                                                    .name = "Plaatje",
+                                                    .state = "away",
+                                                    .rssi = std::nullopt,
+                                                    .threshold = Dbm{-75}}}));
+}
+
+TEST_F(ControlStatusTest, APauseHasAnEndOnTheClockOfTheWall) {
+    world.run({keyNamed("Telefoon", 1)});
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    world.time.stepWallClock(std::chrono::hours{-1});
+    world.monitor().pause(Seconds{900});
+    const auto end = World::start + std::chrono::seconds{1 + 900} - std::chrono::hours{1};
+    EXPECT_EQ(status().phase, "snoozed");
+    EXPECT_EQ(status().pausedUntil,
+              std::chrono::duration_cast<std::chrono::seconds>(end.time_since_epoch()).count());
+    world.monitor().resume();
+    EXPECT_EQ(status().pausedUntil, std::nullopt);
+}
+
+TEST_F(ControlStatusTest, ADepartureIsToldStepByStepWithItsReasons) {
+    world.run({keyNamed("Telefoon", 1)});
+    follow();
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    EXPECT_EQ(told(), Told{"present: Sleutel in de buurt"});
+    world.pass(std::chrono::seconds{60}); // silent
+    EXPECT_EQ(told(),
+              (Told{"leaving: Sleutel niet meer dichtbij", "warning: Telefoon is buiten bereik",
+                    "locked: Telefoon is buiten bereik",
+                    "waitingForReturn: Geen bevestiging van lock ontvangen"}));
+    world.session.tell(SessionEvent::locked);
+    world.session.tell(SessionEvent::unlocked);
+    EXPECT_EQ(told(), (Told{"locked: Scherm gelockt", "waitingForReturn: Scherm ontgrendeld"}));
+}
+
+TEST_F(ControlStatusTest, WhatWasAskedForIsToldAsThat) {
+    world.run({keyNamed("Telefoon", 1)});
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    follow();
+    world.monitor().lockNow();
+    world.session.tell(SessionEvent::locked);
+    world.session.tell(SessionEvent::unlocked);
+    EXPECT_EQ(told(), (Told{"locked: Lock gevraagd", "waitingForReturn: Scherm ontgrendeld"}));
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    world.monitor().pause(Seconds{60});
+    world.monitor().resume();
+    EXPECT_EQ(told(), (Told{"present: Sleutel in de buurt", "snoozed: Pauze gevraagd",
+                            "present: Sleutel in de buurt"}));
+}
+
+TEST_F(ControlStatusTest, ALockWithoutAWarningIsOneOfJudgement) {
+    world.run({keyNamed("Telefoon", 1)});
+    world.settings().warningEnabled.set(false);
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    follow();
+    world.pass(std::chrono::seconds{40});
+    const Told all = told();
+    ASSERT_GE(all.size(), 2U);
+    EXPECT_EQ(all.at(1), "locked: Telefoon is buiten bereik");
+}
+
+TEST_F(ControlStatusTest, ACancelledWarningIsAPauseOfTheUsers) {
+    world.run({keyNamed("Telefoon", 1)});
+    world.hearApple(1, -50);
+    world.pass(std::chrono::seconds{1});
+    while (!is<phase::Warning>(world.phase()))
+        world.pass(std::chrono::seconds{1});
+    follow();
+    world.monitor().cancelWarning();
+    EXPECT_EQ(told(), Told{"snoozed: Waarschuwing geannuleerd"});
+}

@@ -1,0 +1,85 @@
+#include "control/control_text.h"
+
+#include "base/text.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cmath>
+
+namespace wegslot::control {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string stateText(const std::string& state) {
+    if (state == name(KeyState::near)) return "dichtbij";
+    if (state == name(KeyState::leaving)) return "zwak";
+    if (state == name(KeyState::away)) return "weg";
+    return printable(state); // of a newer Wegslot
+}
+
+std::string row(const Key& key) {
+    const std::string signal = key.rssi ? decimal(std::round(key.rssi->value)) + " dBm" : "-";
+    return padded(printable(key.name), 24) + "  " + padded(stateText(key.state), 8) + "  " +
+           padded(signal, 8) + "  drempel " + decimal(key.threshold.value) + " dBm";
+}
+
+Json json(const Key& key) {
+    return {{"id", key.id},
+            {"name", key.name},
+            {"state", key.state},
+            {"rssi", key.rssi ? Json(key.rssi->value) : Json(nullptr)},
+            {"threshold", key.threshold.value}};
+}
+
+Json json(const std::vector<Key>& keys) {
+    Json list = Json::array();
+    for (const Key& key : keys)
+        list.push_back(json(key));
+    return list;
+}
+
+/// Whatever bytes a name has, there is an answer.
+std::string line(const Json& value) {
+    return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+} // namespace
+
+std::string statusText(const Status& status) {
+    std::string text = printable(status.text);
+    for (const Key& key : status.keys)
+        text += "\n  " + row(key);
+    return text;
+}
+
+std::string keysText(const Status& status) {
+    if (status.keys.empty()) return "Geen sleutels";
+    std::string text;
+    for (const Key& key : status.keys)
+        text += (text.empty() ? "" : "\n") + key.id + "  " + row(key);
+    return text;
+}
+
+std::string changeText(const Change& change, std::string_view clock) {
+    return std::string(clock) + "  " + padded(printable(change.text), 36) + "  " +
+           printable(change.reason);
+}
+
+std::string statusJson(const Status& status) {
+    return line({{"phase", status.phase},
+                 {"text", status.text},
+                 {"pausedUntil", status.pausedUntil ? Json(*status.pausedUntil) : Json(nullptr)},
+                 {"keys", json(status.keys)}});
+}
+
+std::string keysJson(const Status& status) { return line(json(status.keys)); }
+
+std::string changeJson(const Change& change, std::int64_t instant) {
+    return line({{"time", instant},
+                 {"phase", change.phase},
+                 {"text", change.text},
+                 {"reason", change.reason}});
+}
+
+} // namespace wegslot::control

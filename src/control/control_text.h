@@ -1,0 +1,28 @@
+// A status as the command line shows it: lines for a person, or JSON for a script.
+#pragma once
+
+#include "control/control_status.h"
+
+#include <string>
+#include <string_view>
+
+namespace wegslot::control {
+
+/// The state, then a line a key. Several lines, without the last line feed.
+[[nodiscard]] std::string statusText(const Status& status);
+
+/// A line a key, its id first; says so when there are none.
+[[nodiscard]] std::string keysText(const Status& status);
+
+/// `clock`: "14:02:11", when it was heard of.
+[[nodiscard]] std::string changeText(const Change& change, std::string_view clock);
+
+// One JSON object (an array for keys) on one line. Numbers are dBm; "rssi" and "pausedUntil"
+// (seconds since 1970) are null where there are none.
+
+[[nodiscard]] std::string statusJson(const Status& status);
+[[nodiscard]] std::string keysJson(const Status& status);
+/// `instant`: seconds since 1970.
+[[nodiscard]] std::string changeJson(const Change& change, std::int64_t instant);
+
+} // namespace wegslot::control

@@ -1,0 +1,152 @@
+#include "control/linux/control_client.h"
+
+#include "app/linux/activation.h"
+#include "base/text.h"
+#include "control/control_text.h"
+
+#include <cstdlib>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+std::string textOf(dbus::Reader& value) { return std::string(value.text().value_or("")); }
+
+control::Key readKey(std::string_view id, dbus::Reader& fields) {
+    control::Key key{.id = std::string(id), .name = {}, .state = {}, .rssi = {}, .threshold = {}};
+    fields.properties([&key](std::string_view field, dbus::Reader& value) {
+        if (field == "Name") key.name = textOf(value);
+        if (field == "State") key.state = textOf(value);
+        if (field == "Threshold") key.threshold = Dbm{value.real().value_or(0)};
+        if (field != "Rssi") return;
+        if (const auto rssi = value.real()) key.rssi = Dbm{*rssi};
+    });
+    return key;
+}
+
+control::Status readStatusFrom(dbus::Reader& answer) {
+    control::Status status;
+    answer.properties([&status](std::string_view property, dbus::Reader& value) {
+        if (property == "Phase") status.phase = textOf(value);
+        if (property == "Text") status.text = textOf(value);
+        if (property == "PausedUntil") status.pausedUntil = value.integer();
+        if (property == "Keys")
+            value.interfaces([&status](std::string_view id, dbus::Reader& fields) {
+                status.keys.push_back(readKey(id, fields));
+            });
+    });
+    if (status.pausedUntil == 0) status.pausedUntil.reset();
+    return status;
+}
+
+} // namespace
+
+// Each request, once it is known that somebody is there.
+struct ControlClient::Ask {
+    ControlClient& client;
+
+    void operator()(const control::request::Status& request) const {
+        client.readStatus([this_ = &client, request](const control::Status& status) {
+            this_->output_.print(request.json ? control::statusJson(status)
+                                              : control::statusText(status));
+            if (!request.follow) this_->end(EXIT_SUCCESS);
+        });
+        if (request.follow) client.follow(request.json);
+    }
+    void operator()(const control::request::Keys& request) const {
+        client.readStatus([this_ = &client, request](const control::Status& status) {
+            this_->output_.print(request.json ? control::keysJson(status)
+                                              : control::keysText(status));
+            this_->end(EXIT_SUCCESS);
+        });
+    }
+    void operator()(const control::request::Lock&) const { simply("Lock", {}, ""); }
+    void operator()(const control::request::Pause& request) const {
+        simply("Pause", {request.seconds}, "");
+    }
+    void operator()(const control::request::Resume&) const { simply("Resume", {}, ""); }
+    void operator()(const control::request::UpdateNow&) const {
+        simply("UpdateNow", {}, "Wegslot draait al en zoekt nu naar een nieuwere versie");
+    }
+
+    /// Done when it is taken; `said` then, if anything.
+    void simply(const char* member, std::vector<dbus::Argument> arguments,
+                std::string_view said) const {
+        client.call(control::interfaceName, member, std::move(arguments),
+                    [this_ = &client, said](dbus::Reader&) {
+                        if (!said.empty()) this_->output_.print(said);
+                        this_->end(EXIT_SUCCESS);
+                    });
+    }
+};
+
+ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request,
+                             Output output)
+    : bus_(bus),
+      clock_(clock),
+      request_(request),
+      output_(std::move(output)) {
+    owners_ =
+        bus_.followOwner(Activation::name, [this](const auto& owner) { ownerChanged(owner); });
+}
+
+void ControlClient::ownerChanged(const std::optional<std::string>& owner) {
+    if (owner == owner_) return; // who came while we asked is told of twice
+    if (owner && owner_.empty()) {
+        owner_ = *owner;
+        return std::visit(Ask{*this}, request_);
+    }
+    output_.complain(owner_.empty() ? "Wegslot draait niet" : "Wegslot is gestopt");
+    end(notRunning);
+}
+
+void ControlClient::call(const char* interface, const char* member,
+                         std::vector<dbus::Argument> arguments,
+                         std::function<void(dbus::Reader&)> done) {
+    calling_ = bus_.call({.destination = owner_,
+                          .path = Activation::path,
+                          .interface = interface,
+                          .member = member,
+                          .arguments = std::move(arguments),
+                          .timeout = patience},
+                         [this, done = std::move(done)](const dbus::Message& answer) {
+                             if (const auto error = answer.error()) {
+                                 output_.complain("Wegslot antwoordt met een fout: " +
+                                                  printable(answer.errorText()));
+                                 return end(EXIT_FAILURE);
+                             }
+                             auto reader = answer.read();
+                             done(reader);
+                         });
+}
+
+void ControlClient::readStatus(std::function<void(const control::Status&)> done) {
+    call("org.freedesktop.DBus.Properties", "GetAll", {std::string(control::interfaceName)},
+         [done = std::move(done)](dbus::Reader& answer) { done(readStatusFrom(answer)); });
+}
+
+void ControlClient::follow(bool json) {
+    const std::string rule = "sender='" + owner_ + "',path='" + Activation::path + "',interface='" +
+                             control::interfaceName + "',member='PhaseChanged'";
+    changes_ = bus_.onSignal(rule, [this, json](const dbus::Message& signal) {
+        auto reader = signal.read();
+        control::Change change;
+        for (std::string* const field : {&change.phase, &change.text, &change.reason})
+            *field = textOf(reader);
+        const TimePoint now = clock_.wallClock();
+        constexpr std::size_t date = 11; // "2026-11-15 "
+        const auto instant =
+            std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
+        output_.print(json ? control::changeJson(change, instant)
+                           : control::changeText(change, localText(now).substr(date)));
+    });
+}
+
+void ControlClient::end(int status) {
+    owners_.reset();
+    changes_.reset();
+    const auto act = output_.end; // a copy: it may end this
+    act(status);
+}
+
+} // namespace wegslot

@@ -1,0 +1,55 @@
+// The side of the command line: asks a running Wegslot over the session's bus and prints what it
+// answers. Starts none.
+#pragma once
+
+#include "base/clock.h"
+#include "control/control_status.h"
+#include "control/request.h"
+#include "dbus/bus.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace wegslot {
+
+class ControlClient {
+public:
+    /// Exit status where no Wegslot runs.
+    static constexpr int notRunning = 3;
+
+    /// A Wegslot that is well answers within milliseconds.
+    static constexpr std::chrono::seconds patience{5};
+
+    struct Output {
+        std::function<void(std::string_view line)> print;
+        std::function<void(std::string_view line)> complain;
+        std::function<void(int status)> end; ///< called once, from the loop; it may end the client
+    };
+
+    /// `bus` must be driven, and outlive this.
+    ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request, Output output);
+    ControlClient(const ControlClient&) = delete;
+    ControlClient& operator=(const ControlClient&) = delete;
+
+private:
+    struct Ask;
+
+    void ownerChanged(const std::optional<std::string>& owner);
+    void call(const char* interface, const char* member, std::vector<dbus::Argument> arguments,
+              std::function<void(dbus::Reader&)> done);
+    void readStatus(std::function<void(const control::Status&)> done);
+    void follow(bool json);
+    void end(int status);
+
+    dbus::Bus& bus_;
+    const Clock& clock_;
+    control::Request request_;
+    Output output_;
+    std::string owner_;
+    Subscription calling_;
+    Subscription changes_;
+    Subscription owners_;
+};
+
+} // namespace wegslot

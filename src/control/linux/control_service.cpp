@@ -1,0 +1,139 @@
+#include "control/linux/control_service.h"
+
+#include "app/linux/activation.h"
+#include "base/text.h"
+#include "model/log.h"
+
+#include <fstream>
+#include <optional>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+/// The name of a process as the system has it.
+std::optional<std::string> programOf(std::int64_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    if (!std::getline(file, name) || name.empty()) return std::nullopt;
+    return name;
+}
+
+void writeKey(dbus::Writer& entries, const control::Key& key) {
+    const auto field = [&entries](const char* name, const char* signature,
+                                  const dbus::Writer::Fill& write) {
+        entries.entry("sv", [&](dbus::Writer& entry) {
+            entry.text(name);
+            entry.variant(signature, write);
+        });
+    };
+    // What is no UTF-8 would spoil the whole answer.
+    field("Name", "s", [&](dbus::Writer& value) { value.text(printable(key.name)); });
+    field("State", "s", [&](dbus::Writer& value) { value.text(key.state); });
+    if (key.rssi) field("Rssi", "d", [&](dbus::Writer& value) { value.real(key.rssi->value); });
+    field("Threshold", "d", [&](dbus::Writer& value) { value.real(key.threshold.value); });
+}
+
+void writeKeys(dbus::Writer& value, const std::vector<control::Key>& keys) {
+    value.array("{sa{sv}}", [&keys](dbus::Writer& list) {
+        for (const control::Key& key : keys)
+            list.entry("sa{sv}", [&key](dbus::Writer& entry) {
+                entry.text(key.id);
+                entry.array("{sv}", [&key](dbus::Writer& fields) { writeKey(fields, key); });
+            });
+    });
+}
+
+} // namespace
+
+ControlService::ControlService(dbus::Connection& sessionBus, const control::Sources& sources,
+                               Actions actions)
+    : sources_(sources),
+      actions_(std::move(actions)) {
+    phases_ = sources_.monitor.phase().onChange([this](const Phase& next) { phaseChanged(next); });
+    connection_ = sessionBus.bus().follow([this](dbus::Bus* bus) { busChanged(bus); });
+}
+
+void ControlService::busChanged(dbus::Bus* bus) {
+    shown_.reset();
+    bus_ = bus;
+    if (bus != nullptr) shown_ = dbus::exportObject(*bus, Activation::path, interface());
+}
+
+void ControlService::phaseChanged(const Phase& next) {
+    if (bus_ == nullptr) return;
+    const control::Change change = control::change(sources_, next);
+    dbus::emitSignal(*bus_, Activation::path, control::interfaceName, "PhaseChanged",
+                     [&change](dbus::Writer& arguments) {
+                         arguments.text(change.phase);
+                         arguments.text(printable(change.text));
+                         arguments.text(printable(change.reason));
+                     });
+    dbus::emitInvalidated(*bus_, Activation::path, control::interfaceName,
+                          {"Phase", "Text", "PausedUntil"});
+}
+
+dbus::Interface ControlService::interface() {
+    return {.name = control::interfaceName,
+            .properties = properties(),
+            .methods = methods(),
+            .signals = {{"PhaseChanged", "sss"}}};
+}
+
+std::vector<dbus::Property> ControlService::properties() {
+    using dbus::Telling;
+    using dbus::Writer;
+    return {
+        {"Phase", "s", [this](Writer& value) { value.text(control::status(sources_).phase); },
+         Telling::ofChanges},
+        {"Text", "s",
+         [this](Writer& value) { value.text(printable(control::status(sources_).text)); },
+         Telling::ofChanges},
+        {"PausedUntil", "x",
+         [this](Writer& value) { value.int64(control::status(sources_).pausedUntil.value_or(0)); },
+         Telling::ofChanges},
+        {"Keys", "a{sa{sv}}",
+         [this](Writer& value) { writeKeys(value, control::status(sources_).keys); }}};
+}
+
+std::vector<dbus::Method> ControlService::methods() {
+    const auto bare = [this](const char* name, const char* what, std::function<void()>& action) {
+        return dbus::Method{name, "", "",
+                            [this, what, &action](const dbus::Message& call, dbus::Writer&) {
+                                logRequest(what, call);
+                                action();
+                            }};
+    };
+    return {bare("Lock", "Lock", actions_.lock),
+            bare("Resume", "Hervatten", actions_.resume),
+            bare("UpdateNow", "Bijwerken", actions_.updateNow),
+            {"Pause", "u", "",
+             [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }}};
+}
+
+void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
+    const auto seconds = static_cast<std::uint32_t>(call.read().integer().value_or(0));
+    if (const auto fault = control::pauseFault(seconds)) return answer.refuse(fault->message);
+    logRequest("Pauze van " + std::to_string(seconds) + " s", call);
+    actions_.pause(Seconds{static_cast<double>(seconds)});
+}
+
+void ControlService::logRequest(const std::string& what, const dbus::Message& call) {
+    Log::write(what + " gevraagd door " + printable(callerOf(call)));
+}
+
+std::string ControlService::callerOf(const dbus::Message& call) {
+    std::optional<std::int64_t> process;
+    // Now, for who asked may be gone as soon as it is answered.
+    bus_->ask({.destination = "org.freedesktop.DBus",
+               .path = "/org/freedesktop/DBus",
+               .interface = "org.freedesktop.DBus",
+               .member = "GetConnectionUnixProcessID",
+               .arguments = {std::string(call.sender())},
+               .timeout = patience},
+              [&process](const dbus::Message& answer) { process = answer.read().integer(); });
+    const auto program = process ? programOf(*process) : std::nullopt;
+    return program.value_or("een onbekend programma");
+}
+
+} // namespace wegslot

@@ -1,0 +1,49 @@
+// The side of the running Wegslot: an object on the session's bus (nl.wegslot.Wegslot1) beside the
+// one that a second start activates. Tells its state, and does the few things that can be asked
+// for; each is logged with the name of the program that asked.
+#pragma once
+
+#include "control/control_status.h"
+#include "dbus/connection.h"
+#include "dbus/object.h"
+
+#include <functional>
+#include <string>
+
+namespace wegslot {
+
+class ControlService {
+public:
+    /// Who asks for something is asked of the bus, which is on this computer and quick.
+    static constexpr std::chrono::milliseconds patience{100};
+
+    struct Actions {
+        std::function<void()> lock;
+        std::function<void(Seconds)> pause;
+        std::function<void()> resume;
+        std::function<void()> updateNow;
+    };
+
+    ControlService(dbus::Connection& sessionBus, const control::Sources& sources, Actions actions);
+    ControlService(const ControlService&) = delete;
+    ControlService& operator=(const ControlService&) = delete;
+
+private:
+    void busChanged(dbus::Bus* bus);
+    void phaseChanged(const Phase& next);
+    [[nodiscard]] dbus::Interface interface();
+    [[nodiscard]] std::vector<dbus::Property> properties();
+    [[nodiscard]] std::vector<dbus::Method> methods();
+    void pause(const dbus::Message& call, dbus::Writer& answer);
+    void logRequest(const std::string& what, const dbus::Message& call);
+    [[nodiscard]] std::string callerOf(const dbus::Message& call);
+
+    control::Sources sources_;
+    Actions actions_;
+    dbus::Bus* bus_ = nullptr;
+    Subscription shown_;
+    Subscription phases_;
+    Subscription connection_;
+};
+
+} // namespace wegslot

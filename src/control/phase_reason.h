@@ -1,0 +1,26 @@
+// Why a phase was entered, in one short Dutch sentence: for scripts and people that follow Wegslot
+// from outside.
+#pragma once
+
+#include "model/key_device.h"
+#include "monitor/key_state.h"
+#include "monitor/phase.h"
+
+#include <string>
+#include <vector>
+
+namespace wegslot {
+
+/// What a change of phase is explained from.
+struct PhaseChange {
+    const Phase& before;
+    const Phase& after;
+    PhaseCause cause;
+    bool snoozeIsManual;
+    const std::vector<KeyDevice>& keys;
+    const KeyStates& states;
+};
+
+[[nodiscard]] std::string phaseReason(const PhaseChange& change);
+
+} // namespace wegslot

@@ -1,0 +1,41 @@
+// What one Wegslot asks of another that runs already, and how the command line says it.
+#pragma once
+
+#include "base/result.h"
+
+#include <cstdint>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace wegslot::control {
+
+namespace request {
+
+struct Status {
+    bool json = false;
+    bool follow = false; ///< go on with each change of phase
+};
+struct Keys {
+    bool json = false;
+};
+struct Lock {};
+struct Pause {
+    std::uint32_t seconds; ///< 1 to `longestPause`
+};
+struct Resume {};
+/// Look for a newer release, and install it.
+struct UpdateNow {};
+
+} // namespace request
+
+using Request = std::variant<request::Status, request::Keys, request::Lock, request::Pause,
+                             request::Resume, request::UpdateNow>;
+
+/// Whether `word` is the first of a request.
+[[nodiscard]] bool isRequest(std::string_view word);
+
+/// Reads a request: `words` begins with its word. A failure is one line for the user.
+[[nodiscard]] Result<Request> parseRequest(const std::vector<std::string_view>& words);
+
+} // namespace wegslot::control

@@ -1,0 +1,219 @@
+// A running Wegslot asked and told from outside: by `busctl`, as any program on the session's bus,
+// and by its own command line.
+
+#include "scanner/bluez/device_id.h"
+#include "tests/support/look_alike_bluez.h"
+#include "tests/support/mocked_logind.h"
+#include "tests/support/own_home.h"
+#include "tests/support/program.h"
+
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <ctime>
+
+using namespace wegslot;
+using Json = nlohmann::json;
+using Words = std::vector<std::string>;
+
+namespace {
+
+constexpr auto address = "AA:BB:CC:DD:EE:01";
+const std::string id = deviceId(address, "public").text();
+
+struct ControlTest : testing::Test {
+    BusLoop loop; // the system's bus and the session's at once
+    OwnHome home;
+    std::map<std::string, std::string> variables = home.variables(loop);
+    LookAlikeBluez bluez{loop};
+    MockedLogind logind{loop};
+    std::int16_t strength = -50;
+    std::optional<Program> application;
+
+    ControlTest() {
+        bluez.addAdapter();
+        bluez.addDevice(
+            address, strength,
+            {{"AddressType", std::string("public")}, {"Name", std::string("Telefoon")}});
+        home.setPreferences(R"({"awayDelay": 1, "lostTimeout": 3, "warningSeconds": 2,)"
+                            R"( "pauseWhileActive": false, "keys": [{"id": ")" +
+                            id + R"(", "name": "Telefoon", "isApple": false, "threshold": -70}]})");
+    }
+
+    void start() {
+        application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
+        ASSERT_TRUE(happens([this] { return logs("Sleutel in de buurt, bewaking actief"); }));
+    }
+
+    /// Until it is so, while the phone goes on sending if it is near.
+    [[nodiscard]] bool happens(const std::function<bool()>& condition) {
+        using Clock = std::chrono::steady_clock;
+        auto next = Clock::now();
+        return loop.runUntil(
+            [&] {
+                if (Clock::now() >= next && strength != 0) {
+                    strength = static_cast<std::int16_t>(-101 - strength);
+                    bluez.report(address, strength, {});
+                    next = Clock::now() + std::chrono::milliseconds{300};
+                }
+                return condition();
+            },
+            std::chrono::seconds{20});
+    }
+    [[nodiscard]] bool logs(const std::string& text) const {
+        return home.log().find(text) != std::string::npos;
+    }
+
+    struct Ending {
+        int status;
+        std::string said;
+    };
+
+    [[nodiscard]] Ending run(Words words) {
+        Program program({.words = std::move(words), .environment = variables});
+        EXPECT_TRUE(happens([&program] { return !program.isRunning(); }));
+        return {program.ended().value_or(-1), program.output()};
+    }
+    [[nodiscard]] Ending wegslot(Words words) {
+        words.insert(words.begin(), WEGSLOT_PROGRAM);
+        return run(std::move(words));
+    }
+    /// As anybody on the bus.
+    [[nodiscard]] Ending busctl(const std::string& verb, Words words) {
+        Words all{"busctl",
+                  "--user",
+                  verb,
+                  "nl.wegslot.Wegslot",
+                  "/nl/wegslot/Wegslot",
+                  "nl.wegslot.Wegslot1"};
+        all.insert(all.end(), words.begin(), words.end());
+        return run(std::move(all));
+    }
+    [[nodiscard]] Json status() { return Json::parse(wegslot({"status", "--json"}).said); }
+};
+
+} // namespace
+
+TEST_F(ControlTest, WithoutAnInstanceEveryRequestSaysSoInOneLine) {
+    for (const Words& words : {Words{"status"},
+                               {"keys", "--json"},
+                               {"lock"},
+                               {"pause", "15m"},
+                               {"resume"},
+                               {"status", "--follow"}}) {
+        const Ending ending = wegslot(words);
+        EXPECT_EQ(ending.status, 3) << words.front();
+        EXPECT_EQ(ending.said, "wegslot: Wegslot draait niet\n") << words.front();
+    }
+    variables["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nowhere";
+    const Ending withoutBus = wegslot({"status"});
+    EXPECT_EQ(withoutBus.status, 3);
+    EXPECT_TRUE(withoutBus.said.starts_with("wegslot: Wegslot draait niet (sessiebus"))
+        << withoutBus.said;
+    EXPECT_EQ(std::count(withoutBus.said.begin(), withoutBus.said.end(), '\n'), 1);
+}
+
+TEST_F(ControlTest, StatusAndKeysAreWhatThePanelShows) {
+    start();
+    const Json now = status();
+    EXPECT_EQ(now.at("phase"), "present");
+    EXPECT_EQ(now.at("text"), "Je bent in de buurt");
+    EXPECT_TRUE(now.at("pausedUntil").is_null());
+    const Json& key = now.at("keys").at(0);
+    EXPECT_EQ(key.at("id"), id);
+    EXPECT_EQ(key.at("name"), "Telefoon");
+    EXPECT_EQ(key.at("state"), "near");
+    EXPECT_NEAR(key.at("rssi").get<double>(), -50.5, 1);
+    EXPECT_EQ(key.at("threshold"), -70);
+    EXPECT_EQ(Json::parse(wegslot({"keys", "--json"}).said), now.at("keys"));
+    EXPECT_TRUE(wegslot({"status"}).said.starts_with("Je bent in de buurt\n  Telefoon"));
+    EXPECT_TRUE(wegslot({"keys"}).said.starts_with(id + "  Telefoon"));
+}
+
+TEST_F(ControlTest, APauseHasItsEndIsLoggedWithWhoAskedAndCanBeEnded) {
+    start();
+    const auto asked = std::time(nullptr);
+    const Ending pause = busctl("call", {"Pause", "u", "900"});
+    EXPECT_EQ(pause.status, 0) << pause.said;
+    EXPECT_TRUE(logs("Pauze van 900 s gevraagd door busctl")) << home.log();
+    EXPECT_TRUE(logs("Handmatig gepauzeerd tot "));
+    EXPECT_EQ(status().at("phase"), "snoozed");
+    EXPECT_NEAR(status().at("pausedUntil").get<double>(), static_cast<double>(asked) + 900, 10);
+    EXPECT_EQ(wegslot({"resume"}).status, 0);
+    EXPECT_TRUE(logs("Hervatten gevraagd door wegslot"));
+    EXPECT_EQ(status().at("phase"), "present");
+    EXPECT_EQ(wegslot({"pause", "15m"}).said, "");
+    EXPECT_EQ(status().at("phase"), "snoozed");
+}
+
+TEST_F(ControlTest, AnyOtherPauseIsRefusedAndChangesNothing) {
+    start();
+    for (const char* const seconds : {"0", "14401", "4294967295"}) {
+        const Ending ending = busctl("call", {"Pause", "u", seconds});
+        EXPECT_NE(ending.status, 0) << seconds;
+        EXPECT_NE(ending.said.find("een pauze duurt 1 tot 14400 seconden"), std::string::npos)
+            << ending.said;
+    }
+    EXPECT_NE(busctl("call", {"Pause", "s", "15m"}).status, 0);
+    EXPECT_EQ(status().at("phase"), "present");
+    EXPECT_FALSE(logs("gevraagd door"));
+    EXPECT_EQ(busctl("call", {"Pause", "u", "14400"}).status, 0);
+}
+
+TEST_F(ControlTest, LockAsksTheSessionAndIsLogged) {
+    start();
+    EXPECT_EQ(wegslot({"lock"}).status, 0);
+    EXPECT_TRUE(happens([this] { return logs("Lock gevraagd door wegslot"); }));
+    EXPECT_TRUE(happens([this] { return logs("Mac wordt gelockt"); }));
+    EXPECT_TRUE(happens([this] {
+        return logind.program().output().find("Lock") != std::string::npos;
+    })) << logind.program().output();
+}
+
+TEST_F(ControlTest, NothingElseCanBeAskedFor) {
+    start();
+    const std::string before = home.preferences();
+    for (const char* const member : {"Unlock", "RemoveKey", "SetThreshold", "AddKey", "Quit"})
+        EXPECT_NE(busctl("call", {member}).status, 0) << member;
+    EXPECT_NE(busctl("set-property", {"Phase", "s", "present"}).status, 0);
+    EXPECT_EQ(home.preferences(), before);
+}
+
+TEST_F(ControlTest, FollowingTellsEachPhaseOfADepartureWithItsReason) {
+    start();
+    Program follower(
+        {.words = {WEGSLOT_PROGRAM, "status", "--follow", "--json"}, .environment = variables});
+    ASSERT_TRUE(happens([&] { return !follower.output().empty(); }));
+    strength = 0; // it walks away
+    const auto phases = [&follower] {
+        Words names;
+        std::istringstream lines(follower.output());
+        for (std::string line; std::getline(lines, line);)
+            if (line.ends_with('}')) names.push_back(Json::parse(line).at("phase"));
+        return names;
+    };
+    ASSERT_TRUE(happens([&] { return phases().size() >= 4; })) << follower.output() << home.log();
+    EXPECT_EQ(phases().at(1), "warning");
+    EXPECT_EQ(phases().at(2), "locked");
+    std::istringstream lines(follower.output());
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(Json::parse(line).at("keys").size(), 1U);
+    std::getline(lines, line);
+    EXPECT_EQ(Json::parse(line).at("reason"), "Telefoon is buiten bereik");
+    application->signal(SIGTERM);
+    ASSERT_TRUE(happens([&] { return !follower.isRunning(); }));
+    EXPECT_EQ(follower.ended(), 3);
+    EXPECT_NE(follower.output().find("wegslot: Wegslot is gestopt\n"), std::string::npos);
+}
+
+TEST_F(ControlTest, UpdateNowIsHandedToTheOneThatRuns) {
+    start();
+    const Ending ending = wegslot({"--update-now"});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_EQ(ending.said, "Wegslot draait al en zoekt nu naar een nieuwere versie\n");
+    EXPECT_TRUE(logs("Bijwerken gevraagd door wegslot"));
+    EXPECT_TRUE(application->isRunning());
+}
