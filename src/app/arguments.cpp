@@ -29,13 +29,32 @@ bool setOption(Command& command) {
     return kind != nullptr;
 }
 
+bool setAnonymous(Command& command) {
+    auto* const run = std::get_if<command::Run>(&command);
+    if (run == nullptr || !run->recording) return false;
+    run->recording->anonymous = true;
+    return true;
+}
+
 constexpr std::array additions{
     Addition{"--others", "--devices", setOption<command::Devices, &command::Devices::others>},
     Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
-    Addition{"--json", "--check", setOption<command::Check, &command::Check::json>}};
+    Addition{"--json", "--check", setOption<command::Check, &command::Check::json>},
+    Addition{"--anonymous", "--record", setAnonymous}};
 
 bool contains(const std::vector<std::string_view>& words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
+}
+
+/// A start may do several things. False when the two are of different kinds, or the same thing.
+bool join(Command& chosen, const Command& further) {
+    auto* const run = std::get_if<command::Run>(&chosen);
+    const auto* const also = std::get_if<command::Run>(&further);
+    if (run == nullptr || also == nullptr) return false;
+    if (run->updateNow == also->updateNow) return false;
+    run->updateNow = true;
+    if (also->recording) run->recording = also->recording;
+    return true;
 }
 
 /// The command that a switch asks for; nothing for a switch that asks for none.
@@ -50,6 +69,12 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
     const auto isAddition = [word](const Addition& addition) { return addition.word == word; };
     if (word == "--tall" || std::ranges::any_of(additions, isAddition))
         return std::optional<Command>();
+    if (word == "--record") {
+        const bool hasPath = index + 1 < words.size() && !words[index + 1].starts_with('-');
+        if (!hasPath) return Failure{"--record verwacht een bestand"};
+        return std::optional<Command>(
+            command::Run{.recording = command::Recording{.path = std::string(words[++index])}});
+    }
     if (word == "--snapshot") {
         // As the last word it has no path and asks for nothing.
         if (index + 1 == words.size()) return std::optional<Command>();
@@ -85,8 +110,9 @@ Result<Command> parseArguments(const std::vector<std::string_view>& words) {
         const auto asked = commandOf(words, i);
         if (!asked) return asked.failure();
         if (!*asked) continue;
-        if (chosen) return Failure{std::string(word) + " gaat niet samen met een andere opdracht"};
-        chosen = **asked;
+        if (chosen && !join(*chosen, **asked))
+            return Failure{std::string(word) + " gaat niet samen met een andere opdracht"};
+        if (!chosen) chosen = **asked;
     }
     for (const auto& [word, command, apply] : additions) {
         if (!contains(words, word)) continue;
@@ -132,6 +158,13 @@ Bijwerken:
   --update-now          zoek meteen naar een nieuwere versie en installeer die;
                         draait Wegslot al, dan doet dat het, en anders start
                         het ervoor
+
+Opnemen:
+  --record BESTAND [--anonymous]
+                        start Wegslot en schrijf alles wat het van buiten
+                        bereikt naar het bestand, voor wegslot-replay;
+                        --anonymous vervangt de namen en ids; mag samen met
+                        --update-now
 
 Overig:
   --snapshot BESTAND [--tall]

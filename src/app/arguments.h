@@ -15,9 +15,16 @@ namespace wegslot {
 
 namespace command {
 
+/// A recording of what reaches Wegslot, for wegslot-replay.
+struct Recording {
+    std::string path;
+    bool anonymous = false; ///< without names and ids
+};
+
 /// The application itself.
 struct Run {
-    bool updateNow = false; ///< look for a release first, and install it
+    bool updateNow = false;             ///< look for a release first, and install it
+    std::optional<Recording> recording; ///< from the start on
 };
 struct Demo {};
 struct Help {};

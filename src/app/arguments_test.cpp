@@ -87,6 +87,43 @@ TEST(Arguments, AnUpdateNowRunsTheApplication) {
     EXPECT_FALSE(std::get<command::Run>(*parseArguments({})).updateNow);
 }
 
+TEST(Arguments, ARecordingRunsTheApplicationAndMayBeAnonymous) {
+    const auto run = [](const Words& words) {
+        return std::get<command::Run>(*parseArguments(words));
+    };
+    EXPECT_FALSE(run({}).recording);
+    EXPECT_EQ(run({"--record", "x.jsonl"}).recording->path, "x.jsonl");
+    EXPECT_FALSE(run({"--record", "x.jsonl"}).recording->anonymous);
+    EXPECT_TRUE(run({"--record", "x.jsonl", "--anonymous"}).recording->anonymous);
+    EXPECT_TRUE(run({"--anonymous", "--record", "x.jsonl"}).recording->anonymous);
+    EXPECT_FALSE(run({"--record", "x.jsonl"}).updateNow);
+}
+
+TEST(Arguments, ARecordingMayStartWithAnUpdate) {
+    for (const Words& words : {Words{"--record", "x", "--update-now", "--anonymous"},
+                               Words{"--update-now", "--anonymous", "--record", "x"}}) {
+        const auto parsed = parseArguments(words);
+        ASSERT_TRUE(parsed);
+        const auto& run = std::get<command::Run>(*parsed);
+        EXPECT_TRUE(run.updateNow);
+        EXPECT_EQ(run.recording->path, "x");
+        EXPECT_TRUE(run.recording->anonymous);
+    }
+}
+
+TEST(Arguments, ARecordingNeedsAFileAndGoesWithNoOtherCommand) {
+    EXPECT_EQ(fault({"--record"}), "--record verwacht een bestand");
+    EXPECT_EQ(fault({"--record", "--anonymous"}), "--record verwacht een bestand");
+    EXPECT_EQ(fault({"--anonymous"}), "--anonymous hoort bij --record");
+    EXPECT_EQ(fault({"--anonymous", "--update-now"}), "--anonymous hoort bij --record");
+    EXPECT_EQ(fault({"--anonymous", "--keys"}), "--anonymous hoort bij --record");
+    EXPECT_EQ(fault({"--record", "x", "--record", "y"}),
+              "--record gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--record", "x", "--keys"}), "--keys gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--update-now", "--update-now"}),
+              "--update-now gaat niet samen met een andere opdracht");
+}
+
 TEST(Arguments, AnythingElseIsNamedInOneLine) {
     EXPECT_EQ(fault({"--onzin"}), "onbekende schakelaar --onzin (zie --help)");
     EXPECT_EQ(fault({"onzin"}), "onbekend woord onzin (zie --help)");

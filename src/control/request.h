@@ -26,11 +26,16 @@ struct Pause {
 struct Resume {};
 /// Look for a newer release, and install it.
 struct UpdateNow {};
+/// Record into an open file, for as long as whoever asks is there.
+struct Record {
+    int descriptor;
+    bool anonymous = false;
+};
 
 } // namespace request
 
 using Request = std::variant<request::Status, request::Keys, request::Lock, request::Pause,
-                             request::Resume, request::UpdateNow>;
+                             request::Resume, request::UpdateNow, request::Record>;
 
 /// Whether `word` is the first of a request.
 [[nodiscard]] bool isRequest(std::string_view word);

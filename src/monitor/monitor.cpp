@@ -17,7 +17,8 @@ Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
       scanner_(scanner),
       platform_(platform),
       hud_(std::move(hud)),
-      presence_(settings, scanner) {
+      presence_(settings, scanner),
+      beat_(tickInterval, platform.clock.now()) {
     subscriptions_.push_back(settings_.keys.follow([this](const auto& keys) { watch(keys); }));
     subscriptions_.push_back(settings_.showOtherDevices.follow(
         [this](bool show) { scanner_.setIncludeOtherDevices(show); }));
@@ -25,19 +26,16 @@ Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
         settings_.enabled.onChange([this](bool enabled) { enabledChanged(enabled); }));
     subscriptions_.push_back(
         platform_.session.observe([this](SessionEvent event) { screenChanged(event); }));
-    timer_ = platform_.scheduler.every(tickInterval, [this] { tick(); });
+    timer_ = platform_.scheduler.every(tickInterval, [this] {
+        cause_ = PhaseCause::judgement;
+        tick(beat_.of(platform_.clock.now()));
+    });
     Log::write("Wegslot gestart met " + std::to_string(settings_.keys.get().size()) +
                " sleutel(s)");
 }
 
-void Monitor::tick() {
-    cause_ = PhaseCause::judgement;
-    judge();
-}
-
-void Monitor::judge() {
+void Monitor::tick(TimePoint now) {
     scanner_.refreshSnapshot();
-    const TimePoint now = platform_.clock.now();
     keyStates_.set(presence_.evaluateAll(now));
 
     if (!settings_.enabled.get()) return rest(phase::Disabled{});
@@ -58,8 +56,9 @@ void Monitor::judge() {
         if (verdict.keysNotNear) return rest(phase::Leaving{});
         return rest(phase::Present{});
     }
-    if (const auto reason = pauseReason(settings_, platform_.activity)) return pauseFor(*reason);
-    if (!settings_.warningEnabled.get()) return lock();
+    if (const auto reason = pauseReason(settings_, platform_.activity))
+        return pauseFor(*reason, now);
+    if (!settings_.warningEnabled.get()) return lock(now);
     warn(now);
 }
 
@@ -101,15 +100,15 @@ void Monitor::awaitConfirmation(TimePoint now) {
     rearm();
 }
 
-void Monitor::pauseFor(const PauseReason& reason) {
+void Monitor::pauseFor(const PauseReason& reason, TimePoint now) {
     const bool touched = std::holds_alternative<pause::Active>(reason);
-    if (touched && is<phase::Warning>(phase_.get())) return cancelWarning();
+    if (touched && is<phase::Warning>(phase_.get())) return cancel(now);
     rest(phase::Paused{text(reason)});
 }
 
 void Monitor::warn(TimePoint now) {
     if (const auto* const warning = std::get_if<phase::Warning>(&phase_.get())) {
-        if (now >= warning->deadline) lock();
+        if (now >= warning->deadline) lock(now);
         return;
     }
     const Seconds total = settings_.warningSeconds.get();
@@ -122,40 +121,51 @@ void Monitor::warn(TimePoint now) {
     });
 }
 
-void Monitor::lockNow() {
+void Monitor::take(const UserAction& action) {
     cause_ = PhaseCause::request;
-    lock();
+    asked_.set(action);
 }
 
-void Monitor::lock() {
+void Monitor::lockNow() {
+    take(action::LockNow{});
+    lock(platform_.clock.now());
+}
+
+void Monitor::lock(TimePoint now) {
     hud_->hide();
     Log::write("Mac wordt gelockt");
-    lockRequestedAt_ = platform_.clock.now();
+    lockRequestedAt_ = now;
     set(phase::Locked{});
     platform_.lock.lock();
 }
 
 void Monitor::pause(Seconds duration) {
-    cause_ = PhaseCause::request;
-    const TimePoint until = later(platform_.clock.now(), rounded(duration));
+    take(action::Pause{duration});
+    const TimePoint now = platform_.clock.now();
+    const TimePoint until = later(now, rounded(duration));
     snooze_.startManual(until);
     hud_->hide();
     Log::write("Handmatig gepauzeerd tot " + utcText(later(until, wallOffset())));
-    judge();
+    tick(now);
 }
 
 void Monitor::resume() {
-    cause_ = PhaseCause::request;
+    take(action::Resume{});
     snooze_.end();
     Log::write("Hervat");
-    judge();
+    tick(platform_.clock.now());
 }
 
 void Monitor::cancelWarning() {
+    take(action::CancelWarning{});
+    cancel(platform_.clock.now());
+}
+
+void Monitor::cancel(TimePoint now) {
     if (!is<phase::Warning>(phase_.get())) return;
     cause_ = PhaseCause::request;
     hud_->hide();
-    const TimePoint until = later(platform_.clock.now(), Snooze::automatic);
+    const TimePoint until = later(now, Snooze::automatic);
     snooze_.startAutomatic(until);
     Log::write("Waarschuwing geannuleerd, 10 minuten pauze");
     set(phase::Snoozed{until});

@@ -8,12 +8,14 @@
 #include "base/scheduler.h"
 #include "hud/warning_hud.h"
 #include "model/settings.h"
+#include "monitor/beat.h"
 #include "monitor/key_state.h"
 #include "monitor/pause.h"
 #include "monitor/phase.h"
 #include "monitor/presence.h"
 #include "monitor/rule_fold.h"
 #include "monitor/session_events.h"
+#include "monitor/user_action.h"
 #include "platform/activity_detector.h"
 #include "platform/lock_controller.h"
 #include "scanner/scanner.h"
@@ -58,6 +60,9 @@ public:
     /// True while the present snooze was asked for by the user.
     [[nodiscard]] const Observable<bool>& snoozeIsManual() const { return snooze_.isManual(); }
 
+    /// Each of the following four is told here before it is done.
+    [[nodiscard]] const Observable<UserAction>& asked() const { return asked_; }
+
     /// Locks at once, whatever the phase.
     void lockNow();
 
@@ -71,17 +76,18 @@ public:
     void cancelWarning();
 
 private:
-    void tick();
-    void judge();
-    void lock();
+    void tick(TimePoint now);
     void watch(const std::vector<KeyDevice>& keys);
+    void lock(TimePoint now);
+    void cancel(TimePoint now);
+    void take(const UserAction& action);
     void set(Phase next);
     /// Hides the panel and sets the phase: every phase but a warning shows none.
     void rest(Phase next);
     /// Starts over: nothing is locked until the keys have been near.
     void rearm();
     void awaitConfirmation(TimePoint now);
-    void pauseFor(const PauseReason& reason);
+    void pauseFor(const PauseReason& reason, TimePoint now);
     void warn(TimePoint now);
     void enabledChanged(bool enabled);
     void screenChanged(SessionEvent event);
@@ -94,11 +100,13 @@ private:
     std::unique_ptr<WarningHUD> hud_;
     Observable<Phase> phase_{wegslot::phase::WaitingForReturn{}};
     Observable<KeyStates> keyStates_;
+    Observable<UserAction> asked_;
     Presence presence_;
     Snooze snooze_;
     PhaseCause cause_ = PhaseCause::judgement;
     bool screenLocked_ = false;
     std::optional<TimePoint> lockRequestedAt_;
+    Beat beat_;
     /// Gone with the monitor: a panel that outlives it has nobody to report to.
     std::shared_ptr<Monitor*> self_ = std::make_shared<Monitor*>(this);
     std::vector<Subscription> subscriptions_;

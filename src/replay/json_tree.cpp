@@ -112,7 +112,9 @@ struct Writer {
 
 std::string written(const JsonNode& node) { return std::visit(Writer{}, node.value); }
 
-std::string jsonString(std::string_view text) { return nlohmann::json(text).dump(); }
+std::string jsonString(std::string_view text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
 
 std::optional<double> JsonNode::number() const {
     if (const auto* const integer = as<Integer>()) return static_cast<double>(integer->value);

@@ -47,7 +47,7 @@ struct JsonMember {
 /// The node as JSON text, without blanks.
 [[nodiscard]] std::string written(const JsonNode& node);
 
-/// `text` (UTF-8) as a JSON string, quotes included.
+/// `text` (UTF-8) as a JSON string, quotes included. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string jsonString(std::string_view text);
 
 /// Nothing for text that is not JSON, or is nested more than 16 deep.

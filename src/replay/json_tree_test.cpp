@@ -45,3 +45,7 @@ TEST(JsonTree, DeepNestingIsRefused) {
     EXPECT_FALSE(parseJson(nested(17)));
     EXPECT_FALSE(parseJson(std::string(100000, '[')));
 }
+
+TEST(JsonTree, WhatIsNoTextIsReplacedAndNotRefused) {
+    EXPECT_EQ(jsonString("a\xFFz"), "\"a\xEF\xBF\xBDz\"");
+}

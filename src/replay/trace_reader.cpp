@@ -4,8 +4,8 @@
 #include "model/lock_rule.h"
 #include "replay/json_tree.h"
 #include "replay/trace_fields.h"
+#include "replay/trace_names.h"
 
-#include <array>
 #include <charconv>
 #include <utility>
 
@@ -16,30 +16,15 @@ using namespace trace;
 
 // Preferences.
 
-enum class Kind { boolean, duration, rule, keys };
-
-constexpr std::array<std::pair<std::string_view, Kind>, 10> preferenceKinds{{
-    {"enabled", Kind::boolean},
-    {"keys", Kind::keys},
-    {"rule", Kind::rule},
-    {"awayDelay", Kind::duration},
-    {"lostTimeout", Kind::duration},
-    {"warningEnabled", Kind::boolean},
-    {"warningSeconds", Kind::duration},
-    {"pauseDuringMeetings", Kind::boolean},
-    {"pauseWhileActive", Kind::boolean},
-    {"showOtherDevices", Kind::boolean},
-}};
-
-PreferenceValue preference(Kind kind, const JsonNode& node, std::string_view name) {
+PreferenceValue preference(PreferenceKind kind, const JsonNode& node, std::string_view name) {
     switch (kind) {
-    case Kind::boolean:
+    case PreferenceKind::boolean:
         return boolean(node, name);
-    case Kind::duration:
+    case PreferenceKind::duration:
         return duration(node, name).count();
-    case Kind::rule:
+    case PreferenceKind::rule:
         return text(node, name);
-    case Kind::keys:
+    case PreferenceKind::keys:
         if (node.as<JsonNode::Array>() == nullptr) fail(std::string(name) + " is geen lijst");
         return Data{written(node)};
     }
@@ -66,22 +51,6 @@ trace::SettingsChange settings(const JsonNode& node) {
 }
 
 // Events with fields of their own.
-
-constexpr std::array<std::pair<std::string_view, CentralState>, 6> states{{
-    {"unknown", CentralState::unknown},
-    {"resetting", CentralState::resetting},
-    {"unsupported", CentralState::unsupported},
-    {"unauthorized", CentralState::unauthorized},
-    {"poweredOff", CentralState::poweredOff},
-    {"poweredOn", CentralState::poweredOn},
-}};
-
-constexpr std::array<std::pair<std::string_view, CentralAuthorization>, 4> authorizations{{
-    {"notDetermined", CentralAuthorization::notDetermined},
-    {"restricted", CentralAuthorization::restricted},
-    {"denied", CentralAuthorization::denied},
-    {"allowedAlways", CentralAuthorization::allowedAlways},
-}};
 
 trace::RadioState radioState(Fields& fields) {
     trace::RadioState event{.state =

@@ -74,6 +74,7 @@ void Scanner::setPassiveIDs(std::set<Uuid> ids) {
 }
 
 void Scanner::setDiscoveryActive(bool active) {
+    discovery_.set(active);
     identifier_.setDiscoveryActive(active);
     want();
 }

@@ -65,7 +65,10 @@ public:
     /// Whether somebody looks at the list of nearby devices: their models are identified then.
     [[nodiscard]] bool discoveryActive() const { return identifier_.discoveryActive(); }
 
+    /// Tells `discovery` before it does anything.
     void setDiscoveryActive(bool active);
+
+    [[nodiscard]] const Observable<bool>& discovery() const { return discovery_; }
 
     /// Whether the device will soon have another address, so that it is of no use as a key.
     [[nodiscard]] bool changesAddress(const Uuid& id) const { return central_.changesAddress(id); }
@@ -101,6 +104,7 @@ private:
     const Clock& clock_;
     Observable<CentralState> state_{CentralState::unknown};
     Observable<std::vector<SeenDevice>> snapshot_;
+    Observable<bool> discovery_{false};
     DeviceTable devices_;
     std::unordered_set<Uuid> loggedDevices_;
     bool includeOtherDevices_ = false;

@@ -217,3 +217,46 @@ TEST_F(ControlTest, UpdateNowIsHandedToTheOneThatRuns) {
     EXPECT_TRUE(logs("Bijwerken gevraagd door wegslot"));
     EXPECT_TRUE(application->isRunning());
 }
+
+TEST_F(ControlTest, ARecordingBeginsInTheRunningOneAndEndsWithWhoAskedForIt) {
+    start();
+    const std::string file = (home.path() / "opname.jsonl").string();
+    home.write("opname.jsonl", "before\n");
+    Program recorder(
+        {.words = {WEGSLOT_PROGRAM, "--record", file, "--anonymous"}, .environment = variables});
+    ASSERT_TRUE(happens([&] { return !recorder.output().empty(); }));
+    EXPECT_EQ(recorder.output(), "Opname loopt; stop met Ctrl-C\n");
+    EXPECT_TRUE(logs("Opname gevraagd door wegslot"));
+    const auto text = [&] {
+        std::ifstream stream(file);
+        return std::string(std::istreambuf_iterator<char>(stream), {});
+    };
+    EXPECT_TRUE(happens([&] { return text().find("advertisement") != std::string::npos; }));
+
+    const Ending second = wegslot({"--record", (home.path() / "tweede").string()});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(second.said, "wegslot: Wegslot antwoordt met een fout: er loopt al een opname\n");
+
+    recorder.signal(SIGINT);
+    ASSERT_TRUE(happens([&] { return !recorder.isRunning(); }));
+    EXPECT_EQ(recorder.ended(), 0);
+    EXPECT_TRUE(happens([&] { return text().ends_with("\"end\":true}\n"); })) << text();
+    std::istringstream lines(text());
+    std::string line;
+    Words events;
+    while (std::getline(lines, line)) {
+        Json event = Json::parse(line);
+        event.erase("t");
+        events.push_back(event.begin().key());
+    }
+    ASSERT_GE(events.size(), 4U);
+    EXPECT_EQ(events.at(0), "start");
+    EXPECT_EQ(events.at(1), "settings");
+    EXPECT_EQ(events.at(2), "bluetooth");
+    EXPECT_EQ(text().find("Telefoon"), std::string::npos);
+    EXPECT_EQ(text().find(id), std::string::npos);
+    EXPECT_EQ(run({REPLAY_PROGRAM, file}).status, 0);
+    // The next one is welcome.
+    Program third({.words = {WEGSLOT_PROGRAM, "--record", file}, .environment = variables});
+    EXPECT_TRUE(happens([&] { return text().find("Telefoon") != std::string::npos; }));
+}

@@ -8,6 +8,7 @@
 #include "tests/support/captured_log.h"
 #include "tests/support/fake_processes.h"
 #include "tests/support/look_alike.h"
+#include "tests/support/look_alike_logind.h"
 
 #include <gtest/gtest.h>
 
@@ -24,69 +25,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto sessionPath = "/org/freedesktop/login1/session/c1";
+constexpr auto sessionPath = LookAlikeLogind::session;
 constexpr auto sessionInterface = "org.freedesktop.login1.Session";
-constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
-
-/// A logind with one session, which it finds in the way that it is told to.
-class LookAlikeLogind {
-public:
-    explicit LookAlikeLogind(BusLoop& loop) : service(loop, "org.freedesktop.login1") {
-        const std::string manager = "org.freedesktop.login1.Manager.";
-        service.on(manager + "GetSession", [this](LookAlike& logind, sd_bus_message* call) {
-            const auto id = dbus::Reader(call).text();
-            if (id != sessionId) return logind.fail(call, "org.freedesktop.login1.NoSuchSession");
-            logind.reply(call, [](sd_bus_message* answer) {
-                sd_bus_message_append(answer, "o", sessionPath);
-            });
-        });
-        service.on(manager + "GetUser", [](LookAlike& logind, sd_bus_message* call) {
-            logind.reply(call, [](sd_bus_message* answer) {
-                sd_bus_message_append(answer, "o", "/org/freedesktop/login1/user/_1000");
-            });
-        });
-        service.on(std::string(propertiesInterface) + ".Get",
-                   [this](LookAlike& logind, sd_bus_message* call) { answerGet(logind, call); });
-        service.on(std::string(sessionInterface) + ".Lock",
-                   [this](LookAlike& logind, sd_bus_message* call) {
-                       lockError.empty() ? logind.reply(call) : logind.fail(call, lockError);
-                   });
-    }
-
-    void setHint(bool locked) {
-        hint = locked;
-        service.signal(sessionPath, propertiesInterface, "PropertiesChanged",
-                       [locked](sd_bus_message* message) {
-                           sd_bus_message_append(message, "sa{sv}as", sessionInterface, 1,
-                                                 "LockedHint", "b", locked ? 1 : 0, 0);
-                       });
-    }
-    void invalidateHint(bool locked) {
-        hint = locked;
-        service.signal(
-            sessionPath, propertiesInterface, "PropertiesChanged", [](sd_bus_message* message) {
-                sd_bus_message_append(message, "sa{sv}as", sessionInterface, 0, 1, "LockedHint");
-            });
-    }
-
-    LookAlike service;
-    std::string sessionId = "auto";
-    std::string display = sessionPath; ///< of the user's record
-    std::string lockError;
-    bool hint = false;
-
-private:
-    void answerGet(LookAlike& logind, sd_bus_message* call) {
-        dbus::Reader arguments(call);
-        static_cast<void>(arguments.text());
-        const auto property = arguments.text();
-        logind.reply(call, [&](sd_bus_message* answer) {
-            if (property == "LockedHint") sd_bus_message_append(answer, "v", "b", hint ? 1 : 0);
-            if (property == "Display")
-                sd_bus_message_append(answer, "v", "(so)", "c1", display.c_str());
-        });
-    }
-};
 
 /// A screen saver that can be active, and locks when asked.
 class LookAlikeSaver {

@@ -31,10 +31,12 @@ std::string firstWords(const Effect& effect) {
 
 } // namespace
 
-Life::Life(std::uint64_t seed, Telling telling)
+Life::Life(std::uint64_t seed, Telling telling, Scope scope)
     : dice_(seed),
       telling_(telling),
-      stage_(World::start + Nanoseconds{dice_.below(1'000'000'000)}) {
+      scope_(scope),
+      stage_(World::start +
+             Nanoseconds{scope == Scope::traceable ? 0 : dice_.below(1'000'000'000)}) {
     stage_.onEffect = [this](const Effect& effect) {
         invariants_.happened(effect);
         if (const auto words = firstWords(effect); !words.empty()) ++tally_[words];
@@ -91,6 +93,7 @@ bool Life::step() {
     default:
         nextEvent_ = at + Nanoseconds{dice_.below(700'000'000)};
     }
+    if (scope_ == Scope::traceable) nextEvent_ -= nextEvent_ % 1ms;
     return true;
 }
 

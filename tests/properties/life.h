@@ -24,7 +24,11 @@ class Life {
 public:
     enum class Telling { no, yes };
 
-    explicit Life(std::uint64_t seed, Telling telling = Telling::no);
+    /// What may happen: anything, or what a trace can tell of. A trace counts in milliseconds and
+    /// knows no sleep and nobody who sets the clock on the wall.
+    enum class Scope { anything, traceable };
+
+    explicit Life(std::uint64_t seed, Telling telling = Telling::no, Scope scope = Scope::anything);
 
     Life(const Life&) = delete;
     Life& operator=(const Life&) = delete;
@@ -159,6 +163,7 @@ private:
 
     Dice dice_;
     Telling telling_;
+    Scope scope_;
     Stage stage_;
     Invariants invariants_;
     oracle::State state_;

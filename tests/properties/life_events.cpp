@@ -77,6 +77,11 @@ void Life::settleIn() {
               {"unasked report", 12 * unrest, &Life::unaskedReport},
               {"identity", 3 * unrest, &Life::identityLearned}};
 
+    if (scope_ == Scope::traceable)
+        std::erase_if(kinds_, [](const Kind& kind) {
+            return kind.happens == &Life::sleeps || kind.happens == &Life::wallClockSteps;
+        });
+
     const int length = dice_.between(1, 10);
     end_ = seconds(120 + dice_.between(0, length == 10 ? 1080 : length > 6 ? 360 : 120));
 
@@ -90,7 +95,8 @@ void Life::settleIn() {
     settings.pauseDuringMeetings.set(dice_.chance(75));
     settings.pauseWhileActive.set(dice_.chance(75));
     settings.showOtherDevices.set(dice_.chance(30));
-    stage_.time.advance(Nanoseconds{dice_.below(3'000'000'000)});
+    // A replay makes both at once.
+    if (scope_ == Scope::anything) stage_.time.advance(Nanoseconds{dice_.below(3'000'000'000)});
 
     // Before the monitor, so that what changes is known when the monitor acts on it.
     keysSubscription_ =

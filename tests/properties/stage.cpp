@@ -72,7 +72,7 @@ void Stage::makeMonitor() {
 void Stage::endModel() { model.reset(); }
 
 AppModel::Surroundings Stage::surroundings() {
-    return {store, central, {time, time, session, activity, lock}, [this] {
+    return {store, tap, {time, time, session, activity, lock}, [this] {
                 return std::make_unique<Panel>(*this);
             }};
 }

@@ -5,6 +5,7 @@
 #include "app/app_model.h"
 #include "base/virtual_time.h"
 #include "model/log.h"
+#include "recording/central_tap.h"
 #include "replay/replayed_central.h"
 #include "replay/replayed_platform.h"
 #include "tests/properties/effect.h"
@@ -54,6 +55,7 @@ public:
     VirtualTime time;
     MemoryStore store;
     ReplayedCentral central;
+    CentralTap tap{central}; ///< between the radio and the core, as in the application
     ReplayedSession session;
     ReplayedActivity activity{time};
     RecordedLock lock;

@@ -23,6 +23,7 @@
 #include "model/log.h"
 #include "model/preferences_file.h"
 #include "platform/linux/system_clock.h"
+#include "recording/linux/descriptor_sink.h"
 #include "scanner/listening_central.h"
 #include "ui/linux/autostart_item.h"
 
@@ -107,6 +108,7 @@ struct Execute {
     const Clock& clock;
     PreferencesStore& preferences;
     const BundleInfo& program;
+    std::optional<Recorder::Request> recording{}; ///< of a run
 
     int operator()(const command::Run& run) const {
         const RunningApplication application({.scheduler = scheduler,
@@ -115,7 +117,8 @@ struct Execute {
                                               .lock = ownLockCommand(preferences),
                                               .log = FileLog::pathUnder(folders::home()),
                                               .program = program,
-                                              .updateNow = run.updateNow});
+                                              .updateNow = run.updateNow,
+                                              .recording = recording});
         return QCoreApplication::exec();
     }
     int operator()(const command::Demo&) const {
@@ -217,6 +220,14 @@ int ask(const control::Request& request, const Clock& clock) {
     return QCoreApplication::exec();
 }
 
+/// Has a Wegslot that runs already record into a file; the exit status.
+int record(const command::Recording& recording, const Clock& clock) {
+    const auto file = recordingFile(recording.path);
+    if (!file) return complain(file.failure().message);
+    return ask(control::request::Record{.descriptor = *file, .anonymous = recording.anonymous},
+               clock);
+}
+
 /// The application object that the command needs: for a picture there need be no screen.
 std::unique_ptr<QCoreApplication> applicationFor(const Command& command, int& argc, char** argv) {
     if (std::holds_alternative<command::Run>(command) ||
@@ -260,10 +271,17 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
     if (!lock && run != nullptr) {
         if (run->updateNow) return ended(ask(control::request::UpdateNow{}, clock));
+        if (run->recording) return ended(record(*run->recording, clock));
         if (showsItself(scheduler)) return EXIT_SUCCESS;
     }
     if (!lock) return complain(lock.failure().message);
 
+    std::optional<Recorder::Request> recording;
+    if (run != nullptr && run->recording) {
+        const auto file = recordingFile(run->recording->path);
+        if (!file) return complain(file.failure().message);
+        recording = {.sink = emptiedSink(*file), .anonymous = run->recording->anonymous};
+    }
     std::unique_ptr<TeeLog> log;
     if (run != nullptr) {
         const fs::path logPath = FileLog::pathUnder(folders::home());
@@ -272,7 +290,8 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         log = std::make_unique<TeeLog>(logPath, clock);
     }
     PreferencesFile preferences(preferencesPath, scheduler);
-    return ended(std::visit(Execute{scheduler, clock, preferences, program}, command));
+    return ended(
+        std::visit(Execute{scheduler, clock, preferences, program, std::move(recording)}, command));
 }
 
 } // namespace wegslot

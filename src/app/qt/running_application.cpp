@@ -3,6 +3,8 @@
 #include "app/qt/display.h"
 #include "app/qt/warning.h"
 #include "model/log.h"
+#include "recording/linux/descriptor_sink.h"
+#include "recording/linux/random_uuid.h"
 #include "ui/qt/local_clock_time.h"
 
 namespace wegslot {
@@ -21,11 +23,12 @@ RunningApplication::RunningApplication(const Setting& setting)
     : setting_(setting),
       world_(setting.scheduler, setting.clock, setting.lock),
       bundle_(bundleOf()),
+      radio_(world_.central),
       model_([this] {
           if (bundle_) updates_.emplace(*bundle_, world_.sessionBus);
           return AppModel::Surroundings{
               .preferences = setting_.preferences,
-              .central = world_.central,
+              .central = radio_,
               .platform = world_.platform,
               .makeHud =
                   [this] { return warning(world_.sessionBus, setting_.clock, setting_.scheduler); },
@@ -33,6 +36,7 @@ RunningApplication::RunningApplication(const Setting& setting)
               .updates = updates_ ? std::optional(updates_->world()) : std::nullopt,
               .updateNow = setting_.updateNow};
       }()),
+      recorder_(model_, radio_, world_.platform, randomUuid, setting.recording),
       appearance_(world_.sessionBus),
       loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
                  world_.processes),
@@ -48,9 +52,18 @@ RunningApplication::RunningApplication(const Setting& setting)
                {.lock = [this] { model_.monitor().lockNow(); },
                 .pause = [this](Seconds duration) { model_.monitor().pause(duration); },
                 .resume = [this] { model_.monitor().resume(); },
-                .updateNow = [this] { model_.updateNow(); }}),
+                .updateNow = [this] { model_.updateNow(); },
+                .record = [this](int file, bool anonymous) { return record(file, anonymous); },
+                .stopRecording = [this] { recorder_.stop(); }}),
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }) {
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
+}
+
+std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous) {
+    // What was in the file goes only when something comes in its place.
+    DescriptorSink sink =
+        recorder_.isRecording() ? descriptorSink(descriptor) : emptiedSink(descriptor);
+    return recorder_.record({.sink = std::move(sink), .anonymous = anonymous});
 }
 
 void RunningApplication::openLog() {

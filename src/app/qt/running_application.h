@@ -11,6 +11,8 @@
 #include "control/linux/control_service.h"
 #include "model/lock_command.h"
 #include "model/preferences_store.h"
+#include "recording/central_tap.h"
+#include "recording/recorder.h"
 #include "ui/linux/autostart_item.h"
 #include "ui/linux/desktop_opener.h"
 
@@ -29,6 +31,7 @@ public:
         std::filesystem::path log;
         BundleInfo program; ///< what it is where no folder says so
         bool updateNow = false;
+        std::optional<Recorder::Request> recording{}; ///< from the start on
     };
 
     explicit RunningApplication(const Setting& setting);
@@ -37,6 +40,9 @@ private:
     /// How long a bar of the desktop gets to show the icon.
     static constexpr Nanoseconds iconPatience = std::chrono::seconds{5};
 
+    /// Records what reaches Wegslot from here on. `descriptor` is where to; it is taken over, and
+    /// closed when the recording ends, or at once if it is refused: while there is another.
+    [[nodiscard]] std::optional<Failure> record(int descriptor, bool anonymous);
     void openLog();
     void openWithoutIcon();
 
@@ -44,7 +50,9 @@ private:
     RealWorld world_;
     std::optional<OwnBundle> bundle_;
     std::optional<RealUpdates> updates_;
+    CentralTap radio_;
     AppModel model_;
+    Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor
     Appearance appearance_;
     AutostartItem loginItem_;
     DesktopOpener opener_;

@@ -69,6 +69,15 @@ struct ControlClient::Ask {
         simply("UpdateNow", {}, "Wegslot draait al en zoekt nu naar een nieuwere versie");
     }
 
+    /// Goes on until it is ended.
+    void operator()(const control::request::Record& request) const {
+        client.call(control::interfaceName, "Record",
+                    {dbus::FileDescriptor{request.descriptor}, request.anonymous},
+                    [this_ = &client](dbus::Reader&) {
+                        this_->output_.print("Opname loopt; stop met Ctrl-C");
+                    });
+    }
+
     /// Done when it is taken; `said` then, if anything.
     void simply(const char* member, std::vector<dbus::Argument> arguments,
                 std::string_view said) const {

@@ -8,6 +8,8 @@
 #include <optional>
 #include <utility>
 
+#include <fcntl.h>
+
 namespace wegslot {
 namespace {
 
@@ -56,6 +58,7 @@ ControlService::ControlService(dbus::Connection& sessionBus, const control::Sour
 
 void ControlService::busChanged(dbus::Bus* bus) {
     shown_.reset();
+    stopRecording();
     bus_ = bus;
     if (bus != nullptr) shown_ = dbus::exportObject(*bus, Activation::path, interface());
 }
@@ -108,7 +111,9 @@ std::vector<dbus::Method> ControlService::methods() {
             bare("Resume", "Hervatten", actions_.resume),
             bare("UpdateNow", "Bijwerken", actions_.updateNow),
             {"Pause", "u", "",
-             [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }}};
+             [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }},
+            {"Record", "hb", "",
+             [this](const dbus::Message& call, dbus::Writer& answer) { record(call, answer); }}};
 }
 
 void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
@@ -116,6 +121,25 @@ void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
     if (const auto fault = control::pauseFault(seconds)) return answer.refuse(fault->message);
     logRequest("Pauze van " + std::to_string(seconds) + " s", call);
     actions_.pause(Seconds{static_cast<double>(seconds)});
+}
+
+void ControlService::record(const dbus::Message& call, dbus::Writer& answer) {
+    auto reader = call.read();
+    const int file = fcntl(reader.descriptor().value_or(-1), F_DUPFD_CLOEXEC, 0);
+    const bool anonymous = reader.boolean().value_or(false);
+    if (file < 0) return answer.refuse("geen bestand om in op te nemen");
+    const std::string caller(call.sender());
+    if (const auto fault = actions_.record(file, anonymous)) return answer.refuse(fault->message);
+    logRequest("Opname", call);
+    recordingFor_ = bus_->followOwner(caller, [this](const std::optional<std::string>& owner) {
+        if (!owner) stopRecording();
+    });
+}
+
+void ControlService::stopRecording() {
+    if (!recordingFor_) return;
+    recordingFor_.reset();
+    actions_.stopRecording();
 }
 
 void ControlService::logRequest(const std::string& what, const dbus::Message& call) {

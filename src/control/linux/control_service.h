@@ -8,6 +8,7 @@
 #include "dbus/object.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace wegslot {
@@ -22,6 +23,9 @@ public:
         std::function<void(Seconds)> pause;
         std::function<void()> resume;
         std::function<void()> updateNow;
+        /// Takes the descriptor over; says why not.
+        std::function<std::optional<Failure>(int descriptor, bool anonymous)> record;
+        std::function<void()> stopRecording;
     };
 
     ControlService(dbus::Connection& sessionBus, const control::Sources& sources, Actions actions);
@@ -35,6 +39,8 @@ private:
     [[nodiscard]] std::vector<dbus::Property> properties();
     [[nodiscard]] std::vector<dbus::Method> methods();
     void pause(const dbus::Message& call, dbus::Writer& answer);
+    void record(const dbus::Message& call, dbus::Writer& answer);
+    void stopRecording();
     void logRequest(const std::string& what, const dbus::Message& call);
     [[nodiscard]] std::string callerOf(const dbus::Message& call);
 
@@ -42,6 +48,7 @@ private:
     Actions actions_;
     dbus::Bus* bus_ = nullptr;
     Subscription shown_;
+    Subscription recordingFor_; ///< whoever asked for the recording; it ends when they go
     Subscription phases_;
     Subscription connection_;
 };

@@ -1,0 +1,73 @@
+#include "monitor/beat.h"
+
+#include "tests/support/world.h"
+
+#include <gtest/gtest.h>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr TimePoint start{1000h};
+
+/// Ticks are run as late as a test says.
+struct LateClock final : Clock {
+    explicit LateClock(const VirtualTime& real) : time(real) {}
+
+    [[nodiscard]] TimePoint now() const override { return time.now() + late; }
+
+    [[nodiscard]] TimePoint wallClock() const override { return now(); }
+
+    const VirtualTime& time;
+    Nanoseconds late{0};
+};
+
+} // namespace
+
+TEST(Beat, ATickOnTimeIsMeantForItsInstant) {
+    Beat beat(1s, start);
+    for (int second = 1; second < 10; ++second)
+        EXPECT_EQ(beat.of(start + second * 1s), start + second * 1s);
+}
+
+TEST(Beat, ATickThatIsALittleLateIsMeantForTheBeat) {
+    Beat beat(1s, start);
+    EXPECT_EQ(beat.of(start + 1s + 3ms), start + 1s);
+    EXPECT_EQ(beat.of(start + 2s + 1ns), start + 2s);
+    EXPECT_EQ(beat.of(start + 3s + Beat::tolerance), start + 3s);
+    EXPECT_EQ(beat.of(start + 7s + 1ms), start + 7s); // some were missed
+}
+
+TEST(Beat, ATickThatIsLaterThanThatBeginsAnother) {
+    Beat beat(1s, start);
+    const TimePoint held = start + 1s + Beat::tolerance + 1ns;
+    EXPECT_EQ(beat.of(held), held);
+    EXPECT_EQ(beat.of(held + 1s + 2ms), held + 1s);
+    EXPECT_EQ(beat.of(start + 1h), start + 1h); // back on the old one
+    EXPECT_EQ(beat.of(start + 1h + 1s + 2ms), start + 1h + 1s);
+}
+
+TEST(Beat, ACountdownTakesItsSecondsHoweverLateTheTicksAreRun) {
+    for (const Nanoseconds later : {0ms, 1ms, 9ms}) {
+        World world;
+        LateClock clock(world.time);
+        AppModel::Surroundings around = world.surroundings();
+        AppModel model({around.preferences,
+                        around.central,
+                        {clock, world.time, world.session, world.activity, world.lock},
+                        around.makeHud});
+        model.settings().keys.set({keyNamed("Telefoon", 1)});
+        Monitor& monitor = model.monitor();
+        world.central.setState(CentralState::poweredOn);
+        world.keepHearing(1, -50, 2);
+        clock.late = 5ms;
+        while (!is<phase::Warning>(monitor.phase().get()))
+            world.pass(1s);
+        clock.late = later;
+        world.pass(4s);
+        EXPECT_EQ(world.locks, 0);
+        world.pass(1s);
+        EXPECT_EQ(world.locks, 1) << later.count();
+    }
+}

@@ -1,0 +1,235 @@
+#include "recording/recorder.h"
+
+#include "model/key_codec.h"
+#include "model/log.h"
+
+#include <limits>
+#include <utility>
+
+namespace wegslot {
+namespace {
+
+PreferenceValue stored(bool value) { return value; }
+
+PreferenceValue stored(Seconds value) { return value.count(); }
+
+PreferenceValue stored(LockRule rule) { return std::string(storedText(rule)); }
+
+PreferenceValue stored(const std::vector<KeyDevice>& keys) {
+    if (auto list = encodeKeys(keys)) return Data{*std::move(list)};
+    // A list may hold what no stored one can: no signal reaches a threshold that is no number.
+    std::vector<KeyDevice> writable = keys;
+    for (KeyDevice& key : writable)
+        if (!(key.threshold.value < std::numeric_limits<double>::max()))
+            key.threshold = Dbm{std::numeric_limits<double>::max()};
+    return Data{encodeKeys(writable).value_or("[]")};
+}
+
+std::set<Uuid> idsOf(const std::vector<KeyDevice>& keys) {
+    std::set<Uuid> ids;
+    for (const KeyDevice& key : keys)
+        ids.insert(key.id);
+    return ids;
+}
+
+struct AsEvent {
+    trace::Event operator()(const action::LockNow&) const { return trace::LockNow{}; }
+
+    trace::Event operator()(const action::Pause& pause) const {
+        return trace::Pause{pause.duration};
+    }
+
+    trace::Event operator()(const action::Resume&) const { return trace::Resume{}; }
+
+    trace::Event operator()(const action::CancelWarning&) const { return trace::CancelWarning{}; }
+};
+
+} // namespace
+
+Recorder::Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& platform,
+                   std::function<Uuid()> freshId, std::optional<Request> atOnce)
+    : model_(model),
+      radio_(radio),
+      platform_(platform),
+      freshId_(std::move(freshId)) {
+    followSettings();
+    subscriptions_.push_back(platform_.session.observe([this](SessionEvent event) {
+        screenLocked_ = event == SessionEvent::locked;
+        tell(trace::Session{event});
+    }));
+    subscriptions_.push_back(model_.scanner().discovery().onChange(
+        [this](bool active) { tell(trace::Discovery{active}); }));
+    subscriptions_.push_back(model_.monitor().asked().onChange(
+        [this](const UserAction& asked) { tell(std::visit(AsEvent{}, asked)); }));
+    if (atOnce) begin(*std::move(atOnce), CoreIs::fresh);
+}
+
+Recorder::~Recorder() { stop(); }
+
+std::optional<Failure> Recorder::record(Request request) {
+    if (isRecording()) return Failure{"er loopt al een opname"};
+    begin(std::move(request), CoreIs::running);
+    return std::nullopt;
+}
+
+void Recorder::stop() {
+    tell(trace::End{});
+    letGo();
+}
+
+void Recorder::letGo() {
+    radio_.setListener(nullptr);
+    activityTimer_.reset();
+    recording_.reset();
+}
+
+// --- What is told
+// ---------------------------------------------------------------------------------
+
+template <typename T>
+void Recorder::follow(const Setting<T>& setting, const char* name) {
+    subscriptions_.push_back(setting.onChange([this, name](const T& value) {
+        if (isRecording()) tell(trace::SettingsChange{{{name, stored(value)}}});
+    }));
+}
+
+void Recorder::followSettings() {
+    const Settings& settings = model_.settings();
+    // Before the list itself: the core asks at once which of the keys the stack knows.
+    subscriptions_.push_back(settings.keys.onChange(
+        [this](const std::vector<KeyDevice>& keys) { tellKnown(idsOf(keys)); }));
+    follow(settings.enabled, "enabled");
+    follow(settings.keys, "keys");
+    follow(settings.rule, "rule");
+    follow(settings.awayDelay, "awayDelay");
+    follow(settings.lostTimeout, "lostTimeout");
+    follow(settings.warningEnabled, "warningEnabled");
+    follow(settings.warningSeconds, "warningSeconds");
+    follow(settings.pauseDuringMeetings, "pauseDuringMeetings");
+    follow(settings.pauseWhileActive, "pauseWhileActive");
+    follow(settings.showOtherDevices, "showOtherDevices");
+}
+
+Preferences Recorder::preferences() const {
+    const Settings& settings = model_.settings();
+    return {{"enabled", stored(settings.enabled.get())},
+            {"keys", stored(settings.keys.get())},
+            {"rule", stored(settings.rule.get())},
+            {"awayDelay", stored(settings.awayDelay.get())},
+            {"lostTimeout", stored(settings.lostTimeout.get())},
+            {"warningEnabled", stored(settings.warningEnabled.get())},
+            {"warningSeconds", stored(settings.warningSeconds.get())},
+            {"pauseDuringMeetings", stored(settings.pauseDuringMeetings.get())},
+            {"pauseWhileActive", stored(settings.pauseWhileActive.get())},
+            {"showOtherDevices", stored(settings.showOtherDevices.get())}};
+}
+
+void Recorder::begin(Request request, CoreIs core) {
+    std::optional<Disguise> disguise;
+    if (request.anonymous) disguise.emplace(freshId_);
+    recording_.emplace(std::move(request.sink), std::move(disguise), platform_.activity,
+                       platform_.clock);
+    radio_.setListener(this);
+    activityTimer_ = platform_.scheduler.every(ActivityWatch::interval, [this] { tellActivity(); });
+    tell(trace::Start{platform_.clock.wallClock()});
+    tell(trace::SettingsChange{preferences()});
+    if (core == CoreIs::running) return tellStanding();
+    tellKnown(model_.scanner().watchedIDs());
+    tellActivity();
+}
+
+// How things stand in a core that has been running for a while.
+void Recorder::tellStanding() {
+    const Scanner& scanner = model_.scanner();
+    tell(trace::RadioState{radio_.state(), radio_.authorization()});
+    std::set<Uuid> devices = scanner.watchedIDs();
+    tellKnown(devices);
+    for (const SeenDevice& device : scanner.snapshot().get()) {
+        devices.insert(device.id);
+        if (isRecording() && !recording_->isKnown(device.id))
+            tell(trace::Known{device.id, radio_.peripheralName(device.id)});
+    }
+    for (const Uuid& id : devices)
+        if (radio_.peripheralState(id) == PeripheralState::connected) tell(trace::Connected{id});
+    if (screenLocked_) tell(trace::Session{SessionEvent::locked});
+    if (scanner.discoveryActive()) tell(trace::Discovery{true});
+    tellActivity();
+}
+
+void Recorder::tellActivity() {
+    if (!isRecording()) return;
+    for (trace::Event& event : recording_->activity.changes())
+        tell(std::move(event));
+}
+
+/// Those of `ids` that the stack can be asked for and that no line has told of yet.
+void Recorder::tellKnown(const std::set<Uuid>& ids) {
+    if (!isRecording()) return;
+    for (const Uuid& id : radio_.retrieve(ids))
+        if (isRecording() && !recording_->isKnown(id))
+            tell(trace::Known{id, radio_.peripheralName(id)});
+}
+
+void Recorder::tell(trace::Event event) {
+    if (!isRecording()) return;
+    const auto failure = recording_->tell(std::move(event));
+    if (!failure) return;
+    letGo();
+    Log::write("Opname gestopt: " + failure->message);
+}
+
+// --- The radio
+// ------------------------------------------------------------------------------------
+
+void Recorder::didUpdateState() {
+    // Before the state: once it is on the core asks which of its keys the stack knows.
+    tellKnown(model_.scanner().watchedIDs());
+    tell(trace::RadioState{radio_.state(), radio_.authorization()});
+}
+
+void Recorder::didDiscover(const Advertisement& advertisement) {
+    trace::Heard event{.id = advertisement.id,
+                       .rssi = advertisement.rssi,
+                       .name = recording_->newName(advertisement.id, advertisement.peripheralName),
+                       .localName = std::nullopt,
+                       .manufacturerData = std::nullopt};
+    if (advertisement.localName) event.localName.emplace(*advertisement.localName);
+    if (const auto& data = advertisement.manufacturerData)
+        event.manufacturerData.emplace(data->begin(), data->end());
+    tell(std::move(event));
+}
+
+void Recorder::didConnect(const Uuid& id) { tell(trace::Connected{id}); }
+
+void Recorder::didFailToConnect(const Uuid& id) { tell(trace::ConnectFailed{id}); }
+
+void Recorder::didDisconnect(const Uuid& id, const std::optional<std::string>& reason) {
+    tell(trace::Disconnected{id, reason});
+}
+
+void Recorder::didReadRSSI(const Uuid& id, std::optional<int> rssi) {
+    tell(trace::RssiRead{id, rssi});
+}
+
+void Recorder::didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) {
+    tell(trace::Services{id, {services.begin(), services.end()}});
+}
+
+void Recorder::didDiscoverCharacteristics(const Uuid& id, GattUuid,
+                                          std::span<const GattUuid> characteristics) {
+    tell(trace::Characteristics{id, {characteristics.begin(), characteristics.end()}});
+}
+
+void Recorder::didUpdateValue(const Uuid& id, GattUuid characteristic,
+                              const std::optional<std::string_view>& value) {
+    trace::Value event{.id = id,
+                       .characteristic = characteristic,
+                       .value = std::nullopt,
+                       .name = recording_->newName(id, radio_.peripheralName(id))};
+    if (value) event.value.emplace(*value);
+    tell(std::move(event));
+}
+
+void Recorder::didIdentify(const Uuid& from, const Uuid& to) { tell(trace::Identity{from, to}); }
+
+} // namespace wegslot

@@ -1,0 +1,14 @@
+// Writes the lines of a trace: what the reader makes of one is the event that was written.
+#pragma once
+
+#include "replay/trace_event.h"
+
+#include <string>
+
+namespace wegslot {
+
+/// The line with its line feed. Its time must be whole milliseconds. A number that JSON cannot say
+/// is written as one that means the same: a duration that is none as 0, any other as the largest.
+[[nodiscard]] std::string written(const trace::Line& line);
+
+} // namespace wegslot
