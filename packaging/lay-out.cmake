@@ -23,6 +23,7 @@ set(pieces "${CMAKE_CURRENT_LIST_DIR}")
 file(REMOVE_RECURSE "${BUNDLE}")
 file(MAKE_DIRECTORY "${BUNDLE}")
 configure_file("${pieces}/Info.json.in" "${BUNDLE}/Info.json" @ONLY)
-file(COPY "${pieces}/nl.wegslot.Wegslot.desktop" "${pieces}/../LICENSE" DESTINATION "${BUNDLE}")
+file(COPY "${pieces}/nl.wegslot.Wegslot.desktop" "${pieces}/../LICENSE"
+  "${pieces}/installeer" DESTINATION "${BUNDLE}")
 file(COPY "${pieces}/nl.wegslot.Wegslot.svg" DESTINATION "${BUNDLE}/icons")
 execute_process(COMMAND "${STRIP}" -o "${BUNDLE}/wegslot" "${PROGRAM}" COMMAND_ERROR_IS_FATAL ANY)

@@ -4,6 +4,7 @@
 #include "base/result.h"
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -26,9 +27,9 @@ struct Pause {
 struct Resume {};
 /// Look for a newer release, and install it.
 struct UpdateNow {};
-/// Record into an open file, for as long as whoever asks is there.
+/// Record into a file, for as long as whoever asks is there.
 struct Record {
-    int descriptor;
+    std::function<Result<int>()> open; ///< gives a descriptor, once somebody is there to ask
     bool anonymous = false;
 };
 

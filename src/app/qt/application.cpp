@@ -204,28 +204,32 @@ bool showsItself(Scheduler& scheduler) {
     return isShown;
 }
 
-/// Asks a Wegslot that runs already; the exit status.
-int ask(const control::Request& request, const Clock& clock) {
+/// Asks a Wegslot that runs already; the exit status. `absence`: what it means that none is found.
+int ask(control::Request request, const Clock& clock,
+        const ControlClient::Failed& absence = ControlClient::absent()) {
     const auto bus = dbus::Bus::openSession();
     if (!bus) {
-        complain("Wegslot draait niet (" + bus.failure().message + ")");
-        return ControlClient::notRunning;
+        complain(absence.message + " (" + bus.failure().message + ")");
+        return absence.status;
     }
-    const Handle driving = pump(**bus, [] { QCoreApplication::exit(ControlClient::notRunning); });
+    const Handle driving = pump(**bus, [] { QCoreApplication::exit(EXIT_FAILURE); });
     const ControlClient client(
-        **bus, clock, request,
+        **bus, clock, std::move(request),
         {.print = printLine,
          .complain = [](std::string_view line) { complain(std::string(line)); },
-         .end = [](int status) { QCoreApplication::exit(status); }});
+         .end = [](int status) { QCoreApplication::exit(status); }},
+        absence);
     return QCoreApplication::exec();
 }
 
-/// Has a Wegslot that runs already record into a file; the exit status.
-int record(const command::Recording& recording, const Clock& clock) {
-    const auto file = recordingFile(recording.path);
-    if (!file) return complain(file.failure().message);
-    return ask(control::request::Record{.descriptor = *file, .anonymous = recording.anonymous},
-               clock);
+/// What is asked of the Wegslot that runs already, for one that was to start; nothing when that is
+/// to show itself.
+std::optional<control::Request> handedOver(const command::Run& run) {
+    if (run.updateNow) return control::request::UpdateNow{};
+    if (!run.recording) return std::nullopt;
+    return control::request::Record{
+        .open = [path = run.recording->path] { return recordingFile(path); },
+        .anonymous = run.recording->anonymous};
 }
 
 /// The application object that the command needs: for a picture there need be no screen.
@@ -270,8 +274,8 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
     if (!lock && run != nullptr) {
-        if (run->updateNow) return ended(ask(control::request::UpdateNow{}, clock));
-        if (run->recording) return ended(record(*run->recording, clock));
+        if (auto request = handedOver(*run))
+            return ended(ask(*std::move(request), clock, {lock.failure().message, EXIT_FAILURE}));
         if (showsItself(scheduler)) return EXIT_SUCCESS;
     }
     if (!lock) return complain(lock.failure().message);

@@ -1,29 +1,33 @@
-// Where updates come from and go to.
+// Where updates come from and go to: from the web into the folder that the running program came as.
+// There are none for a program on its own, as distributions install it. A build without updates
+// (WEGSLOT_UPDATES=OFF) takes another source for this class, and holds no network code.
 #pragma once
 
-#include "app/linux/folders.h"
-#include "update/linux/desktop_control.h"
-#include "update/linux/linux_installer.h"
-#include "update/linux/own_bundle.h"
-#include "update/qt/qt_background.h"
-#include "update/qt/qt_http_client.h"
+#include "dbus/connection.h"
+#include "update/bundle_info.h"
 #include "update/updater.h"
 
-#include <QCoreApplication>
+#include <memory>
+#include <optional>
 
 namespace wegslot {
 
-struct RealUpdates {
-    RealUpdates(const OwnBundle& bundle, dbus::Connection& session)
-        : installer(bundle.folder, bundle.info.identifier, folders::temporary()),
-          app(session, [] { QCoreApplication::quit(); }) {}
+class RealUpdates {
+public:
+    explicit RealUpdates(dbus::Connection& session);
+    RealUpdates(const RealUpdates&) = delete;
+    RealUpdates& operator=(const RealUpdates&) = delete;
+    ~RealUpdates();
 
-    QtHttpClient http;
-    LinuxInstaller installer;
-    DesktopControl app;
-    QtBackground background; ///< last, for its work uses the others until it has gone
+    /// What the program is as its folder says; nothing where it has none.
+    [[nodiscard]] std::optional<BundleInfo> program() const;
 
-    [[nodiscard]] Updater::World world() { return {http, background, installer, app}; }
+    /// Nothing where the program has no folder. Valid as long as this object.
+    [[nodiscard]] std::optional<Updater::World> world();
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
 };
 
 } // namespace wegslot

@@ -1,11 +1,14 @@
 #include "app/qt/running_application.h"
 
+#include "app/linux/folders.h"
 #include "app/qt/display.h"
 #include "app/qt/warning.h"
 #include "model/log.h"
 #include "recording/linux/descriptor_sink.h"
 #include "recording/linux/random_uuid.h"
 #include "ui/qt/local_clock_time.h"
+
+#include <QCoreApplication>
 
 namespace wegslot {
 namespace {
@@ -22,18 +25,17 @@ void quit() { QCoreApplication::quit(); }
 RunningApplication::RunningApplication(const Setting& setting)
     : setting_(setting),
       world_(setting.scheduler, setting.clock, setting.lock),
-      bundle_(bundleOf()),
+      updates_(world_.sessionBus),
       radio_(world_.central),
       model_([this] {
-          if (bundle_) updates_.emplace(*bundle_, world_.sessionBus);
           return AppModel::Surroundings{
               .preferences = setting_.preferences,
               .central = radio_,
               .platform = world_.platform,
               .makeHud =
                   [this] { return warning(world_.sessionBus, setting_.clock, setting_.scheduler); },
-              .bundle = bundle_ ? bundle_->info : setting_.program,
-              .updates = updates_ ? std::optional(updates_->world()) : std::nullopt,
+              .bundle = updates_.program().value_or(setting_.program),
+              .updates = updates_.world(),
               .updateNow = setting_.updateNow};
       }()),
       recorder_(model_, radio_, world_.platform, randomUuid, setting.recording),

@@ -17,7 +17,6 @@
 #include "ui/linux/desktop_opener.h"
 
 #include <filesystem>
-#include <optional>
 
 namespace wegslot {
 
@@ -48,8 +47,7 @@ private:
 
     Setting setting_;
     RealWorld world_;
-    std::optional<OwnBundle> bundle_;
-    std::optional<RealUpdates> updates_;
+    RealUpdates updates_;
     CentralTap radio_;
     AppModel model_;
     Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <utility>
 
+#include <unistd.h>
+
 namespace wegslot {
 namespace {
 
@@ -71,11 +73,14 @@ struct ControlClient::Ask {
 
     /// Goes on until it is ended.
     void operator()(const control::request::Record& request) const {
+        const auto file = request.open();
+        if (!file) return client.fail({file.failure().message, EXIT_FAILURE});
         client.call(control::interfaceName, "Record",
-                    {dbus::FileDescriptor{request.descriptor}, request.anonymous},
+                    {dbus::FileDescriptor{*file}, request.anonymous},
                     [this_ = &client](dbus::Reader&) {
                         this_->output_.print("Opname loopt; stop met Ctrl-C");
                     });
+        close(*file);
     }
 
     /// Done when it is taken; `said` then, if anything.
@@ -90,11 +95,12 @@ struct ControlClient::Ask {
 };
 
 ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request,
-                             Output output)
+                             Output output, Failed absence)
     : bus_(bus),
       clock_(clock),
-      request_(request),
-      output_(std::move(output)) {
+      request_(std::move(request)),
+      output_(std::move(output)),
+      absence_(std::move(absence)) {
     owners_ =
         bus_.followOwner(Activation::name, [this](const auto& owner) { ownerChanged(owner); });
 }
@@ -105,28 +111,26 @@ void ControlClient::ownerChanged(const std::optional<std::string>& owner) {
         owner_ = *owner;
         return std::visit(Ask{*this}, request_);
     }
-    output_.complain(owner_.empty() ? "Wegslot draait niet" : "Wegslot is gestopt");
-    end(notRunning);
+    fail(owner_.empty() ? absence_ : Failed{"Wegslot is gestopt", notRunning});
 }
 
 void ControlClient::call(const char* interface, const char* member,
                          std::vector<dbus::Argument> arguments,
                          std::function<void(dbus::Reader&)> done) {
-    calling_ = bus_.call({.destination = owner_,
-                          .path = Activation::path,
-                          .interface = interface,
-                          .member = member,
-                          .arguments = std::move(arguments),
-                          .timeout = patience},
-                         [this, done = std::move(done)](const dbus::Message& answer) {
-                             if (const auto error = answer.error()) {
-                                 output_.complain("Wegslot antwoordt met een fout: " +
-                                                  printable(answer.errorText()));
-                                 return end(EXIT_FAILURE);
-                             }
-                             auto reader = answer.read();
-                             done(reader);
-                         });
+    calling_ = bus_.call(
+        {.destination = owner_,
+         .path = Activation::path,
+         .interface = interface,
+         .member = member,
+         .arguments = std::move(arguments),
+         .timeout = patience},
+        [this, done = std::move(done)](const dbus::Message& answer) {
+            if (answer.error())
+                return fail({"Wegslot antwoordt met een fout: " + printable(answer.errorText()),
+                             EXIT_FAILURE});
+            auto reader = answer.read();
+            done(reader);
+        });
 }
 
 void ControlClient::readStatus(std::function<void(const control::Status&)> done) {
@@ -149,6 +153,11 @@ void ControlClient::follow(bool json) {
         output_.print(json ? control::changeJson(change, instant)
                            : control::changeText(change, localText(now).substr(date)));
     });
+}
+
+void ControlClient::fail(const Failed& failed) {
+    output_.complain(failed.message);
+    end(failed.status);
 }
 
 void ControlClient::end(int status) {

@@ -21,14 +21,23 @@ public:
     /// A Wegslot that is well answers within milliseconds.
     static constexpr std::chrono::seconds patience{5};
 
+    struct Failed {
+        std::string message;
+        int status;
+    };
+    static Failed absent() { return {"Wegslot draait niet", notRunning}; }
+
     struct Output {
         std::function<void(std::string_view line)> print;
         std::function<void(std::string_view line)> complain;
-        std::function<void(int status)> end; ///< called once, from the loop; it may end the client
+        /// Called once, from the loop; it may end the client.
+        std::function<void(int status)> end;
     };
 
-    /// `bus` must be driven, and outlive this.
-    ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request, Output output);
+    /// `bus` must be driven, and outlive this. `absence`: the message and the status when no
+    /// Wegslot is to be found there.
+    ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request, Output output,
+                  Failed absence = absent());
     ControlClient(const ControlClient&) = delete;
     ControlClient& operator=(const ControlClient&) = delete;
 
@@ -40,12 +49,14 @@ private:
               std::function<void(dbus::Reader&)> done);
     void readStatus(std::function<void(const control::Status&)> done);
     void follow(bool json);
+    void fail(const Failed& failed);
     void end(int status);
 
     dbus::Bus& bus_;
     const Clock& clock_;
     control::Request request_;
     Output output_;
+    Failed absence_;
     std::string owner_;
     Subscription calling_;
     Subscription changes_;

@@ -1,0 +1,249 @@
+# The worlds at the edge. Each sees only the ports that it implements.
+
+wegslot_module(dbus
+  FILES
+    dbus/bus.cpp dbus/bus.h dbus/connection.cpp dbus/connection.h dbus/message.cpp
+    dbus/message.h dbus/object.cpp dbus/object.h dbus/writer.cpp dbus/writer.h
+  USES base log
+  LIBRARIES PkgConfig::SYSTEMD)
+
+wegslot_module(bluez
+  FILES
+    scanner/bluez/advertisement_monitor.cpp scanner/bluez/advertisement_monitor.h
+    scanner/bluez/assigned_numbers.cpp scanner/bluez/assigned_numbers.h
+    scanner/bluez/bluez_central.cpp scanner/bluez/bluez_central.h
+    scanner/bluez/central_state.cpp scanner/bluez/central_state.h
+    scanner/bluez/connections.cpp scanner/bluez/connections.h scanner/bluez/device_id.cpp
+    scanner/bluez/device_id.h scanner/bluez/discovery.cpp scanner/bluez/discovery.h
+    scanner/bluez/gatt_client.cpp scanner/bluez/gatt_client.h scanner/bluez/gatt_tree.cpp
+    scanner/bluez/gatt_tree.h scanner/bluez/hci_links.cpp scanner/bluez/hci_links.h
+    scanner/bluez/hci_wire.cpp scanner/bluez/hci_wire.h scanner/bluez/hearing.cpp
+    scanner/bluez/hearing.h scanner/bluez/links.h scanner/bluez/loss_text.cpp
+    scanner/bluez/loss_text.h scanner/bluez/object_tree.cpp scanner/bluez/object_tree.h
+    scanner/bluez/object_watch.cpp scanner/bluez/object_watch.h
+  TESTS
+    scanner/bluez/assigned_numbers_test.cpp scanner/bluez/central_state_test.cpp
+    scanner/bluez/device_id_test.cpp scanner/bluez/hci_wire_test.cpp
+    scanner/bluez/hearing_test.cpp scanner/bluez/loss_text_test.cpp
+  USES base log scanner dbus
+  LIBRARIES OpenSSL::Crypto)
+
+wegslot_module(spawn_linux
+  FILES platform/linux/spawn.cpp platform/linux/spawn.h
+  USES base)
+
+wegslot_module(platform_linux
+  FILES
+    platform/linux/display_environment.cpp platform/linux/display_environment.h
+    platform/linux/linux_processes.cpp platform/linux/linux_processes.h
+    platform/linux/login_session.cpp platform/linux/login_session.h
+    platform/linux/logind_lock.cpp platform/linux/logind_lock.h
+    platform/linux/process_table.cpp platform/linux/process_table.h
+    platform/linux/screen_lock_watcher.cpp platform/linux/screen_lock_watcher.h
+    platform/linux/screen_savers.cpp platform/linux/screen_savers.h
+    platform/linux/system_clock.cpp platform/linux/system_clock.h
+  TESTS platform/linux/display_environment_test.cpp
+  USES base platform monitor dbus spawn_linux)
+
+wegslot_wayland_protocols(idle_protocols
+  ${WAYLAND_PROTOCOLS}/staging/ext-idle-notify/ext-idle-notify-v1.xml
+  ${CMAKE_CURRENT_SOURCE_DIR}/platform/linux/idle/org-kde-kwin-idle.xml)
+
+wegslot_module(idle_linux
+  FILES
+    platform/linux/idle/ext_idle_notify.cpp platform/linux/idle/idle_protocol.h
+    platform/linux/idle/idle_watch.cpp platform/linux/idle/idle_watch.h
+    platform/linux/idle/kwin_idle.cpp platform/linux/idle/mutter_idle.cpp
+    platform/linux/idle/mutter_idle.h platform/linux/idle/seat_idle.h
+    platform/linux/idle/wayland_connection.cpp platform/linux/idle/wayland_connection.h
+    platform/linux/idle/wayland_idle.cpp platform/linux/idle/wayland_idle.h
+    platform/linux/idle/x11_idle.cpp platform/linux/idle/x11_idle.h
+    platform/linux/idle/x11_server.cpp platform/linux/idle/x11_server.h
+    platform/linux/idle/x11_worker.cpp platform/linux/idle/x11_worker.h
+  TESTS platform/linux/idle/seat_idle_test.cpp
+  USES base platform platform_linux dbus
+  LIBRARIES idle_protocols PkgConfig::WAYLAND PkgConfig::XCB Threads::Threads)
+
+wegslot_module(desktop_entry
+  FILES
+    platform/linux/media/desktop_entry.cpp platform/linux/media/desktop_entry.h
+    platform/linux/media/desktop_entry_text.cpp platform/linux/media/desktop_entry_text.h
+  TESTS
+    platform/linux/media/desktop_entry_test.cpp
+    platform/linux/media/desktop_entry_text_test.cpp)
+
+wegslot_module(media_linux
+  FILES
+    platform/linux/media/application_names.cpp platform/linux/media/application_names.h
+    platform/linux/media/capture_devices.cpp platform/linux/media/capture_devices.h
+    platform/linux/media/pipewire_calls.h
+    platform/linux/media/pipewire_cameras.cpp platform/linux/media/pipewire_cameras.h
+    platform/linux/media/pipewire_daemon.cpp platform/linux/media/pipewire_daemon.h
+    platform/linux/media/pulse_microphone.cpp platform/linux/media/pulse_microphone.h
+    platform/linux/media/recording_stream.cpp platform/linux/media/recording_stream.h
+  TESTS
+    platform/linux/media/application_names_test.cpp
+    platform/linux/media/capture_devices_test.cpp
+    platform/linux/media/recording_stream_test.cpp
+  USES base desktop_entry platform platform_linux
+  LIBRARIES PkgConfig::PULSE PkgConfig::PIPEWIRE)
+
+wegslot_module(hud_linux
+  FILES
+    hud/linux/warning_notification.cpp hud/linux/warning_notification.h
+    hud/linux/warning_sound.cpp hud/linux/warning_sound.h
+  USES base hud dbus
+  LIBRARIES PkgConfig::CANBERRA Threads::Threads)
+
+wegslot_module(brand_qt
+  FILES ui/qt/brand_qt.cpp ui/qt/brand_qt.h
+  TESTS ui/qt/brand_qt_test.cpp
+  USES brand
+  LIBRARIES Qt6::Gui)
+
+wegslot_module(hud_qt
+  FILES
+    hud/qt/capsule_button.cpp hud/qt/capsule_button.h hud/qt/keyboard_loan.cpp
+    hud/qt/keyboard_loan.h hud/qt/qt_warning_hud.cpp hud/qt/qt_warning_hud.h
+    hud/qt/warning_panel.cpp hud/qt/warning_panel.h hud/qt/warning_picture.cpp
+    hud/qt/warning_picture.h
+  USES base hud brand brand_qt
+  LIBRARIES Qt6::Widgets PkgConfig::XCB)
+
+wegslot_module(ui_linux
+  FILES
+    ui/linux/autostart_item.cpp ui/linux/autostart_item.h ui/linux/color_scheme.cpp
+    ui/linux/color_scheme.h ui/linux/desktop_opener.cpp ui/linux/desktop_opener.h
+    ui/linux/tray_item.cpp ui/linux/tray_item.h ui/linux/tray_menu.cpp ui/linux/tray_menu.h
+    ui/linux/tray_registration.cpp ui/linux/tray_registration.h
+  TESTS ui/linux/autostart_item_test.cpp
+  USES base brand dbus desktop_entry platform replace_file tray ui_ports)
+
+qt_add_resources(icon_resources ui/icons/icons.qrc)
+set_source_files_properties(${icon_resources} PROPERTIES COMPILE_OPTIONS -w) # written by Qt's tool
+wegslot_module(icons_qt
+  FILES
+    ui/qt/symbol_images.cpp ui/qt/symbol_images.h ui/qt/tray_painter.cpp ui/qt/tray_painter.h
+  TESTS ui/qt/symbol_images_test.cpp
+  USES base brand brand_qt devices phase_presentation tray
+  LIBRARIES Qt6::Gui Qt6::Svg)
+target_sources(wegslot_icons_qt PRIVATE ${icon_resources})
+
+wegslot_module(widgets_qt
+  FILES
+    ui/qt/card.cpp ui/qt/card.h ui/qt/section_title.cpp ui/qt/section_title.h
+    ui/qt/soft_shadow.cpp ui/qt/soft_shadow.h
+  TESTS ui/qt/card_test.cpp ui/qt/section_title_test.cpp ui/qt/soft_shadow_test.cpp
+  USES base brand brand_qt
+  LIBRARIES Qt6::Widgets)
+
+wegslot_module(panel_qt
+  FILES
+    ui/qt/panel/disclosure.cpp ui/qt/panel/disclosure.h ui/qt/panel/footer_view.cpp
+    ui/qt/panel/footer_view.h ui/qt/panel/header_view.cpp ui/qt/panel/header_view.h
+    ui/qt/panel/key_row_view.cpp ui/qt/panel/key_row_view.h ui/qt/panel/keys_view.cpp
+    ui/qt/panel/keys_view.h ui/qt/panel/menu_button.cpp ui/qt/panel/menu_button.h
+    ui/qt/panel/nearby_view.cpp ui/qt/panel/nearby_view.h ui/qt/panel/painting.cpp
+    ui/qt/panel/painting.h ui/qt/panel/panel_button.cpp ui/qt/panel/panel_button.h
+    ui/qt/panel/panel_context.h ui/qt/panel/panel_view.cpp ui/qt/panel/panel_view.h
+    ui/qt/panel/panel_window.cpp ui/qt/panel/panel_window.h ui/qt/panel/section_view.h
+    ui/qt/panel/settings_view.cpp ui/qt/panel/settings_view.h ui/qt/panel/signal_bar_view.cpp
+    ui/qt/panel/signal_bar_view.h
+    ui/qt/panel/small_parts.cpp ui/qt/panel/small_parts.h ui/qt/panel/spinner.cpp
+    ui/qt/panel/spinner.h ui/qt/panel/stepper_view.cpp ui/qt/panel/stepper_view.h
+    ui/qt/panel/text.cpp ui/qt/panel/text.h ui/qt/panel/threshold_slider.cpp
+    ui/qt/panel/threshold_slider.h ui/qt/panel/toggles.cpp ui/qt/panel/toggles.h
+    ui/qt/panel/update_view.cpp ui/qt/panel/update_view.h
+  USES base devices settings scanner monitor brand phase_presentation update panel brand_qt icons_qt
+    widgets_qt
+  LIBRARIES Qt6::Widgets)
+
+wegslot_module(x11_tray_qt
+  FILES ui/qt/x11_tray.cpp ui/qt/x11_tray.h
+  TESTS ui/qt/x11_tray_test.cpp
+  USES base brand monitor phase_presentation tray icons_qt
+  LIBRARIES Qt6::Widgets)
+
+wegslot_module(desktop_qt
+  FILES
+    ui/qt/local_clock_time.cpp ui/qt/local_clock_time.h ui/qt/palette_scheme.cpp
+    ui/qt/palette_scheme.h
+  TESTS ui/qt/local_clock_time_test.cpp ui/qt/palette_scheme_test.cpp
+  USES base brand monitor phase_presentation
+  LIBRARIES Qt6::Gui)
+
+wegslot_module(app_linux
+  FILES
+    app/linux/activation.cpp app/linux/activation.h app/linux/folders.cpp app/linux/folders.h
+    app/linux/instance_lock.cpp app/linux/instance_lock.h
+  TESTS app/linux/instance_lock_test.cpp
+  USES base dbus)
+
+wegslot_module(recording_linux
+  FILES
+    recording/linux/descriptor_sink.cpp recording/linux/descriptor_sink.h
+    recording/linux/random_uuid.cpp recording/linux/random_uuid.h
+  TESTS recording/linux/descriptor_sink_test.cpp
+  USES base)
+
+wegslot_module(control_linux
+  FILES
+    control/linux/control_client.cpp control/linux/control_client.h
+    control/linux/control_service.cpp control/linux/control_service.h
+  USES base log control dbus app_linux)
+
+# Updates of the program itself: the disk, the network, and what joins them. Packages for a package
+# manager leave all three out.
+wegslot_module(real_updates FILES app/qt/real_updates.h USES dbus update)
+
+if(WEGSLOT_UPDATES)
+  wegslot_module(update_linux
+    FILES
+      update/linux/desktop_control.cpp update/linux/desktop_control.h
+      update/linux/linux_installer.cpp update/linux/linux_installer.h
+      update/linux/swap_script.h update/linux/tool.cpp update/linux/tool.h
+      update/linux/own_bundle.cpp update/linux/own_bundle.h
+    USES base log replace_file update dbus spawn_linux)
+
+  wegslot_module(update_qt
+    FILES
+      update/qt/qt_background.cpp update/qt/qt_background.h update/qt/qt_http_client.cpp
+      update/qt/qt_http_client.h
+    TESTS update/qt/qt_background_test.cpp
+    USES base update
+    LIBRARIES Qt6::Core Qt6::Network)
+
+  wegslot_module(real_updates_web
+    FILES app/qt/real_updates.cpp
+    USES real_updates app_linux dbus update update_linux update_qt
+    LIBRARIES Qt6::Core Qt6::Network)
+  set(real_updates real_updates_web)
+else()
+  wegslot_module(real_updates_left_out FILES app/qt/real_updates_left_out.cpp USES real_updates)
+  set(real_updates real_updates_left_out)
+endif()
+
+wegslot_module(app_qt
+  FILES
+    app/qt/appearance.h app/qt/application.cpp app/qt/application.h app/qt/bus_pump.cpp
+    app/qt/bus_pump.h app/qt/check.cpp app/qt/check.h app/qt/demo_windows.h app/qt/display.cpp
+    app/qt/display.h app/qt/menu_panel.cpp app/qt/menu_panel.h
+    app/qt/qt_descriptors.cpp app/qt/qt_descriptors.h
+    app/qt/qt_scheduler.cpp app/qt/qt_scheduler.h app/qt/real_world.cpp
+    app/qt/real_world.h app/qt/running_application.cpp app/qt/running_application.h
+    app/qt/snapshot.cpp app/qt/snapshot.h app/qt/status_icon.cpp app/qt/status_icon.h
+    app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
+  TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
+  USES
+    base log settings preferences_file scanner monitor hud hud_linux hud_qt app_model app_commands
+    dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
+    ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
+    ui_ports recording recording_linux replayed_world
+  LIBRARIES Qt6::Widgets)
+target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
+
+wegslot_program(wegslot
+  OUTPUT wegslot
+  FILES app/main.cpp
+  USES app_commands app_qt update
+  LIBRARIES Qt6::Core)
