@@ -14,6 +14,7 @@ from .radio import Radio
 from .waiting import wait_for
 
 BUS_SOCKET = pathlib.Path("/run/dbus/system_bus_socket")
+SESSION_SOCKET = pathlib.Path("/run/session-bus")
 RADIO_SOCKET = pathlib.Path("/run/radio")
 LINK_RSSI = pathlib.Path(__file__).with_name("link_rssi.py")
 VIRTUAL_PORT = pathlib.Path("/dev/vhci")
@@ -38,6 +39,7 @@ class System:
         self.programs = programs
         self.logs = pathlib.Path(os.environ.get("RESULTS", "/run/logs"))
         self.with_login = with_login
+        self.session_bus_daemon: Daemon | None = None
 
     def __enter__(self) -> "System":
         self._load_module()
@@ -60,6 +62,8 @@ class System:
         if self.with_login:
             self.login.end()
         self.bus.close()
+        if self.session_bus_daemon:
+            self.session_bus_daemon.end()
         self.bus_daemon.end()
 
     def start_bluetoothd(self) -> None:
@@ -84,6 +88,20 @@ class System:
     def start_program(self, name: str, command: list[str]) -> Daemon:
         """A program of the test, its output with the other logs."""
         return Daemon(name, command, self.logs)
+
+    def start_session_bus(self) -> None:
+        """For the programs that are started from here on."""
+        self.session_bus_daemon = Daemon(
+            "session-bus",
+            ["dbus-daemon", "--session", "--nofork", f"--address=unix:path={SESSION_SOCKET}"],
+            self.logs,
+        )
+        wait_for(
+            lambda: _accepts_calls(SESSION_SOCKET) or self.session_bus_daemon.check_running(),
+            START_SECONDS,
+            "the session bus listens",
+        )
+        os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={SESSION_SOCKET}"
 
     @staticmethod
     def load_modules(*names: str) -> None:
