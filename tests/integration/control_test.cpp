@@ -2,6 +2,7 @@
 // and by its own command line.
 
 #include "scanner/bluez/device_id.h"
+#include "tests/support/look_alike.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/mocked_logind.h"
 #include "tests/support/own_home.h"
@@ -33,13 +34,17 @@ struct ControlTest : testing::Test {
     std::optional<Program> application;
 
     ControlTest() {
+        plugIn();
+        home.setPreferences(R"({"awayDelay": 1, "lostTimeout": 3, "warningSeconds": 2,)"
+                            R"( "pauseWhileActive": false, "keys": [{"id": ")" +
+                            id + R"(", "name": "Telefoon", "isApple": false, "threshold": -70}]})");
+    }
+
+    void plugIn() {
         bluez.addAdapter();
         bluez.addDevice(
             address, strength,
             {{"AddressType", std::string("public")}, {"Name", std::string("Telefoon")}});
-        home.setPreferences(R"({"awayDelay": 1, "lostTimeout": 3, "warningSeconds": 2,)"
-                            R"( "pauseWhileActive": false, "keys": [{"id": ")" +
-                            id + R"(", "name": "Telefoon", "isApple": false, "threshold": -70}]})");
     }
 
     void start() {
@@ -95,6 +100,40 @@ struct ControlTest : testing::Test {
 };
 
 } // namespace
+
+TEST_F(ControlTest, BusRadioAndTrayThatComeAfterItAreWaitedFor) {
+    const std::string prefix = "unix:path=";
+    const std::string& real = loop.daemon.address();
+    ASSERT_TRUE(real.starts_with(prefix));
+    const std::string socket = real.substr(prefix.size(), real.find(',') - prefix.size());
+    const auto late = home.path() / "bus";
+    variables["DBUS_SYSTEM_BUS_ADDRESS"] = prefix + late.string();
+    variables["DBUS_SESSION_BUS_ADDRESS"] = prefix + late.string();
+    bluez.vanish();
+    const auto near = std::exchange(strength, std::int16_t{0});
+    application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
+    ASSERT_TRUE(happens([this] { return logs("Geen verbinding met de systeembus"); }));
+
+    std::filesystem::create_symlink(socket, late); // now there is one
+    const auto bus = loop.connect();
+    const auto attached = loop.attach(*bus);
+    bool isThere = false;
+    const auto owner = bus->followOwner("nl.wegslot.Wegslot",
+                                        [&isThere](const auto& now) { isThere = now.has_value(); });
+    ASSERT_TRUE(happens([&isThere] { return isThere; })) << home.log();
+    EXPECT_TRUE(wegslot({"status"}).said.starts_with("Bluetooth wordt gestart\n"));
+
+    bluez.appear();
+    strength = near;
+    plugIn();
+    EXPECT_TRUE(happens([this] { return logs("Sleutel in de buurt, bewaking actief"); }))
+        << home.log();
+
+    LookAlike watcher(loop, "org.kde.StatusNotifierWatcher");
+    watcher.on("org.kde.StatusNotifierWatcher.RegisterStatusNotifierItem",
+               [](LookAlike& self, sd_bus_message* call) { self.reply(call); });
+    EXPECT_TRUE(happens([&] { return watcher.calls("RegisterStatusNotifierItem") > 0; }));
+}
 
 TEST_F(ControlTest, WithoutAnInstanceEveryRequestSaysSoInOneLine) {
     for (const Words& words : {Words{"status"},
