@@ -161,10 +161,10 @@ Bijwerken:
 
 Opnemen:
   --record BESTAND [--anonymous]
-                        start Wegslot en schrijf alles wat het van buiten
-                        bereikt naar het bestand, voor wegslot-replay;
-                        --anonymous vervangt de namen en ids; mag samen met
-                        --update-now
+                        schrijf alles wat Wegslot van buiten bereikt naar het
+                        bestand, voor wegslot-replay; draait Wegslot al, dan
+                        dat, tot Ctrl-C, en anders start het ervoor;
+                        --anonymous vervangt de namen en ids
 
 Overig:
   --snapshot BESTAND [--tall]

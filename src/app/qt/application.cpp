@@ -274,6 +274,8 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(preferencesPath.parent_path());
     if (!lock && run != nullptr) {
+        if (run->updateNow && run->recording)
+            return complain("Wegslot draait al: vraag --update-now en --record apart");
         if (auto request = handedOver(*run))
             return ended(ask(*std::move(request), clock, {lock.failure().message, EXIT_FAILURE}));
         if (showsItself(scheduler)) return EXIT_SUCCESS;
