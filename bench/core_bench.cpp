@@ -14,6 +14,8 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -32,13 +34,15 @@ Uuid numbered(std::uint64_t number) {
 
 constexpr std::array<std::uint8_t, 4> makerData{0x4C, 0x00, 0x10, 0x05};
 
-// The core with three keys, one of them in the room, and as many strangers as asked for.
+// The core with some keys, the first devices of the room, and strangers up to as many as asked for.
 class Room {
 public:
-    explicit Room(std::uint64_t devices) : devices_(devices) {
+    explicit Room(std::uint64_t devices, std::uint64_t keys = 3) : devices_(devices) {
         model_.settings().pauseWhileActive.set(false);
-        for (const std::uint64_t key : {0U, 1U, 2U})
-            model_.settings().addKey({.id = numbered(key), .name = "Sleutel"});
+        std::vector<KeyDevice> list;
+        for (std::uint64_t key = 0; key < keys; ++key)
+            list.push_back({.id = numbered(key), .name = "Sleutel", .threshold = Dbm{-75}});
+        model_.settings().keys.set(std::move(list));
         static_cast<void>(model_.monitor());
         central_.setState(CentralState::poweredOn);
         for (int round = 0; round < 8; ++round) {
@@ -78,12 +82,12 @@ void advertisement(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(advertisement)->Arg(20)->Arg(200)->Arg(2000)->Arg(20000);
+BENCHMARK(advertisement)->RangeMultiplier(10)->Range(10, 100'000);
 
-// One tick over devices with eight samples each in the window.
+// One tick over devices and keys with eight samples each in the window.
 void tick(benchmark::State& state) {
     const auto devices = static_cast<std::uint64_t>(state.range(0));
-    Room room(devices);
+    Room room(devices, static_cast<std::uint64_t>(state.range(1)));
     for (auto _ : state) {
         state.PauseTiming();
         // The samples stay as old as they were, so that each tick does the same work.
@@ -95,7 +99,10 @@ void tick(benchmark::State& state) {
         room.time().advance(std::chrono::seconds{1});
     }
 }
-BENCHMARK(tick)->Arg(30)->Arg(300)->Arg(3000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(tick)
+    ->ArgsProduct({{10, 100, 1'000, 10'000, 100'000}, {3}})
+    ->ArgsProduct({{1'000}, {1, 10, 100, 1'000}})
+    ->Unit(benchmark::kMicrosecond);
 
 std::string traceOf(std::size_t advertisements) {
     std::string trace = "{\"t\":0,\"bluetooth\":{\"state\":\"poweredOn\"}}\n";

@@ -1,7 +1,8 @@
-// How long it takes to notice that a key has gone: from its going to `leaving` and to `away`, and
-// until it is near again once it is back. In virtual time, with the default settings, a thousand
-// departures for each way in which a key is followed. The key sends every 0.5 s and is gone at
-// once, each time at another moment.
+// How long it takes to notice: from a key's last strong packet to `leaving`, to the warning and to
+// the lock; from an unlock with the key on the desk until it guards again; from the return of a key
+// that was away to `present`. In virtual time, with the default settings, a thousand departures for
+// each way in which a key is followed. The key sends every 0.5 s and is gone at once, each time at
+// another moment.
 #include "app/app_model.h"
 #include "replay/replayed_platform.h"
 #include "tests/support/captured_log.h"
@@ -27,10 +28,13 @@ struct Case {
     bool filtersDuplicates;
 };
 
+/// Seconds each.
 struct Times {
     std::vector<double> toLeaving;
-    std::vector<double> toAway;
-    std::vector<double> toNear;
+    std::vector<double> toWarning;
+    std::vector<double> toLock;
+    std::vector<double> toArmed;
+    std::vector<double> toPresent;
 };
 
 class Home {
@@ -55,22 +59,33 @@ public:
         time_.advance(20s + phase);
         const TimePoint gone = time_.now();
         radio_.silence(numbered(1));
-        times.toLeaving.push_back(until(KeyState::leaving, gone));
-        times.toAway.push_back(until(KeyState::away, gone));
+        times.toLeaving.push_back(until<phase::Leaving>(gone));
+        times.toWarning.push_back(until<phase::Warning>(gone));
+        times.toLock.push_back(until<phase::Locked>(gone));
+        session_.tell(SessionEvent::locked);
+
+        // Its owner comes back, sits down for a while and unlocks.
         time_.advance(30s + 3 * phase);
+        radio_.speak(numbered(1));
+        time_.advance(10s + phase);
+        const TimePoint unlocked = time_.now();
+        session_.tell(SessionEvent::unlocked);
+        times.toArmed.push_back(until<phase::Present>(unlocked));
+
+        // Away once more, and the warning is cancelled by one who stayed.
+        radio_.silence(numbered(1));
+        static_cast<void>(until<phase::Warning>(time_.now()));
+        model_.monitor().cancelWarning();
+        time_.advance(5s + phase);
         const TimePoint back = time_.now();
         radio_.speak(numbered(1));
-        times.toNear.push_back(until(KeyState::near, back));
+        times.toPresent.push_back(until<phase::Present>(back));
     }
 
 private:
-    double until(KeyState state, TimePoint since) {
-        const auto isIn = [this](KeyState wanted) {
-            const auto& states = model_.monitor().keyStates().get();
-            const auto found = states.find(numbered(1));
-            return found != states.end() && found->second == wanted;
-        };
-        while (!isIn(state) && time_.now() < since + 10min)
+    template <typename Phase>
+    double until(TimePoint since) {
+        while (!is<Phase>(model_.monitor().phase().get()) && time_.now() < since + 10min)
             time_.advance(10ms);
         return Seconds(time_.now() - since).count();
     }
@@ -112,8 +127,10 @@ int main() {
         }
         std::printf("%-42s", what.name);
         print("leaving", times.toLeaving);
-        print("away", times.toAway);
-        print("near again", times.toNear);
+        print("warning", times.toWarning);
+        print("lock", times.toLock);
+        print("armed", times.toArmed);
+        print("present", times.toPresent);
         std::puts("");
     }
     return 0;
