@@ -46,6 +46,20 @@ endfunction()
 
 add_custom_target(pure_tests)
 
+# What nearly every test includes, read once for all of them. A program, because it has to be compiled
+# as they are; it is never built itself.
+function(wegslot_shared_test_headers)
+  if(TARGET wegslot_test_headers)
+    return()
+  endif()
+  file(WRITE "${PROJECT_BINARY_DIR}/test_headers.cpp" "int main() {}\n")
+  add_executable(wegslot_test_headers EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_headers.cpp")
+  target_link_libraries(wegslot_test_headers PRIVATE wegslot_options GTest::gtest_main)
+  target_precompile_headers(wegslot_test_headers PRIVATE
+    <gtest/gtest.h> <algorithm> <array> <chrono> <filesystem> <fstream> <functional> <map> <memory>
+    <optional> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
+endfunction()
+
 # wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE])
 # Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Tests
 # that need nothing but a processor run beside any others, those with real parts one at a time, and
@@ -63,6 +77,11 @@ function(wegslot_test name)
   # A test is compiled more often than it is run: optimising it would double the time of a build.
   if(NOT arg_LABEL STREQUAL "properties")
     target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
+  endif()
+  # GCC gains nothing by it: it reads the whole of them back.
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    wegslot_shared_test_headers()
+    target_precompile_headers(${name} REUSE_FROM wegslot_test_headers)
   endif()
   if(arg_WRAPPER)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
