@@ -1,0 +1,1 @@
+"""What tools/bench measures with, a file for each thing that is measured."""

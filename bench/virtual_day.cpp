@@ -1,0 +1,183 @@
+// Whether the core grows: its memory over hours of virtual time at 100 advertisements a second,
+// with strangers that come and go and a key that leaves, is locked for, and returns every hour.
+// `virtual_day [HOURS [NEWCOMERS]]`, the latter an hour, prints a line an hour: the hour, bytes in
+// use, bytes resident, times locked so far.
+
+#include "app/app_model.h"
+#include "base/virtual_time.h"
+#include "hud/hidden_hud.h"
+#include "model/log.h"
+#include "replay/replayed_platform.h"
+#include "scanner/bluetooth_central.h"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <malloc.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+constexpr std::uint64_t keys = 3;
+constexpr std::uint64_t present = 300;
+constexpr auto interval = 10ms; // 100 a second
+constexpr std::uint64_t reportsAnHour = 360000;
+constexpr auto absence = 10min; ///< of a key, in every hour
+
+Uuid numbered(std::uint64_t number) {
+    Uuid id;
+    std::uint64_t mixed = (number + 1) * 0x9E3779B97F4A7C15U;
+    for (std::size_t i = 0; i < 16; ++i) {
+        id.bytes[i] = static_cast<std::uint8_t>(mixed >> (8 * (i % 8)));
+        if (i == 7) mixed *= 0xD1342543DE82EF95U;
+    }
+    return id;
+}
+
+class ForgettingLog final : public LogDestination {
+public:
+    ForgettingLog() : before_(Log::setDestination(this)) {}
+    ~ForgettingLog() override { Log::setDestination(before_); }
+    void write(std::string_view) override {}
+
+private:
+    LogDestination* before_;
+};
+
+/// A radio that is on and hands on what it hears, and remembers nobody.
+class PassingRadio final : public BluetoothCentral {
+public:
+    void turnOn() { delegate_->didUpdateState(); }
+    void hear(const Advertisement& advertisement) { delegate_->didDiscover(advertisement); }
+
+    void setDelegate(CentralDelegate* delegate) override { delegate_ = delegate; }
+    [[nodiscard]] CentralState state() const override { return CentralState::poweredOn; }
+    [[nodiscard]] CentralAuthorization authorization() const override {
+        return CentralAuthorization::allowedAlways;
+    }
+    void scan() override {}
+    void want(const Wanted&) override {}
+    [[nodiscard]] bool changesAddress(const Uuid&) const override { return false; }
+    [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>&) override { return {}; }
+    [[nodiscard]] PeripheralState peripheralState(const Uuid&) const override {
+        return PeripheralState::disconnected;
+    }
+    [[nodiscard]] std::optional<std::string> peripheralName(const Uuid&) const override {
+        return std::nullopt;
+    }
+    void connect(const Uuid&) override {}
+    void cancelConnection(const Uuid&) override {}
+    void readRSSI(const Uuid&) override {}
+    void discoverServices(const Uuid&, GattUuid) override {}
+    void discoverCharacteristics(const Uuid&, GattUuid, GattUuid) override {}
+    void readValue(const Uuid&, GattUuid) override {}
+
+private:
+    CentralDelegate* delegate_ = nullptr;
+};
+
+class Day {
+public:
+    explicit Day(std::uint64_t newcomers) : newcomers_(newcomers) {
+        Settings& settings = model_.settings();
+        settings.pauseWhileActive.set(false);
+        settings.rule.set(LockRule::anyAway);
+        std::vector<KeyDevice> all;
+        for (std::uint64_t key = 0; key < keys; ++key)
+            all.push_back({.id = numbered(key),
+                           .name = "Sleutel",
+                           .model = {},
+                           .isApple = false,
+                           .threshold = Dbm{-80}});
+        settings.keys.set(std::move(all));
+        static_cast<void>(model_.monitor());
+        radio_.turnOn();
+    }
+
+    void passHour() {
+        const TimePoint begin = time_.now();
+        for (TimePoint now = begin; now < begin + 1h; now = time_.now()) {
+            advertise(now - begin < absence);
+            time_.advance(interval);
+        }
+    }
+    [[nodiscard]] int locks() const { return locks_; }
+
+private:
+    void advertise(bool keyIsAway) {
+        constexpr std::array<std::uint8_t, 4> makerData{0x4C, 0x00, 0x10, 0x05};
+        const std::uint64_t turn = reports_++ % 100;
+        const bool isKey = turn < keys;
+        // The screen says so later than it is asked.
+        if (lockAsked_) tellLocked();
+        if (isKey && turn == 0 && keyIsAway) return;
+        if (isKey && turn == 0 && locked_) tellUnlocked();
+        const std::uint64_t stranger =
+            keys + reports_ * newcomers_ / reportsAnHour + reports_ % present;
+        radio_.hear({.id = numbered(isKey ? turn : stranger),
+                     .rssi = (isKey ? -50 : -60) - static_cast<int>(reports_ % 10),
+                     .manufacturerData = makerData});
+    }
+    void tellLocked() {
+        ++locks_;
+        locked_ = true;
+        lockAsked_ = false;
+        session_.tell(SessionEvent::locked);
+    }
+    void tellUnlocked() {
+        locked_ = false;
+        session_.tell(SessionEvent::unlocked);
+    }
+
+    std::uint64_t newcomers_; ///< an hour
+    ForgettingLog log_;
+    VirtualTime time_{TimePoint{500000h}};
+    MemoryStore store_;
+    PassingRadio radio_;
+    ReplayedSession session_;
+    ReplayedActivity activity_{time_};
+    bool lockAsked_ = false;
+    bool locked_ = false;
+    int locks_ = 0;
+    RecordedLock lock_{[this] { lockAsked_ = true; }};
+    AppModel model_{{store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
+                         return std::make_unique<HiddenHud>();
+                     }}};
+    std::uint64_t reports_ = 0;
+};
+
+long residentBytes() {
+    std::ifstream pages("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    pages >> total >> resident;
+    return resident * sysconf(_SC_PAGESIZE);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const long hours = argc > 1 ? std::strtol(argv[1], nullptr, 10) : 24;
+    Day day(argc > 2 ? std::strtoul(argv[2], nullptr, 10) : 0);
+    for (long hour = 1; hour <= hours; ++hour) {
+        day.passHour();
+        const auto inUse = mallinfo2();
+        std::printf("%ld %zu %ld %d\n", hour, inUse.uordblks + inUse.hblkhd, residentBytes(),
+                    day.locks());
+        std::fflush(stdout);
+    }
+    return EXIT_SUCCESS;
+}
