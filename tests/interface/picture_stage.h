@@ -2,6 +2,7 @@
 // nothing of the user's settings. For pictures of windows.
 #pragma once
 
+#include "base/text.h"
 #include "tests/support/environment.h"
 #include "tests/support/temporary_folder.h"
 
@@ -26,7 +27,7 @@ public:
     /// `scale`: device pixels to one of ours, as a screen of that density has them.
     explicit PictureStage(double scale = 1)
         : environment_({{"QT_QPA_PLATFORM", "offscreen"},
-                        {"QT_SCALE_FACTOR", std::to_string(scale)},
+                        {"QT_SCALE_FACTOR", decimal(scale)},
                         {"FONTCONFIG_FILE", fontConfiguration()},
                         {"XDG_RUNTIME_DIR", folder_.path().string()},
                         {"DISPLAY", ""},
