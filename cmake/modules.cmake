@@ -44,7 +44,9 @@ function(wegslot_program name)
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
+# The tests that need nothing but a processor, and those of them that are without Qt.
 add_custom_target(pure_tests)
+add_custom_target(core_tests)
 
 # There are a hundred programs of tests, and this linker takes half the time of the usual one. (It
 # complains of what the address sanitizer leaves to link.)
@@ -85,9 +87,16 @@ function(wegslot_test name)
   # A test is compiled more often than it is run: optimising it would double the time of a build.
   if(NOT arg_LABEL STREQUAL "properties")
     target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
+  endif()
+  set(has_qt OFF)
+  if("${name};${uses};${arg_LIBRARIES}" MATCHES "qt|Qt" OR arg_LABEL STREQUAL "interface")
+    set(has_qt ON)
+  endif()
+  # Qt has its users compiled otherwise than the headers are.
+  if(NOT has_qt AND NOT arg_LABEL STREQUAL "properties")
     wegslot_shared_test_headers()
     target_precompile_headers(${name} REUSE_FROM wegslot_test_headers)
-    # Where a library wants its users compiled otherwise, GCC reads the headers themselves.
+    # Where another library does too, GCC reads the headers themselves.
     set_target_properties(${name} PROPERTIES PCH_WARN_INVALID OFF)
   endif()
   if(arg_WRAPPER)
@@ -96,6 +105,9 @@ function(wegslot_test name)
   set(company RESOURCE_LOCK real_parts)
   if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
     add_dependencies(pure_tests ${name})
+    if(NOT has_qt)
+      add_dependencies(core_tests ${name})
+    endif()
     set(company)
   endif()
   if(arg_ALONE)
