@@ -67,12 +67,13 @@ function(wegslot_shared_test_headers)
     <optional> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
 endfunction()
 
-# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE])
+# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE] [ANYTIME])
 # Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Tests
 # that need nothing but a processor run beside any others, those with real parts one at a time, and
-# beside one that is ALONE nothing runs: it sees the whole machine, or needs all of it.
+# beside one that is ALONE nothing runs: it sees the whole machine, or needs all of it. One that is good
+# at ANYTIME has real parts and shares none with others.
 function(wegslot_test name)
-  cmake_parse_arguments(arg "ALONE" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
+  cmake_parse_arguments(arg "ALONE;ANYTIME" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
   if(NOT arg_TIMEOUT)
@@ -108,6 +109,9 @@ function(wegslot_test name)
     if(NOT has_qt)
       add_dependencies(core_tests ${name})
     endif()
+    set(company)
+  endif()
+  if(arg_ANYTIME)
     set(company)
   endif()
   if(arg_ALONE)
