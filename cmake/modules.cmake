@@ -106,7 +106,7 @@ function(wegslot_test name)
   set(company RESOURCE_LOCK real_parts)
   if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
     add_dependencies(pure_tests ${name})
-    if(NOT has_qt)
+    if(NOT has_qt AND NOT name MATCHES "controller") # which is a tool of the tests
       add_dependencies(core_tests ${name})
     endif()
     set(company)
