@@ -5,6 +5,7 @@
 
 #include "app/app_model.h"
 #include "base/virtual_time.h"
+#include "bench/spread_id.h"
 #include "hud/hidden_hud.h"
 #include "model/log.h"
 #include "replay/replayed_platform.h"
@@ -29,6 +30,7 @@
 namespace {
 
 using namespace wegslot;
+using bench::spreadId;
 using namespace std::chrono_literals;
 
 constexpr std::uint64_t keys = 3;
@@ -36,16 +38,6 @@ constexpr std::uint64_t present = 300;
 constexpr auto interval = 10ms; // 100 a second
 constexpr std::uint64_t reportsAnHour = 360000;
 constexpr auto absence = 10min; ///< of a key, in every hour
-
-Uuid numbered(std::uint64_t number) {
-    Uuid id;
-    std::uint64_t mixed = (number + 1) * 0x9E3779B97F4A7C15U;
-    for (std::size_t i = 0; i < 16; ++i) {
-        id.bytes[i] = static_cast<std::uint8_t>(mixed >> (8 * (i % 8)));
-        if (i == 7) mixed *= 0xD1342543DE82EF95U;
-    }
-    return id;
-}
 
 class ForgettingLog final : public LogDestination {
 public:
@@ -70,6 +62,7 @@ public:
     }
     void scan() override {}
     void want(const Wanted&) override {}
+    void catchUp() override {}
     [[nodiscard]] bool changesAddress(const Uuid&) const override { return false; }
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>&) override { return {}; }
     [[nodiscard]] PeripheralState peripheralState(const Uuid&) const override {
@@ -97,7 +90,7 @@ public:
         settings.rule.set(LockRule::anyAway);
         std::vector<KeyDevice> all;
         for (std::uint64_t key = 0; key < keys; ++key)
-            all.push_back({.id = numbered(key),
+            all.push_back({.id = spreadId(key),
                            .name = "Sleutel",
                            .model = {},
                            .isApple = false,
@@ -127,7 +120,7 @@ private:
         if (isKey && turn == 0 && locked_) tellUnlocked();
         const std::uint64_t stranger =
             keys + reports_ * newcomers_ / reportsAnHour + reports_ % present;
-        radio_.hear({.id = numbered(isKey ? turn : stranger),
+        radio_.hear({.id = spreadId(isKey ? turn : stranger),
                      .rssi = (isKey ? -50 : -60) - static_cast<int>(reports_ % 10),
                      .manufacturerData = makerData});
     }

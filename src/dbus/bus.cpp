@@ -212,10 +212,11 @@ std::optional<std::chrono::microseconds> Bus::deadline() const {
     return std::chrono::microseconds{static_cast<std::int64_t>(microseconds)};
 }
 
-bool Bus::process(int most) {
-    for (int handled = 0; handled < most; ++handled)
-        if (sd_bus_process(bus_, nullptr) <= 0) return false;
-    return true;
+int Bus::process(int most) {
+    int handled = 0;
+    while (handled < most && sd_bus_process(bus_, nullptr) > 0)
+        ++handled;
+    return handled;
 }
 
 bool Bus::isOpen() const { return sd_bus_is_open(bus_) > 0; }

@@ -94,9 +94,12 @@ public:
     /// When to call `process` at the latest, on CLOCK_MONOTONIC; nothing for never.
     [[nodiscard]] std::optional<std::chrono::microseconds> deadline() const;
 
-    /// Handles what has come in, `most` messages at most. Answers whether there may be more.
-    /// False for ever once the connection is lost; see `isOpen`.
-    bool process(int most = 256);
+    /// Handles what has come in, `most` messages at most, and tells how many: if that is `most`
+    /// there may be more. None for ever once the connection is lost; see `isOpen`.
+    int process(int most = atOnce);
+
+    /// So many that a loop that drives other things too comes back to them soon.
+    static constexpr int atOnce = 256;
 
     [[nodiscard]] bool isOpen() const;
 

@@ -35,6 +35,7 @@ Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
 }
 
 void Monitor::tick(TimePoint now) {
+    judgedAt_ = now;
     scanner_.refreshSnapshot();
     keyStates_.set(presence_.evaluateAll(now));
 

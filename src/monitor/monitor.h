@@ -55,6 +55,9 @@ public:
     /// Of the phase that is assigned last; while listeners of `phase` run, of the new one.
     [[nodiscard]] PhaseCause cause() const { return cause_; }
 
+    /// The instant that is judged, or was last.
+    [[nodiscard]] TimePoint judgedAt() const { return judgedAt_; }
+
     [[nodiscard]] const Observable<KeyStates>& keyStates() const { return keyStates_; }
 
     /// True while the present snooze was asked for by the user.
@@ -107,6 +110,7 @@ private:
     bool screenLocked_ = false;
     std::optional<TimePoint> lockRequestedAt_;
     Beat beat_;
+    TimePoint judgedAt_;
     /// Gone with the monitor: a panel that outlives it has nobody to report to.
     std::shared_ptr<Monitor*> self_ = std::make_shared<Monitor*>(this);
     std::vector<Subscription> subscriptions_;

@@ -31,6 +31,15 @@ public:
 
     void want(const Wanted& wanted) override { central_.want(wanted); }
 
+    void catchUp() override {
+        catchingUp_ = true;
+        central_.catchUp();
+        catchingUp_ = false;
+    }
+
+    /// Whether what is reported now came in before and was only now asked for.
+    [[nodiscard]] bool isCatchingUp() const { return catchingUp_; }
+
     [[nodiscard]] bool changesAddress(const Uuid& id) const override {
         return central_.changesAddress(id);
     }
@@ -115,6 +124,7 @@ private:
     BluetoothCentral& central_;
     CentralDelegate* listener_ = nullptr;
     CentralDelegate* delegate_ = nullptr;
+    bool catchingUp_ = false;
 };
 
 } // namespace wegslot

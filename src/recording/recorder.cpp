@@ -172,7 +172,11 @@ void Recorder::tellKnown(const std::set<Uuid>& ids) {
 
 void Recorder::tell(trace::Event event) {
     if (!isRecording()) return;
-    const auto failure = recording_->tell(std::move(event));
+    // What is read for a tick came before it, so that a replay hears it before that tick too.
+    const TimePoint at = radio_.isCatchingUp()
+                             ? model_.monitor().judgedAt() - std::chrono::milliseconds{1}
+                             : platform_.clock.now();
+    const auto failure = recording_->tell(std::move(event), at);
     if (!failure) return;
     letGo();
     Log::write("Opname gestopt: " + failure->message);

@@ -12,12 +12,11 @@ Recording::Recording(Sink sink, std::optional<Disguise> disguise, ActivityDetect
     : activity(detector, clock),
       sink_(std::move(sink)),
       disguise_(std::move(disguise)),
-      clock_(clock),
       start_(clock.now()) {}
 
-std::optional<Failure> Recording::tell(trace::Event event) {
+std::optional<Failure> Recording::tell(trace::Event event, TimePoint at) {
     // Rounded down: what came before a beat of the core must not come after it.
-    const auto elapsed = std::chrono::floor<std::chrono::milliseconds>(clock_.now() - start_);
+    const auto elapsed = std::chrono::floor<std::chrono::milliseconds>(at - start_);
     last_ = std::max<Nanoseconds>(last_, elapsed);
     remember(event);
     if (disguise_) event = disguise_->disguised(std::move(event));

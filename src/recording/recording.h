@@ -26,8 +26,9 @@ public:
     Recording(Sink sink, std::optional<Disguise> disguise, ActivityDetector& activity,
               const Clock& clock);
 
-    /// A failure is the recording's end: nothing may be told to it any more.
-    [[nodiscard]] std::optional<Failure> tell(trace::Event event);
+    /// What happened `at`; not before the event told last. A failure is the recording's end:
+    /// nothing may be told to it any more.
+    [[nodiscard]] std::optional<Failure> tell(trace::Event event, TimePoint at);
 
     [[nodiscard]] bool isKnown(const Uuid& id) { return !told_.retrieve({id}).empty(); }
 
@@ -43,7 +44,6 @@ private:
 
     Sink sink_;
     std::optional<Disguise> disguise_;
-    const Clock& clock_;
     TimePoint start_;
     Nanoseconds last_{0};
     ReplayedCentral told_;

@@ -54,6 +54,7 @@ public:
     void scan() override;
 
     void want(const Wanted& wanted) override { wanted_ = wanted; }
+    void catchUp() override {}
 
     [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;

@@ -1,6 +1,6 @@
 // The port to a Bluetooth stack in the central role, in the scanner's words. An adapter keeps a
 // state per peripheral and calls its delegate on the core's thread, never from within one of
-// the operations below.
+// the operations below but `catchUp`.
 #pragma once
 
 #include "base/uuid.h"
@@ -92,6 +92,10 @@ public:
 
     /// What is wanted from now on. Holds through every change of the state.
     virtual void want(const Wanted& wanted) = 0;
+
+    /// Tells the delegate now what has come in: for who is about to judge. An adapter may let what
+    /// comes in wait a little, so as to handle it together.
+    virtual void catchUp() = 0;
 
     /// Whether the device hides behind an address that changes and that the stack cannot resolve:
     /// it will soon be a stranger. False for a device that the stack does not know.

@@ -22,6 +22,7 @@ public:
         heard.connect.clear();
         central_.want(heard);
     }
+    void catchUp() override { central_.catchUp(); }
     [[nodiscard]] bool changesAddress(const Uuid& id) const override {
         return central_.changesAddress(id);
     }

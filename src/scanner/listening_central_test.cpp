@@ -59,6 +59,7 @@ TEST_F(ListeningCentralTest, WhatIsToBeConnectedIsWantedAsHeard) {
         }
         void scan() override {}
         void want(const Wanted& told) override { wanted = told; }
+        void catchUp() override {}
         [[nodiscard]] bool changesAddress(const Uuid&) const override { return true; }
         [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>&) override {
             return {numbered(1)};

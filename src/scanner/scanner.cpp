@@ -50,6 +50,7 @@ std::string Scanner::stateDescription() const {
 }
 
 void Scanner::refreshSnapshot() {
+    central_.catchUp();
     const TimePoint now = clock_.now();
     for (const Uuid& id : devices_.forgetStale(watchedIDs(), now))
         if (id != identifier_.identifying()) connections_.release(id);

@@ -37,7 +37,7 @@ public:
     /// The nearby devices, strongest first, as of the last `refreshSnapshot`.
     [[nodiscard]] const Observable<std::vector<SeenDevice>>& snapshot() const { return snapshot_; }
 
-    /// Forgets who has been silent too long and publishes the list anew.
+    /// Hears what has come in, forgets who has been silent too long and publishes the list anew.
     void refreshSnapshot();
 
     /// When the device was last heard; nothing when it is unknown or forgotten.

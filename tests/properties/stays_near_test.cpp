@@ -108,6 +108,7 @@ std::string told(const Situation& s) {
     text << "seed " << s.seed << ": awayDelay " << s.awayDelay << ", lostTimeout " << s.lostTimeout
          << (s.controller.filtersDuplicates ? ", filtering" : ", not filtering") << ", start-up "
          << milliseconds(s.controller.startUp) << ", attempt " << milliseconds(s.controller.attempt)
+         << ", read within " << milliseconds(s.controller.reading)
          << (s.rhythm == DeviceSpec::Rhythm::uneven ? ", uneven" : ", steady") << ", interval "
          << milliseconds(s.interval) << ", " << name(s.way) << ", asked "
          << static_cast<int>(s.asked) << " each " << milliseconds(s.askedInterval) << ", list "

@@ -106,7 +106,7 @@ void BusLoop::turn(int milliseconds) {
         if (descriptors[i].revents != 0 && watched[i]->active) watched[i]->action();
     const auto all = driven_; // handling may attach and detach
     for (const auto& entry : all) {
-        while (entry->bus->isOpen() && entry->bus->process()) {
+        while (entry->bus->isOpen() && entry->bus->process() > 0) {
         }
         if (entry->bus->isOpen() || std::exchange(entry->told, true)) continue;
         if (entry->lost) entry->lost();

@@ -142,14 +142,28 @@ void FakeCentral::advertise(const Uuid& id) {
     if (!listens() || (controller_.filtersDuplicates && device.reported)) return;
     device.reported = true;
     device.known = true;
-    report(id, device.spec);
+    if (onReport) onReport(id);
+    if (controller_.reading == Nanoseconds{0}) return read(id);
+    unread_.push_back(id);
+    if (unread_.size() == 1) reading_ = time_.after(controller_.reading, [this] { catchUp(); });
+}
+
+void FakeCentral::catchUp() {
+    reading_.reset();
+    for (const Uuid& id : std::exchange(unread_, {}))
+        read(id);
+}
+
+void FakeCentral::read(const Uuid& id) {
+    const auto device = devices_.find(id);
+    if (device == devices_.end()) return; // has another identity since
+    report(id, device->second.spec);
     schedule_.heard(id);
     refuseOrWait(id);
     tryConnecting(id);
 }
 
 void FakeCentral::report(const Uuid& id, const DeviceSpec& spec) {
-    if (onReport) onReport(id);
     if (delegate_ == nullptr) return;
     Advertisement advertisement{.id = id, .rssi = spec.rssi};
     if (spec.name) advertisement.peripheralName = *spec.name;

@@ -14,6 +14,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace wegslot {
 
@@ -27,6 +28,8 @@ public:
         Nanoseconds startUp = std::chrono::milliseconds{50};
         /// How long a connection takes to be made, in which nobody is heard.
         Nanoseconds attempt = std::chrono::milliseconds{300};
+        /// For how long a report may wait until it is read together with others.
+        Nanoseconds reading{};
     };
 
     /// The random delay of each advertisement (Bluetooth Core 5.4, volume 6, part B, 4.4.2.2.1).
@@ -50,7 +53,7 @@ public:
     /// The stack learns that the device it called `from` is the one with the identity `to`.
     void bond(const Uuid& from, const Uuid& to);
 
-    /// Told of each report, before the delegate is.
+    /// Told of each report when it comes in; the delegate is when it is read.
     std::function<void(const Uuid&)> onReport;
 
     [[nodiscard]] bool isScanning() const { return schedule_.isScanning(); }
@@ -64,6 +67,7 @@ public:
     }
     void scan() override;
     void want(const Wanted& wanted) override;
+    void catchUp() override;
     [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;
     [[nodiscard]] PeripheralState peripheralState(const Uuid& id) const override;
@@ -102,6 +106,7 @@ private:
     [[nodiscard]] Nanoseconds nextInterval(const DeviceSpec& spec);
     void advertiseAfter(const Uuid& id, Nanoseconds delay);
     void advertise(const Uuid& id);
+    void read(const Uuid& id);
     void report(const Uuid& id, const DeviceSpec& spec);
     void listenForKeys();
     void refuseOrWait(const Uuid& id);
@@ -123,6 +128,8 @@ private:
     std::map<Uuid, PeripheralState> standings_; ///< of those that are not disconnected
     std::set<Uuid> again_; ///< to be connected once the connection that ends has ended
     std::optional<TimePoint> listeningFrom_;
+    std::vector<Uuid> unread_;
+    Timer reading_;
     std::optional<Attempt> attempt_;
     int attempts_ = 0;
     ScanSchedule schedule_;

@@ -8,7 +8,8 @@ namespace wegslot {
 RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own)
     : systemBus(dbus::Bus::openSystem, pump, scheduler),
       sessionBus(dbus::Bus::openSession, pump, scheduler),
-      bluetoothBus(dbus::Bus::openSystem, pump, scheduler, dbus::Connection::Complaints::none),
+      bluetoothBus(dbus::Bus::openSystem, pumpInBatches, scheduler,
+                   dbus::Connection::Complaints::none),
       links(descriptors, scheduler),
       central(bluetoothBus, scheduler, clock, links),
       session(systemBus),

@@ -151,6 +151,10 @@ void BluezCentral::want(const Wanted& wanted) {
     listenForKeys();
 }
 
+void BluezCentral::catchUp() {
+    if (bus_ != nullptr) bus_->process();
+}
+
 void BluezCentral::listenForKeys() {
     std::set<Uuid> keys = wanted_.hear;
     for (const Uuid& id : wanted_.connect)

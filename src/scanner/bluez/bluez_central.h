@@ -56,6 +56,7 @@ public:
     }
     void scan() override;
     void want(const Wanted& wanted) override;
+    void catchUp() override;
     [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     /// All of them: what was not heard yet is connected when it is.
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;

@@ -1,0 +1,110 @@
+// Reports that wait a little until they are read together, and are all read before each judgement:
+// a recording of that is judged by a replay, which reads each at once, as it was judged live.
+#include "app/app_model.h"
+#include "recording/recorder.h"
+#include "replay/replay.h"
+#include "replay/replayed_platform.h"
+#include "tests/support/captured_log.h"
+#include "tests/support/dice.h"
+#include "tests/support/fake_central.h"
+#include "tests/support/world.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// The states of the keys, each with its time in milliseconds.
+using Judgements = std::vector<std::string>;
+
+/// A key that comes and goes, heard by a radio that is always read late.
+class Home {
+public:
+    explicit Home(std::uint64_t seed)
+        : dice_(seed),
+          radio_(time_, {.filtersDuplicates = false, .reading = 100ms}, seed) {
+        model_.settings().keys.set({keyNamed("Telefoon", 1)});
+        recorder_.emplace(
+            model_, tap_, Monitor::Platform{time_, time_, session_, activity_, lock_},
+            [] { return Uuid{}; }, Recorder::Request{.sink = [this](std::string_view line) {
+                trace_ += line;
+                return std::optional<Failure>();
+            }});
+        judging_ = model_.monitor().keyStates().onChange([this](const KeyStates& states) {
+            if (states.empty() || states == before_) return;
+            before_ = states;
+            judgements.push_back(std::to_string((time_.now() - World::start) / 1ms) + " " +
+                                 std::string(name(states.begin()->second)));
+        });
+        radio_.add(numbered(1), {.interval = 170ms}, 30ms);
+        radio_.setPowered(true);
+    }
+
+    std::string live() {
+        for (int times = 0; times < 20; ++times) {
+            time_.advance(std::chrono::milliseconds{dice_.between(2'000, 20'000)});
+            radio_.silence(numbered(1));
+            time_.advance(std::chrono::milliseconds{dice_.between(2'000, 20'000)});
+            radio_.speak(numbered(1));
+        }
+        recorder_->stop();
+        return trace_;
+    }
+
+    Judgements judgements;
+
+private:
+    Dice dice_;
+    CapturedLog log_;
+    VirtualTime time_{World::start};
+    MemoryStore store_;
+    FakeCentral radio_;
+    CentralTap tap_{radio_};
+    ReplayedSession session_;
+    ReplayedActivity activity_{time_};
+    RecordedLock lock_{[] {}};
+    AppModel model_{{store_, tap_, {time_, time_, session_, activity_, lock_}, [] {
+                         return std::make_unique<RecordedHud>([](const Warning*) {});
+                     }}};
+    std::optional<Recorder> recorder_;
+    std::string trace_;
+    KeyStates before_;
+    Subscription judging_;
+};
+
+Judgements replayed(const std::string& trace) {
+    constexpr std::string_view mark = ",\"keyStates\":{\"";
+    Judgements judgements;
+    std::istringstream input(trace);
+    Replay replay(
+        [&](std::string_view line) {
+            const auto at = line.find(mark);
+            if (at == std::string_view::npos) return;
+            const double seconds = std::stod(std::string(line.substr(5)));
+            const auto state = line.substr(line.find("\":\"", at + mark.size()) + 3);
+            judgements.push_back(std::to_string(std::llround(seconds * 1000)) + " " +
+                                 std::string(state.substr(0, state.find('"'))));
+        },
+        {});
+    EXPECT_TRUE(replay.run(input));
+    return judgements;
+}
+
+} // namespace
+
+TEST(ReadLate, AReplayJudgesAtTheSameTicks) {
+    int changes = 0;
+    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+        Home home(seed);
+        EXPECT_EQ(replayed(home.live()), home.judgements) << "seed " << seed;
+        changes += static_cast<int>(home.judgements.size());
+    }
+    EXPECT_GT(changes, 1000); // or nothing was compared
+}
