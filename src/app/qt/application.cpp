@@ -239,7 +239,7 @@ std::unique_ptr<QCoreApplication> applicationFor(const Command& command, int& ar
         return windowedApplication(argc, argv);
     if (std::holds_alternative<command::Snapshot>(command))
         return screenlessApplication(argc, argv);
-    return std::make_unique<QCoreApplication>(argc, argv);
+    return plainApplication(argc, argv);
 }
 
 } // namespace

@@ -5,14 +5,36 @@
 namespace wegslot {
 namespace {
 
-constexpr auto choice = "QT_QPA_PLATFORM";
+/// A choice that Qt reads in the environment while the application is made: ours alone, not that of
+/// the programs we start. Another's choice stays.
+class Choice {
+public:
+    Choice(const char* name, const std::string& value)
+        : name_(name),
+          isOurs_(qEnvironmentVariableIsEmpty(name)) {
+        if (isOurs_) qputenv(name_, value.c_str());
+    }
+    Choice(const Choice&) = delete;
+    Choice& operator=(const Choice&) = delete;
+    ~Choice() {
+        if (isOurs_) qunsetenv(name_);
+    }
+
+private:
+    const char* name_;
+    bool isOurs_;
+};
+
+/// Nothing here needs GLib's loop, which takes twice as many system calls to turn.
+struct OwnLoop : Choice {
+    OwnLoop() : Choice("QT_NO_GLIB", "1") {}
+};
 
 std::unique_ptr<QCoreApplication> applicationOn(const std::string& platforms, int& argc,
                                                 char** argv) {
-    const bool isChosen = !qEnvironmentVariableIsEmpty(choice);
-    if (!isChosen) qputenv(choice, platforms.c_str());
+    const OwnLoop loop;
+    const Choice platform("QT_QPA_PLATFORM", platforms);
     auto application = std::make_unique<QApplication>(argc, argv);
-    if (!isChosen) qunsetenv(choice); // ours alone, not that of the programs we start
     QApplication::setQuitOnLastWindowClosed(false);
     return application;
 }
@@ -33,6 +55,11 @@ std::unique_ptr<QCoreApplication> windowedApplication(int& argc, char** argv) {
 
 std::unique_ptr<QCoreApplication> screenlessApplication(int& argc, char** argv) {
     return applicationOn("offscreen", argc, argv);
+}
+
+std::unique_ptr<QCoreApplication> plainApplication(int& argc, char** argv) {
+    const OwnLoop loop;
+    return std::make_unique<QCoreApplication>(argc, argv);
 }
 
 bool placesWindows() { return QGuiApplication::platformName() == "xcb"; }

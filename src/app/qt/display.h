@@ -24,6 +24,9 @@ namespace wegslot {
 /// Qt's application object with windows that nobody sees.
 [[nodiscard]] std::unique_ptr<QCoreApplication> screenlessApplication(int& argc, char** argv);
 
+/// Qt's application object without windows.
+[[nodiscard]] std::unique_ptr<QCoreApplication> plainApplication(int& argc, char** argv);
+
 /// Whether the application's windows can be put in front of everything.
 [[nodiscard]] bool placesWindows();
 
