@@ -2,6 +2,7 @@
 
 #include "app/app_model.h"
 #include "base/virtual_time.h"
+#include "bench/spread_id.h"
 #include "hud/hidden_hud.h"
 #include "replay/replay.h"
 #include "replay/replayed_central.h"
@@ -20,17 +21,7 @@
 namespace {
 
 using namespace wegslot;
-
-Uuid numbered(std::uint64_t number) {
-    // Spread like the hashes that real identifiers are.
-    Uuid id;
-    std::uint64_t mixed = (number + 1) * 0x9E3779B97F4A7C15U;
-    for (std::size_t i = 0; i < 16; ++i) {
-        id.bytes[i] = static_cast<std::uint8_t>(mixed >> (8 * (i % 8)));
-        if (i == 7) mixed *= 0xD1342543DE82EF95U;
-    }
-    return id;
-}
+using bench::spreadId;
 
 constexpr std::array<std::uint8_t, 4> makerData{0x4C, 0x00, 0x10, 0x05};
 
@@ -41,7 +32,7 @@ public:
         model_.settings().pauseWhileActive.set(false);
         std::vector<KeyDevice> list;
         for (std::uint64_t key = 0; key < keys; ++key)
-            list.push_back({.id = numbered(key), .name = "Sleutel", .threshold = Dbm{-75}});
+            list.push_back({.id = spreadId(key), .name = "Sleutel", .threshold = Dbm{-75}});
         model_.settings().keys.set(std::move(list));
         static_cast<void>(model_.monitor());
         central_.setState(CentralState::poweredOn);
@@ -53,7 +44,7 @@ public:
     }
 
     void hear(std::uint64_t device, int rssi) {
-        central_.advertise({.id = numbered(device), .rssi = rssi, .manufacturerData = makerData});
+        central_.advertise({.id = spreadId(device), .rssi = rssi, .manufacturerData = makerData});
     }
     VirtualTime& time() { return time_; }
 
@@ -109,7 +100,7 @@ std::string traceOf(std::size_t advertisements) {
     for (std::size_t i = 0; i < advertisements; ++i) {
         const std::string milliseconds = std::to_string(1000 + i * 2 % 1000).substr(1);
         trace += "{\"t\":" + std::to_string(i * 2 / 1000) + "." + milliseconds +
-                 ",\"advertisement\":{\"id\":\"" + numbered(i % 200).text() + "\",\"rssi\":-" +
+                 ",\"advertisement\":{\"id\":\"" + spreadId(i % 200).text() + "\",\"rssi\":-" +
                  std::to_string(40 + i % 50) + ",\"manufacturerData\":\"4c001005\"}}\n";
     }
     return trace;

@@ -26,7 +26,7 @@ wegslot_module(bluez
     scanner/bluez/device_id_test.cpp scanner/bluez/hci_wire_test.cpp
     scanner/bluez/hearing_test.cpp scanner/bluez/loss_text_test.cpp
   USES base log scanner dbus
-  LIBRARIES OpenSSL::Crypto)
+  LIBRARIES PkgConfig::NETTLE)
 
 wegslot_module(spawn_linux
   FILES platform/linux/spawn.cpp platform/linux/spawn.h

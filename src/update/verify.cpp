@@ -2,24 +2,19 @@
 
 #include "update/base64.h"
 
-#include <openssl/evp.h>
+#include <nettle/eddsa.h>
+#include <nettle/sha2.h>
 
 #include <array>
-#include <memory>
 
 namespace wegslot {
-namespace {
-
-using Key = std::unique_ptr<EVP_PKEY, void (*)(EVP_PKEY*)>;
-using Context = std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)>;
-
-} // namespace
 
 std::string sha256(std::span<const std::uint8_t> bytes) {
-    std::array<std::uint8_t, 32> digest{};
-    unsigned size = 0;
-    if (EVP_Digest(bytes.data(), bytes.size(), digest.data(), &size, EVP_sha256(), nullptr) != 1)
-        return {};
+    sha256_ctx context{};
+    std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
+    sha256_init(&context);
+    sha256_update(&context, bytes.size(), bytes.data());
+    sha256_digest(&context, digest.size(), digest.data());
     constexpr std::string_view digits = "0123456789abcdef";
     std::string text;
     for (const std::uint8_t byte : digest) {
@@ -32,16 +27,8 @@ std::string sha256(std::span<const std::uint8_t> bytes) {
 bool isSigned(std::span<const std::uint8_t> bytes, std::string_view signature,
               const PublicKey& key) {
     const auto decoded = decodeBase64(signature);
-    if (!decoded) return false;
-    const Key owner(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, key.data(), key.size()),
-                    EVP_PKEY_free);
-    const Context context(EVP_MD_CTX_new(), EVP_MD_CTX_free);
-    if (!owner || !context) return false;
-    // Ed25519 brings its own hash; a signature of another size fails to verify.
-    if (EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, owner.get()) != 1)
-        return false;
-    return EVP_DigestVerify(context.get(), decoded->data(), decoded->size(), bytes.data(),
-                            bytes.size()) == 1;
+    if (!decoded || decoded->size() != ED25519_SIGNATURE_SIZE) return false;
+    return ed25519_sha512_verify(key.data(), bytes.size(), bytes.data(), decoded->data()) == 1;
 }
 
 } // namespace wegslot

@@ -1,10 +1,11 @@
 #include "scanner/bluez/device_id.h"
 
-#include <openssl/evp.h>
+#include <nettle/sha1.h>
 
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 namespace wegslot {
 namespace {
@@ -30,10 +31,13 @@ bool isChangingAddress(std::string_view address, std::string_view type) {
 }
 
 Uuid nameBased(const Uuid& space, std::string_view name) {
-    std::string input(space.bytes.begin(), space.bytes.end());
-    input += name;
-    std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
-    EVP_Digest(input.data(), input.size(), hash.data(), nullptr, EVP_sha1(), nullptr);
+    sha1_ctx context{};
+    std::array<std::uint8_t, SHA1_DIGEST_SIZE> hash{};
+    sha1_init(&context);
+    sha1_update(&context, space.bytes.size(), space.bytes.data());
+    const std::vector<std::uint8_t> text(name.begin(), name.end());
+    sha1_update(&context, text.size(), text.data());
+    sha1_digest(&context, hash.size(), hash.data());
     Uuid id;
     std::copy_n(hash.begin(), id.bytes.size(), id.bytes.begin());
     id.bytes[6] = static_cast<std::uint8_t>((id.bytes[6] & 0x0FU) | 0x50U); // version 5
