@@ -2,10 +2,10 @@
 
 #include "app/app_model.h"
 #include "base/virtual_time.h"
+#include "bench/passing_radio.h"
 #include "bench/spread_id.h"
 #include "hud/hidden_hud.h"
 #include "replay/replay.h"
-#include "replay/replayed_central.h"
 #include "replay/replayed_platform.h"
 
 #include <benchmark/benchmark.h>
@@ -21,6 +21,7 @@
 namespace {
 
 using namespace wegslot;
+using bench::PassingRadio;
 using bench::spreadId;
 
 constexpr std::array<std::uint8_t, 4> makerData{0x4C, 0x00, 0x10, 0x05};
@@ -35,7 +36,7 @@ public:
             list.push_back({.id = spreadId(key), .name = "Sleutel", .threshold = Dbm{-75}});
         model_.settings().keys.set(std::move(list));
         static_cast<void>(model_.monitor());
-        central_.setState(CentralState::poweredOn);
+        central_.turnOn();
         for (int round = 0; round < 8; ++round) {
             for (std::uint64_t device = 0; device < devices_; ++device)
                 hear(device, -60);
@@ -44,7 +45,7 @@ public:
     }
 
     void hear(std::uint64_t device, int rssi) {
-        central_.advertise({.id = spreadId(device), .rssi = rssi, .manufacturerData = makerData});
+        central_.hear({.id = spreadId(device), .rssi = rssi, .manufacturerData = makerData});
     }
     VirtualTime& time() { return time_; }
 
@@ -52,7 +53,7 @@ private:
     std::uint64_t devices_;
     VirtualTime time_{TimePoint{std::chrono::hours{500000}}};
     MemoryStore store_;
-    ReplayedCentral central_;
+    PassingRadio central_;
     ReplayedSession session_;
     ReplayedActivity activity_{time_};
     RecordedLock lock_{[] {}};

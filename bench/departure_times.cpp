@@ -22,6 +22,7 @@ namespace {
 constexpr int departures = 1000;
 constexpr Nanoseconds interval = 500ms; ///< between two advertisements of the key
 constexpr Nanoseconds startUp = 50ms;   ///< of a scan
+constexpr Nanoseconds reading = 100ms;  ///< at most, while the bus is busy
 constexpr Nanoseconds step = 10ms;      ///< between two looks at the phase
 
 struct Case {
@@ -43,7 +44,10 @@ struct Times {
 class Home {
 public:
     Home(const Case& what, std::uint64_t seed)
-        : radio_(time_, {.filtersDuplicates = what.filtersDuplicates, .startUp = startUp}, seed),
+        : radio_(
+              time_,
+              {.filtersDuplicates = what.filtersDuplicates, .startUp = startUp, .reading = reading},
+              seed),
           model_({store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
                       return std::make_unique<RecordedHud>([](const Warning*) {});
                   }}) {
@@ -118,8 +122,9 @@ void print(const Case& followed, const Times& times) {
     MemoryStore store;
     const Settings defaults(store);
     constexpr Nanoseconds tick = Monitor::tickInterval;
-    const Nanoseconds answers = followed.connected ? FakeCentral::supervision : Nanoseconds{0};
-    const Nanoseconds leaving = answers + DeviceTable::smoothingWindow + tick;
+    // For so long a key seems to be heard that is not.
+    const Nanoseconds after = followed.connected ? FakeCentral::supervision : reading;
+    const Nanoseconds leaving = after + DeviceTable::smoothingWindow + tick;
     const Nanoseconds warning = leaving + rounded(defaults.awayDelay.get());
     // A key whose link has to be made sends once more after it was heard.
     const Nanoseconds sends = interval + FakeCentral::longestDelay;

@@ -156,9 +156,9 @@ bool Reader::structures(const char* contents, const std::function<void(Reader& f
 }
 
 bool Reader::variant(const std::function<void(Reader& value)>& visit) {
-    if (nextType(message_) != 'v') return false;
+    char type = 0;
     const char* contents = nullptr;
-    if (sd_bus_message_peek_type(message_, nullptr, &contents) <= 0) return false;
+    if (sd_bus_message_peek_type(message_, &type, &contents) <= 0 || type != 'v') return false;
     if (sd_bus_message_enter_container(message_, 'v', contents) <= 0) return false;
     visit(*this);
     skipRest();

@@ -136,7 +136,7 @@ TEST_F(PreferencesFileTest, KeysAreStoredAsReadableRecords) {
     {
         PreferencesFile store(file, time);
         Settings settings(store);
-        settings.addKey({.id = numbered(1), .name = "Telefoon", .rssi = Dbm{-60}});
+        settings.addKey({.id = numbered(1), .rssi = Dbm{-60}, .name = "Telefoon"});
     }
     EXPECT_NE(content().find("\"name\": \"Telefoon\""), std::string::npos);
     PreferencesFile store(file, time);

@@ -121,10 +121,10 @@ TEST_F(SettingsTest, TheStartingThresholdIs15BelowTheSignalWithinItsRange) {
 
 TEST_F(SettingsTest, AKeyCopiesWhatIsKnownOfTheDevice) {
     settings.addKey({.id = numbered(7),
-                     .name = std::nullopt,
-                     .model = "iPhone14,2",
                      .continuityType = 0x10,
-                     .rssi = Dbm{-60}});
+                     .rssi = Dbm{-60},
+                     .name = std::nullopt,
+                     .model = "iPhone14,2"});
     EXPECT_EQ(settings.keys.get(), (std::vector{KeyDevice{.id = numbered(7),
                                                           .name = "iPhone",
                                                           .model = "iPhone14,2",

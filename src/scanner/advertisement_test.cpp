@@ -70,7 +70,7 @@ TEST(SeenDevice, AnyOtherTypeIsTheMakers) {
 }
 
 TEST(SeenDevice, IsCalledByItsNameThenByItsModel) {
-    SeenDevice device{.name = "Telefoon", .model = "iPhone14,2", .continuityType = 0x10};
+    SeenDevice device{.continuityType = 0x10, .name = "Telefoon", .model = "iPhone14,2"};
     EXPECT_EQ(device.displayName(), "Telefoon");
     device.name = "";
     EXPECT_EQ(device.displayName(), "iPhone");
@@ -79,7 +79,7 @@ TEST(SeenDevice, IsCalledByItsNameThenByItsModel) {
 }
 
 TEST(SeenDevice, IsComparedFieldByField) {
-    const SeenDevice device{.name = "a", .model = "b", .continuityType = 3, .rssi = Dbm{-50}};
+    const SeenDevice device{.continuityType = 3, .rssi = Dbm{-50}, .name = "a", .model = "b"};
     SeenDevice other = device;
     EXPECT_EQ(device, other);
     other.lastSeen += std::chrono::nanoseconds{1};

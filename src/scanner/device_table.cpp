@@ -8,16 +8,18 @@ namespace {
 // Weaker than any radio hears, so that devices without a signal come last.
 constexpr Dbm unheard{-200.0};
 
-void fillFrom(SeenDevice& device, const SeenDevice& other) {
+void fillFrom(DeviceTable::Record& device, const DeviceTable::Record& other) {
     if (!device.name) device.name = other.name;
     if (!device.model) device.model = other.model;
     if (!device.continuityType) device.continuityType = other.continuityType;
     device.lastSeen = std::max(device.lastSeen, other.lastSeen);
+    device.isHeld = device.isHeld || other.isHeld;
+    device.isLogged = device.isLogged || other.isLogged;
 }
 
 } // namespace
 
-SeenDevice& DeviceTable::addSample(const Uuid& id, int rssi, TimePoint now) {
+DeviceTable::Record& DeviceTable::addSample(const Uuid& id, int rssi, TimePoint now) {
     Entry& entry = entries_[id];
     entry.samples.add(now, rssi);
     entry.device.id = id;
@@ -54,17 +56,27 @@ std::vector<Uuid> DeviceTable::forgetStale(const std::set<Uuid>& watched, TimePo
 }
 
 std::vector<SeenDevice> DeviceTable::snapshot(TimePoint now) const {
-    std::vector<SeenDevice> list;
-    list.reserve(entries_.size());
-    for (const auto& [id, entry] : entries_) {
-        list.push_back(entry.device);
-        list.back().rssi = entry.samples.median(now, smoothingWindow);
-    }
-    std::sort(list.begin(), list.end(), [](const SeenDevice& a, const SeenDevice& b) {
+    // Sorted before they are copied, for a device is large.
+    struct Ranked {
+        std::optional<Dbm> rssi;
+        Uuid id;
+        const SeenDevice* device;
+    };
+    std::vector<Ranked> ranks;
+    ranks.reserve(entries_.size());
+    for (const auto& [id, entry] : entries_)
+        ranks.push_back({entry.samples.median(now, smoothingWindow), id, &entry.device});
+    std::ranges::sort(ranks, [](const Ranked& a, const Ranked& b) {
         const Dbm signalA = a.rssi.value_or(unheard);
         const Dbm signalB = b.rssi.value_or(unheard);
         return signalA != signalB ? signalA > signalB : a.id < b.id;
     });
+    std::vector<SeenDevice> list;
+    list.reserve(ranks.size());
+    for (const Ranked& ranked : ranks) {
+        list.push_back(*ranked.device);
+        list.back().rssi = ranked.rssi;
+    }
     return list;
 }
 

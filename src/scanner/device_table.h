@@ -13,6 +13,12 @@ namespace wegslot {
 
 class DeviceTable {
 public:
+    /// A device with what the scanner notes of it, to look it up once for each advertisement.
+    struct Record : SeenDevice {
+        bool isHeld = false;   ///< its peripheral is
+        bool isLogged = false; ///< it has been
+    };
+
     /// An unwatched device that was not heard for longer is forgotten.
     static constexpr Nanoseconds staleAge = std::chrono::seconds{120};
 
@@ -21,7 +27,7 @@ public:
     static constexpr Nanoseconds smoothingWindow = std::chrono::seconds{5};
 
     /// Adds a sample taken `now`, making the record when there is none. `rssi` is not checked.
-    SeenDevice& addSample(const Uuid& id, int rssi, TimePoint now);
+    Record& addSample(const Uuid& id, int rssi, TimePoint now);
 
     /// Null when the device is unknown.
     [[nodiscard]] SeenDevice* find(const Uuid& id);
@@ -38,7 +44,8 @@ public:
     [[nodiscard]] std::vector<SeenDevice> snapshot(TimePoint now) const;
 
     /// `from` turned out to be `to`: its record and samples move there. The name, model and type
-    /// that `to` has already stay; it was last seen when either was.
+    /// that `to` has already stay; it was last seen when either was, and what is noted of either is
+    /// of both.
     void move(const Uuid& from, const Uuid& to);
 
     /// Calls `visit` with each record, in no particular order.
@@ -49,9 +56,10 @@ public:
     }
 
 private:
+    // What every advertisement touches stands together: with many devices that is what it costs.
     struct Entry {
-        SeenDevice device;
         SignalHistory samples;
+        Record device;
     };
 
     std::unordered_map<Uuid, Entry> entries_;

@@ -72,13 +72,14 @@ TEST_F(DeviceTableTest, ADeviceThatTurnsOutToBeAnotherMovesThere) {
     EXPECT_EQ(table.find(numbered(1)), nullptr);
     EXPECT_EQ(table.snapshot(start),
               (std::vector{SeenDevice{
-                  .id = numbered(2), .name = "Telefoon", .rssi = Dbm{-60}, .lastSeen = start}}));
+                  .id = numbered(2), .lastSeen = start, .rssi = Dbm{-60}, .name = "Telefoon"}}));
 }
 
 TEST_F(DeviceTableTest, WhatTheOtherHasAlreadyWinsAndSamplesMerge) {
     auto& from = table.addSample(numbered(1), -60, start);
     from.name = "oud";
     from.model = "iPhone14,2";
+    from.isHeld = true;
     table.addSample(numbered(1), -62, start + 2s);
     table.addSample(numbered(2), -80, start + 1s).name = "nieuw";
     table.move(numbered(1), numbered(2));
@@ -88,6 +89,7 @@ TEST_F(DeviceTableTest, WhatTheOtherHasAlreadyWinsAndSamplesMerge) {
     EXPECT_EQ(snapshot[0].model, "iPhone14,2");
     EXPECT_EQ(snapshot[0].rssi, Dbm{-62}); // of -60, -80 and -62
     EXPECT_EQ(snapshot[0].lastSeen, start + 2s);
+    EXPECT_TRUE(table.addSample(numbered(2), -60, start + 2s).isHeld);
 }
 
 TEST_F(DeviceTableTest, MovingToItselfOrFromNowhereChangesNothing) {

@@ -109,8 +109,8 @@ void Scanner::didUpdateState() {
 void Scanner::didDiscover(const Advertisement& advertisement) {
     if (!isMeasured(advertisement.rssi) || !isWanted(advertisement)) return;
 
-    connections_.hold(advertisement.id);
-    SeenDevice& device = devices_.addSample(advertisement.id, advertisement.rssi, clock_.now());
+    auto& device = devices_.addSample(advertisement.id, advertisement.rssi, clock_.now());
+    if (!std::exchange(device.isHeld, true)) connections_.hold(advertisement.id);
     // What this advertisement lacks, an earlier one may have told.
     if (const auto type = advertisement.continuityType()) device.continuityType = type;
     if (const auto name = advertisement.name(); !name.empty()) device.name = name;
@@ -126,8 +126,9 @@ bool Scanner::isWanted(const Advertisement& advertisement) const {
     return type != 0x07 && type != 0x12;
 }
 
-void Scanner::logFirstSight(const SeenDevice& device, int rssi) {
-    if (rssi < loggedFrom || !loggedDevices_.insert(device.id).second) return;
+void Scanner::logFirstSight(DeviceTable::Record& device, int rssi) {
+    if (rssi < loggedFrom || std::exchange(device.isLogged, true)) return;
+    if (!loggedDevices_.insert(device.id).second) return;
     Log::write("Gezien: " + device.id.text() + " naam=" + printable(device.name.value_or("-")) +
                " type=" + (device.continuityType ? hexadecimal(*device.continuityType) : "-") +
                " rssi=" + std::to_string(rssi));

@@ -98,7 +98,7 @@ private:
     void keysChanged();
     void want();
     [[nodiscard]] bool isWanted(const Advertisement& advertisement) const;
-    void logFirstSight(const SeenDevice& device, int rssi);
+    void logFirstSight(DeviceTable::Record& device, int rssi);
 
     BluetoothCentral& central_;
     const Clock& clock_;
@@ -106,7 +106,7 @@ private:
     Observable<std::vector<SeenDevice>> snapshot_;
     Observable<bool> discovery_{false};
     DeviceTable devices_;
-    std::unordered_set<Uuid> loggedDevices_;
+    std::unordered_set<Uuid> loggedDevices_; ///< also those that are forgotten
     bool includeOtherDevices_ = false;
     KeyConnections connections_;
     ModelIdentifier identifier_;

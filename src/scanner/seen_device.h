@@ -14,11 +14,11 @@ namespace wegslot {
 
 struct SeenDevice {
     Uuid id;
-    std::optional<std::string> name;            ///< as advertised or kept by the stack
-    std::optional<std::string> model;           ///< model number, read over GATT
+    TimePoint lastSeen;                         ///< when the last accepted sample arrived
     std::optional<std::uint8_t> continuityType; ///< see Advertisement::continuityType
     std::optional<Dbm> rssi;                    ///< smoothed; absent without recent samples
-    TimePoint lastSeen;                         ///< when the last accepted sample arrived
+    std::optional<std::string> name;            ///< as advertised or kept by the stack
+    std::optional<std::string> model;           ///< model number, read over GATT
 
     [[nodiscard]] bool isApple() const;
 

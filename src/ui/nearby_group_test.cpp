@@ -24,11 +24,11 @@ struct NearbyGroupTest : testing::Test {
 
     SeenDevice& add(unsigned number, std::optional<std::string> name = {}) {
         devices.push_back({.id = numbered(number),
-                           .name = std::move(name),
-                           .model = {},
+                           .lastSeen = now,
                            .continuityType = std::uint8_t{0x10},
                            .rssi = Dbm{-60},
-                           .lastSeen = now});
+                           .name = std::move(name),
+                           .model = {}});
         return devices.back();
     }
 

@@ -71,8 +71,13 @@ bool readStanding(std::string_view name, dbus::Reader& value, Device& device) {
 } // namespace
 
 const Device* ObjectTree::device(std::string_view path) const {
-    const auto found = devices_.find(std::string(path));
+    const auto found = devices_.find(path);
     return found == devices_.end() ? nullptr : &found->second;
+}
+
+Device& ObjectTree::made(std::string_view path) {
+    const auto found = devices_.find(path);
+    return found == devices_.end() ? devices_[std::string(path)] : found->second;
 }
 
 void ObjectTree::readAdapter(std::string_view path, dbus::Reader& properties) {
@@ -90,7 +95,7 @@ void ObjectTree::readAdapter(std::string_view path, dbus::Reader& properties) {
 }
 
 DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& properties) {
-    Device& device = devices_[std::string(path)];
+    Device& device = made(path);
     DeviceNews news;
     bool moved = false;
     properties.properties([&](std::string_view name, dbus::Reader& value) {
@@ -119,7 +124,7 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
 }
 
 DeviceNews ObjectTree::readBearer(std::string_view path, dbus::Reader& properties) {
-    Device& device = devices_[std::string(path)];
+    Device& device = made(path);
     if (!device.lowEnergyConnected) device.lowEnergyConnected = false;
     DeviceNews news;
     properties.properties([&](std::string_view name, dbus::Reader& value) {
@@ -160,14 +165,14 @@ void ObjectTree::setMonitors(std::string_view adapterPath, bool offered) {
 void ObjectTree::removeAdapter(std::string_view path) { adapters_.erase(std::string(path)); }
 
 void ObjectTree::removeDevice(std::string_view path) {
-    const auto found = devices_.find(std::string(path));
+    const auto found = devices_.find(path);
     if (found == devices_.end()) return;
     forgetId(found->first, found->second);
     devices_.erase(found);
 }
 
 void ObjectTree::removeBearer(std::string_view path) {
-    const auto found = devices_.find(std::string(path));
+    const auto found = devices_.find(path);
     if (found != devices_.end()) found->second.lowEnergyConnected.reset();
 }
 

@@ -6,6 +6,7 @@
 #include "dbus/message.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -63,13 +64,17 @@ struct DeviceNews {
 
 class ObjectTree {
 public:
+    /// Finds a path without a copy of it.
+    struct PathHash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+    using Devices = std::unordered_map<std::string, Device, PathHash, std::equal_to<>>;
+
     [[nodiscard]] const std::map<std::string, Adapter, std::less<>>& adapters() const {
         return adapters_;
     }
     [[nodiscard]] const Device* device(std::string_view path) const;
-    [[nodiscard]] const std::unordered_map<std::string, Device>& devices() const {
-        return devices_;
-    }
+    [[nodiscard]] const Devices& devices() const { return devices_; }
 
     /// The path of the device with `id` on `adapter`; null when there is none.
     [[nodiscard]] const std::string* find(const Uuid& id, std::string_view adapter) const;
@@ -91,11 +96,12 @@ public:
     void clear();
 
 private:
-    std::map<std::string, Adapter, std::less<>> adapters_;
+    [[nodiscard]] Device& made(std::string_view path);
     void setId(const std::string& path, Device& device, const Uuid& id);
     void forgetId(const std::string& path, const Device& device);
 
-    std::unordered_map<std::string, Device> devices_;
+    std::map<std::string, Adapter, std::less<>> adapters_;
+    Devices devices_;
     std::unordered_multimap<Uuid, std::string> paths_; ///< of the devices, by id
 };
 
