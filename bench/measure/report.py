@@ -13,6 +13,10 @@ def megabytes(size):
     return f"{size / 1e6:.1f}"
 
 
+def spread(values, digits=1):
+    return f"{min(values):,.{digits}f}–{max(values):,.{digits}f}"
+
+
 def table(heads, rows):
     """The first column is text, the others are numbers or short."""
     rule = ["---", *("--:" for _ in heads[1:])]

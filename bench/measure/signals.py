@@ -7,7 +7,7 @@ import sys
 import time
 
 from .processes import CountingProgram, Failure, PrintingProgram, Program
-from .report import table
+from .report import spread, table
 from .room import Room, wait_for
 
 DEVICES = 300
@@ -106,8 +106,8 @@ def rows_of(rate, windows, counted):
         costs = [window[name] for window in windows]
         ratios = [window[name] / window[FLOOR] for window in windows]
         yield [f"{rate:,}", name, f"{statistics.median(costs):.1f}",
-               f"{min(costs):.1f}–{max(costs):.1f}", f"{statistics.median(ratios):.2f}",
-               f"{min(ratios):.2f}–{max(ratios):.2f}", counted[name]]
+               spread(costs), f"{statistics.median(ratios):.2f}",
+               spread(ratios, 2), counted[name]]
 
 
 def measured(programs, sources, rate, count, seconds):

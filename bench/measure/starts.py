@@ -3,7 +3,7 @@
 import statistics
 
 from .processes import Failure
-from .report import table
+from .report import spread, table
 from .room import Room
 
 OURS = "nl.wegslot.Wegslot"
@@ -36,10 +36,6 @@ def measured(programs, rounds):
     if any(len(found) != rounds for found in times.values()):
         raise Failure("start_times: a start is missing")
     return times
-
-
-def spread(values):
-    return f"{min(values):.1f}–{max(values):.1f}"
 
 
 def run(programs, quick=False):
