@@ -1,13 +1,16 @@
 // The least that a receiver of BlueZ's reports can cost: takes each off the bus with sd-bus, reads
-// strength and manufacturer data, and forgets it. `signal_floor FILE` counts in the first eight
-// bytes of FILE, where the count can be read without waking it.
+// strength and manufacturer data, and forgets it. `signal_floor FILE [MILLISECONDS]` counts in the
+// first eight bytes of FILE, where the count can be read without waking it. With MILLISECONDS it
+// lets reports wait for so long, to take them off together.
 
 #include <systemd/sd-bus.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <thread>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -75,7 +78,8 @@ int complain(const char* what) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) return complain("usage: signal_floor FILE");
+    if (argc != 2 && argc != 3) return complain("usage: signal_floor FILE [MILLISECONDS]");
+    const std::chrono::milliseconds rest{argc == 3 ? std::strtol(argv[2], nullptr, 10) : 0};
     const int file = open(argv[1], O_RDWR | O_CLOEXEC);
     if (file < 0) return complain("cannot open the file to count in");
     void* const memory =
@@ -89,6 +93,8 @@ int main(int argc, char** argv) {
     for (;;) {
         const int handled = sd_bus_process(bus, nullptr);
         if (handled < 0) return complain("the bus is gone");
-        if (handled == 0 && sd_bus_wait(bus, UINT64_MAX) < 0) return complain("the bus is gone");
+        if (handled > 0) continue;
+        if (sd_bus_wait(bus, UINT64_MAX) < 0) return complain("the bus is gone");
+        std::this_thread::sleep_for(rest);
     }
 }

@@ -106,9 +106,9 @@ class Program:
 class CountingProgram(Program):
     """Counts what it receives in a file that both map, which costs it nothing to speak of."""
 
-    def __init__(self, name, words, environment, path):
+    def __init__(self, name, words, environment, path, *more):
         path.write_bytes(bytes(8))
-        super().__init__(name, [*words, path], environment)
+        super().__init__(name, [*words, path, *more], environment)
         with open(path, "r+b") as file:
             self.shared = mmap.mmap(file.fileno(), 8, prot=mmap.PROT_READ)
 

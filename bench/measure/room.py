@@ -72,7 +72,7 @@ class Radio(Program):
 class Room:
     """Ends whatever was started in it, the last first."""
 
-    def __init__(self, programs, devices=None, display=False):
+    def __init__(self, programs, devices=None, display=None):
         self.programs = programs
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="wegslot-bench-"))
         self.started = []
@@ -88,17 +88,11 @@ class Room:
             raise
 
     def own_environment(self, address, display):
-        foreign = {"XDG_SESSION_TYPE", "XDG_SESSION_ID", "PULSE_SERVER"}
-        environment = dict(os.environ)
-        if display:
-            # Found by the names of folders that are others here.
-            environment.setdefault("XAUTHORITY", str(pathlib.Path.home() / ".Xauthority"))
-            if socket := environment.get("WAYLAND_DISPLAY"):
-                runtime = environment.get("XDG_RUNTIME_DIR", "/")
-                environment["WAYLAND_DISPLAY"] = str(pathlib.Path(runtime) / socket)
-        else:
-            foreign |= {"DISPLAY", "WAYLAND_DISPLAY"}
-        environment = {name: value for name, value in environment.items() if name not in foreign}
+        foreign = {"XDG_SESSION_TYPE", "XDG_SESSION_ID", "PULSE_SERVER", "WAYLAND_DISPLAY",
+                   "DISPLAY", "XAUTHORITY"}
+        environment = {name: value for name, value in os.environ.items() if name not in foreign}
+        if display is not None:
+            environment["DISPLAY"] = display
         return environment | {
             "HOME": str(self.folder),
             "XDG_CONFIG_HOME": str(self.folder / "config"),
