@@ -24,11 +24,17 @@ class Reading:
 
     at: float  # seconds
     seconds: float  # of processor time
-    wakeups: int  # each time that one of its threads waited
+    waits: dict  # by thread: how often it waited
 
     def __sub__(self, before):
-        return Reading(self.at - before.at, self.seconds - before.seconds,
-                       self.wakeups - before.wakeups)
+        # A thread that has ended takes its number with it.
+        waits = {thread: count - before.waits.get(thread, 0)
+                 for thread, count in self.waits.items()}
+        return Reading(self.at - before.at, self.seconds - before.seconds, waits)
+
+    @property
+    def wakeups(self):
+        return sum(self.waits.values())
 
 
 @dataclasses.dataclass
@@ -50,11 +56,11 @@ def processor_seconds(process):
 
 
 def reading(process):
-    at, seconds, wakeups = time.monotonic(), processor_seconds(process), 0
+    at, seconds, waits = time.monotonic(), processor_seconds(process), {}
     for task in pathlib.Path(f"/proc/{process}/task").iterdir():
         with contextlib.suppress(FileNotFoundError, ProcessLookupError):
-            wakeups += int(fields(task / "status")["voluntary_ctxt_switches"])
-    return Reading(at, seconds, wakeups)
+            waits[task.name] = int(fields(task / "status")["voluntary_ctxt_switches"])
+    return Reading(at, seconds, waits)
 
 
 def memory(process):
