@@ -44,7 +44,10 @@ protected:
         fresh = contentsOf(made);
     }
 
-    ~ProgramTest() override {
+    ~ProgramTest() override { endAll(); }
+
+    /// Ends whatever runs out of the application's folder.
+    void endAll() const {
         for (const auto& folder : {published.app, fs::path(published.app.string() + ".oud")})
             for (const pid_t process : processesOf(folder / programFile))
                 kill(process, SIGKILL);
@@ -133,7 +136,10 @@ protected:
             GTEST_SKIP() << "mounting needs root";
     }
 
-    ~ProgramOnMountTest() override { umount2(apps.c_str(), MNT_DETACH); }
+    ~ProgramOnMountTest() override {
+        endAll(); // by their place, which goes with the mount
+        umount2(apps.c_str(), MNT_DETACH);
+    }
 
     fs::path apps = published.app.parent_path();
 };
