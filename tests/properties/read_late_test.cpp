@@ -99,6 +99,25 @@ Judgements replayed(const std::string& trace) {
 
 } // namespace
 
+TEST(ReadLate, WhatHasComeInIsHeardBeforeAJudgement) {
+    const CapturedLog log;
+    VirtualTime time(World::start);
+    FakeCentral radio(time, {.reading = 100ms}, 1);
+    Scanner scanner(radio, time, time);
+    bool came = false;
+    radio.onReport = [&](const Uuid&) { came = true; };
+    radio.add(numbered(1), {.interval = 1s});
+    radio.setPowered(true);
+    scanner.setPassiveIDs({numbered(1)});
+    scanner.setWatchedIDs({numbered(1)});
+    for (int steps = 0; steps < 3000 && !came; ++steps)
+        time.advance(1ms);
+    ASSERT_TRUE(came);
+    ASSERT_EQ(scanner.lastSeen(numbered(1)), std::nullopt); // it waits
+    scanner.refreshSnapshot();
+    EXPECT_EQ(scanner.lastSeen(numbered(1)), time.now());
+}
+
 TEST(ReadLate, AReplayJudgesAtTheSameTicks) {
     int changes = 0;
     for (std::uint64_t seed = 1; seed <= 40; ++seed) {
