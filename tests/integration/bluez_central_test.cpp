@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <memory>
 
+#include <poll.h>
 #include <systemd/sd-bus.h>
 
 using namespace wegslot;
@@ -134,6 +135,19 @@ TEST_F(BluezCentralTest, EachReportIsAnAdvertisementAlsoAnEqualOne) {
     EXPECT_EQ(delegate.reports[1], first);
     EXPECT_EQ(delegate.reports[2], first);
     EXPECT_EQ(delegate.reports[3].rssi, -61);
+}
+
+TEST_F(BluezCentralTest, WhatHasComeInIsToldWhenItIsAskedFor) {
+    scanning();
+    bluez->addDevice(phone, -60);
+    ASSERT_TRUE(hears(1));
+    bluez->report(phone, -70);
+    // The loop does not turn, so nobody else reads it.
+    pollfd watched{systemBus.bus().get()->fd(), POLLIN, 0};
+    while (delegate.reports.size() < 2 && poll(&watched, 1, 10'000) == 1)
+        central.catchUp();
+    ASSERT_EQ(delegate.reports.size(), 2U);
+    EXPECT_EQ(delegate.reports[1].rssi, -70);
 }
 
 TEST_F(BluezCentralTest, ManufacturerDataHasItsCompanyPutBackAndBelongsToItsReport) {
