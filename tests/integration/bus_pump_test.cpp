@@ -122,10 +122,13 @@ TEST_F(BusPumpTest, WhatBreaksASilenceIsHandledAtOnce) {
     becomeBusy();
     runUntil([&] { return received.size() == static_cast<std::size_t>(sent); });
     beSilent();
-    send();
-    ASSERT_TRUE(comesIn());
-    QCoreApplication::processEvents();
-    expectAllInOrder();
+    // The second too: one alone does not make the bus a busy one.
+    for (int number = 0; number < 2; ++number) {
+        send();
+        ASSERT_TRUE(comesIn());
+        QCoreApplication::processEvents();
+        expectAllInOrder();
+    }
 }
 
 TEST_F(BusPumpTest, WhileItIsBusyManyAreHandledInOneTurn) {
