@@ -25,7 +25,7 @@ private:
     bool isOurs_;
 };
 
-/// Nothing here needs GLib's loop, which takes twice as many system calls to turn.
+/// Nothing here needs GLib's loop, which takes more processor time to turn.
 struct OwnLoop : Choice {
     OwnLoop() : Choice("QT_NO_GLIB", "1") {}
 };
