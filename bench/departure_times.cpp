@@ -3,6 +3,10 @@
 // that was away to `present`. In virtual time, with the default settings, a thousand departures for
 // each way in which a key is followed. The key sends every 0.5 s and is gone at once, each time at
 // another moment.
+//
+// Prints a line for each of the times: how the key is followed, which time, and in seconds the
+// median, the 99th percentile, the longest, and the longest that the rules allow when reports are
+// read late.
 #include "app/app_model.h"
 #include "replay/replayed_platform.h"
 #include "tests/support/captured_log.h"
@@ -117,7 +121,8 @@ void print(const Case& followed, const char* what, std::vector<double> values,
                 Seconds(allowed + step).count());
 }
 
-/// Beside what the rules allow: at least until the next tick, and as whole ticks from there.
+/// Beside what the rules allow and the reading adds: at least until the next tick, and as whole
+/// ticks from there.
 void print(const Case& followed, const Times& times) {
     MemoryStore store;
     const Settings defaults(store);
