@@ -25,8 +25,12 @@ function(wegslot_module name)
   endif()
 
   if(BUILD_TESTING AND arg_TESTS)
-    wegslot_test(${name}_test
-      LABEL unit FILES ${arg_TESTS} USES ${name} support LIBRARIES ${arg_LIBRARIES})
+    set(program core_tests)
+    if("${name};${arg_USES};${arg_LIBRARIES}" MATCHES "qt|Qt")
+      set(program qt_tests)
+    endif()
+    wegslot_tests(${program} LABEL unit
+      FILES ${arg_TESTS} USES ${name} support LIBRARIES ${arg_LIBRARIES})
   endif()
 endfunction()
 
@@ -44,81 +48,71 @@ function(wegslot_program name)
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
-# The tests that need nothing but a processor, and those of them that are without Qt.
+# The tests that need nothing but a processor. core_tests are those of them without Qt.
 add_custom_target(pure_tests)
-add_custom_target(core_tests)
 
-# There are a hundred programs of tests, and this linker takes half the time of the usual one. (It
+# Test programs are linked often, and this linker takes half the time of the usual one. (It
 # complains of what the address sanitizer leaves to link.)
 find_program(WEGSLOT_GOLD ld.gold)
 
-# What nearly every test includes, read once for all of them. A program, because it has to be compiled
-# as they are; it is never built itself.
-function(wegslot_shared_test_headers)
-  if(TARGET wegslot_test_headers)
-    return()
-  endif()
-  file(WRITE "${PROJECT_BINARY_DIR}/test_headers.cpp" "int main() {}\n")
-  add_executable(wegslot_test_headers EXCLUDE_FROM_ALL "${PROJECT_BINARY_DIR}/test_headers.cpp")
-  target_link_libraries(wegslot_test_headers PRIVATE wegslot_options GTest::gtest_main)
-  target_compile_options(wegslot_test_headers PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
-  target_precompile_headers(wegslot_test_headers PRIVATE
-    <gtest/gtest.h> <algorithm> <array> <chrono> <filesystem> <fstream> <functional> <map> <memory>
-    <optional> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
-endfunction()
-
-# wegslot_test(NAME LABEL ... FILES ... USES ... LIBRARIES ... [WRAPPER command ...] [ALONE] [ANYTIME])
-# Each TEST is a ctest test of its own; WRAPPER starts the real parts that the tests talk to. Tests
-# that need nothing but a processor run beside any others, those with real parts one at a time, and
-# beside one that is ALONE nothing runs: it sees the whole machine, or needs all of it. One that is good
-# at ANYTIME has real parts and shares none with others.
-function(wegslot_test name)
-  cmake_parse_arguments(arg "ALONE;ANYTIME" "LABEL;TIMEOUT" "FILES;USES;LIBRARIES;WRAPPER" ${ARGN})
+# wegslot_tests(PROGRAM LABEL ... FILES ... USES ... LIBRARIES ... [SUITES_FROM ...]
+#               [DEFINITIONS ...] [DEPENDS ...] [LOCKS ...] [ALONE])
+# Adds tests to a program, which the first call makes. Each suite is a ctest test, LABEL/Suite, in a
+# process of its own; its results are left in results/ for tools/test-results.
+#   SUITES_FROM  files whose suites come with a library
+#   LOCKS        what a suite may not share with another that runs: see docs/testing.md
+#   ALONE        nothing at all runs beside it
+# A program is linked as often as it has a file that changed, and compiled in few pieces: so few
+# programs, each for the tests of one world.
+function(wegslot_tests program)
+  cmake_parse_arguments(arg "ALONE" "LABEL"
+    "FILES;USES;LIBRARIES;SUITES_FROM;DEFINITIONS;DEPENDS;LOCKS" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
-  if(NOT arg_TIMEOUT)
-    set(arg_TIMEOUT 120)
-  endif()
-  add_executable(${name} ${arg_FILES})
-  target_link_libraries(${name} PRIVATE wegslot_options ${uses} ${arg_LIBRARIES} GTest::gtest_main)
-  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
-  if(WEGSLOT_GOLD AND NOT WEGSLOT_SANITIZE)
-    target_link_options(${name} PRIVATE -fuse-ld=gold)
-  endif()
-  # A test is compiled more often than it is run: optimising it would double the time of a build.
-  if(NOT arg_LABEL STREQUAL "properties")
-    target_compile_options(${name} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
-  endif()
-  set(has_qt OFF)
-  if("${name};${uses};${arg_LIBRARIES}" MATCHES "qt|Qt" OR arg_LABEL STREQUAL "interface")
-    set(has_qt ON)
-  endif()
-  # Qt has its users compiled otherwise than the headers are.
-  if(NOT has_qt AND NOT arg_LABEL STREQUAL "properties")
-    wegslot_shared_test_headers()
-    target_precompile_headers(${name} REUSE_FROM wegslot_test_headers)
-    # Where another library does too, GCC reads the headers themselves.
-    set_target_properties(${name} PROPERTIES PCH_WARN_INVALID OFF)
-  endif()
-  if(arg_WRAPPER)
-    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR "${arg_WRAPPER}")
-  endif()
-  set(company RESOURCE_LOCK real_parts)
-  if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
-    add_dependencies(pure_tests ${name})
-    if(NOT has_qt AND NOT name MATCHES "controller") # which is a tool of the tests
-      add_dependencies(core_tests ${name})
+  if(NOT TARGET ${program})
+    add_executable(${program})
+    target_link_libraries(${program} PRIVATE wegslot_options GTest::gtest_main)
+    target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}")
+    set_target_properties(${program} PROPERTIES
+      UNITY_BUILD_BATCH_SIZE 10 RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+    if(WEGSLOT_GOLD AND NOT WEGSLOT_SANITIZE)
+      target_link_options(${program} PRIVATE -fuse-ld=gold)
     endif()
-    set(company)
+    # A test is compiled more often than it is run: optimising it would double the time of a build.
+    if(NOT arg_LABEL STREQUAL "properties")
+      target_compile_options(${program} PRIVATE $<$<CONFIG:RelWithDebInfo>:-O0>)
+    endif()
+    if(arg_LABEL MATCHES "^(unit|properties|scenarios)$")
+      add_dependencies(pure_tests ${program})
+    endif()
   endif()
-  if(arg_ANYTIME)
-    set(company)
+  list(TRANSFORM arg_FILES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  list(TRANSFORM arg_SUITES_FROM PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
+  target_sources(${program} PRIVATE ${arg_FILES})
+  target_link_libraries(${program} PRIVATE ${uses} ${arg_LIBRARIES})
+  target_compile_definitions(${program} PRIVATE ${arg_DEFINITIONS})
+  if(arg_DEPENDS)
+    add_dependencies(${program} ${arg_DEPENDS})
   endif()
-  if(arg_ALONE)
-    set(company RUN_SERIAL ON)
-  endif()
-  gtest_discover_tests(${name}
-    TEST_PREFIX "${arg_LABEL}/"
-    DISCOVERY_TIMEOUT 60
-    PROPERTIES LABELS "${arg_LABEL}" TIMEOUT ${arg_TIMEOUT} ${company})
+
+  foreach(file IN LISTS arg_FILES arg_SUITES_FROM)
+    # A suite that is new is found by configuring again.
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
+    file(STRINGS "${file}" lines REGEX "^TEST(_F|_P)?\\([A-Za-z0-9]+,")
+    list(TRANSFORM lines REPLACE "^[A-Z_]+\\(([A-Za-z0-9]+),.*" "\\1")
+    list(REMOVE_DUPLICATES lines)
+    foreach(suite IN LISTS lines)
+      set(test "${arg_LABEL}/${suite}")
+      add_test(NAME ${test} COMMAND ${program} "--gtest_filter=${suite}.*:*/${suite}.*"
+        "--gtest_output=xml:${PROJECT_BINARY_DIR}/results/${arg_LABEL}.${suite}.xml")
+      # Only what hangs takes so long, on a machine with one busy processor too.
+      set_tests_properties(${test} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 1500)
+      if(arg_LOCKS)
+        set_tests_properties(${test} PROPERTIES RESOURCE_LOCK "${arg_LOCKS}")
+      endif()
+      if(arg_ALONE)
+        set_tests_properties(${test} PROPERTIES RUN_SERIAL ON)
+      endif()
+    endforeach()
+  endforeach()
 endfunction()

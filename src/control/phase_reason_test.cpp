@@ -9,10 +9,10 @@ namespace {
 const KeyDevice phone{.id = *Uuid::parse("0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"),
                       .name = "Telefoon",
                       .threshold = Dbm{-75}};
-const Phase present = phase::Present{};
+const Phase inReach = phase::Present{};
 
 std::string reason(const Phase& after, PhaseCause cause = PhaseCause::judgement,
-                   const Phase& before = present, bool manual = false) {
+                   const Phase& before = inReach, bool manual = false) {
     return phaseReason({.before = before,
                         .after = after,
                         .cause = cause,
@@ -40,7 +40,7 @@ TEST(PhaseReason, ALockIsJudgedAskedForOrSeen) {
 
 TEST(PhaseReason, APauseIsAskedForOrTaken) {
     const phase::Snoozed snoozed{TimePoint{}};
-    EXPECT_EQ(reason(snoozed, PhaseCause::request, present, true), "Pauze gevraagd");
+    EXPECT_EQ(reason(snoozed, PhaseCause::request, inReach, true), "Pauze gevraagd");
     EXPECT_EQ(reason(snoozed, PhaseCause::request), "Waarschuwing geannuleerd");
 }
 

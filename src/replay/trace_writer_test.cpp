@@ -14,11 +14,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto uuid = "\"0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6\"";
+constexpr auto quotedId = "\"0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6\"";
 
-std::string with(std::string pattern) {
+std::string withIds(std::string pattern) {
     while (pattern.find('$') != std::string::npos)
-        pattern.replace(pattern.find('$'), 1, uuid);
+        pattern.replace(pattern.find('$'), 1, quotedId);
     return pattern;
 }
 
@@ -84,7 +84,7 @@ TEST(TraceWriter, EveryEventReadsBackAsItWas) {
             R"({"t":1,"identity":{"from":$,"to":"00000000-0000-0000-0000-000000000001"}})",
             R"({"t":86400,"end":true})",
         }) {
-        std::string line = with(pattern);
+        std::string line = withIds(pattern);
         std::string expected = line;
         // A short UUID is written as short as it can be.
         if (const auto at = expected.find("0000180F"); at != std::string::npos)

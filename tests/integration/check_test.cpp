@@ -24,8 +24,6 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-constexpr auto address = "AA:BB:CC:DD:EE:01";
-
 struct CheckTest : testing::Test {
     BusLoop loop; // the system's bus and the session's at once
     OwnHome home;
@@ -53,9 +51,9 @@ struct CheckTest : testing::Test {
         return start == std::string::npos ? Json() : Json::parse(output.substr(start));
     }
 
-    /// One key, of the address above.
+    /// One key, of `someAddress`.
     [[nodiscard]] static std::string withKey(const std::string& further = "") {
-        return R"({"keys": [{"id": ")" + deviceId(address, "public").text() +
+        return R"({"keys": [{"id": ")" + deviceId(someAddress, "public").text() +
                R"(", "name": "Telefoon", "threshold": -70}])" + further + "}";
     }
 
@@ -78,7 +76,7 @@ struct CheckWithRadioTest : CheckTest {
 
     void SetUp() override {
         bluez.addAdapter();
-        bluez.addDevice(address, {}, {{"AddressType", std::string("public")}});
+        bluez.addDevice(someAddress, {}, {{"AddressType", std::string("public")}});
         home.setPreferences(withKey());
     }
 };

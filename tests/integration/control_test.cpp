@@ -21,8 +21,7 @@ using Words = std::vector<std::string>;
 
 namespace {
 
-constexpr auto address = "AA:BB:CC:DD:EE:01";
-const std::string id = deviceId(address, "public").text();
+const std::string id = deviceId(someAddress, "public").text();
 
 struct ControlTest : testing::Test {
     BusLoop loop; // the system's bus and the session's at once
@@ -43,7 +42,7 @@ struct ControlTest : testing::Test {
     void plugIn() {
         bluez.addAdapter();
         bluez.addDevice(
-            address, strength,
+            someAddress, strength,
             {{"AddressType", std::string("public")}, {"Name", std::string("Telefoon")}});
     }
 
@@ -60,7 +59,7 @@ struct ControlTest : testing::Test {
             [&] {
                 if (Clock::now() >= next && strength != 0) {
                     strength = static_cast<std::int16_t>(-101 - strength);
-                    bluez.report(address, strength, {});
+                    bluez.report(someAddress, strength, {});
                     next = Clock::now() + std::chrono::milliseconds{300};
                 }
                 return condition();

@@ -24,7 +24,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto generousBound = 2s; ///< what would hang takes for ever, or as long as it may
+constexpr auto x11Bound = 2s; ///< what would hang takes for ever, or as long as it may
 
 /// A display of this process's own: a number that the servers of other tests, which begin at 0,
 /// do not reach, so that a server can come back under it.
@@ -135,7 +135,7 @@ TEST_F(IdleX11Test, HungServerAnswersNothingAndIsWaitedForOnce) {
     const auto start = std::chrono::steady_clock::now();
     for (int question = 0; question < 100; ++question)
         EXPECT_EQ(idle->idleTime(), std::nullopt);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, generousBound);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, x11Bound);
     EXPECT_TRUE(idle->isThere());
 
     server.goOn();
@@ -155,7 +155,7 @@ TEST_F(IdleX11Test, HungServerHoldsUpNeitherBeginningNorEnd) {
     EXPECT_EQ(idle->idleTime(), std::nullopt);
     time.advance(X11Idle::retryInterval * 3); // an attempt under way is not made again
     connect();                                // while the one before waits for its connection
-    EXPECT_LT(std::chrono::steady_clock::now() - start, generousBound);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, x11Bound);
 
     server.goOn();
     EXPECT_TRUE(isFound());

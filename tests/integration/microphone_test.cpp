@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include <csignal>
 #include <sstream>
 
@@ -173,7 +175,7 @@ TEST_P(MicrophoneTest, ACorkedStreamDoesNotCountUntilItGoesOn) {
     ASSERT_TRUE(streamsBecome(1));
     EXPECT_EQ(soon(), nobody);
     recorder.cork(false);
-    EXPECT_TRUE(becomes("microphone_test"));
+    EXPECT_TRUE(becomes(program_invocation_short_name));
     recorder.cork(true);
     EXPECT_TRUE(becomes(nobody));
 }

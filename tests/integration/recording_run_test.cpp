@@ -33,7 +33,6 @@ using RealClock = std::chrono::steady_clock;
 
 namespace {
 
-constexpr auto address = "AA:BB:CC:DD:EE:01";
 constexpr auto ownName = "Sleutelbos van Jan";
 constexpr auto keyName = "Jan zijn tag";
 
@@ -85,11 +84,11 @@ struct RecordingRunTest : testing::Test {
 
     void SetUp() override {
         bluez.addAdapter();
-        bluez.addDevice(address, {},
+        bluez.addDevice(someAddress, {},
                         {{"AddressType", std::string("public")}, {"Name", std::string(ownName)}});
         const fs::path file = PreferencesFile::pathUnder(home.path() / "config");
         fs::create_directories(file.parent_path());
-        const Json key{{"id", deviceId(address, "public").text()},
+        const Json key{{"id", deviceId(someAddress, "public").text()},
                        {"name", keyName},
                        {"isApple", false},
                        {"threshold", -70}};
@@ -137,7 +136,7 @@ struct RecordingRunTest : testing::Test {
         for (int second = 0; times(beginning) < count; ++second) {
             ASSERT_LT(second, 30) << "never: " << beginning;
             betweenBeats();
-            bluez.report(address, rssi);
+            bluez.report(someAddress, rssi);
             if (handsOn) person({"mousemove_relative", "5", "3"});
         }
     }
@@ -192,7 +191,7 @@ TEST_F(RecordingRunTest, ADepartureAndAReturnAreReplayedAtTheirTimes) {
     EXPECT_EQ(logind.service.calls("Lock"), 1);
     logind.setHint(true);
     betweenBeats();
-    bluez.report(address, -50);
+    bluez.report(someAddress, -50);
     betweenBeats();
     logind.setHint(false);
     hearUntil(-50, "Sleutel in de buurt, bewaking actief", 2);
@@ -228,7 +227,7 @@ TEST_F(RecordingRunTest, AKillLosesTheLastLineAtMost) {
     std::int16_t rssi = -60;
     ASSERT_TRUE(loop.runUntil([&] {
         rssi = rssi == -60 ? -50 : static_cast<std::int16_t>(rssi - 1);
-        bluez.report(address, rssi);
+        bluez.report(someAddress, rssi);
         return RealClock::now() > until;
     }));
     kill(program->process(), SIGKILL);
@@ -247,9 +246,9 @@ TEST_F(RecordingRunTest, AnAnonymousOneNamesNobody) {
     program->signal(SIGTERM);
     EXPECT_EQ(program->ended(), 0);
     const std::string all = home.read("trace");
-    const std::string id = deviceId(address, "public").text();
-    for (const std::string& telling :
-         {std::string(ownName), std::string(keyName), std::string(address), id, std::string("Jan")})
+    const std::string id = deviceId(someAddress, "public").text();
+    for (const std::string& telling : {std::string(ownName), std::string(keyName),
+                                       std::string(someAddress), id, std::string("Jan")})
         EXPECT_EQ(all.find(telling), std::string::npos) << telling << " in\n" << all;
     EXPECT_NE(all.find("Apparaat 1"), std::string::npos);
     bool isNear = false;

@@ -14,7 +14,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto generousBound = 1s; ///< what would wait for a server that hangs waits for ever
+constexpr auto soundBound = 1s; ///< what would wait for a server that hangs waits for ever
 
 struct WarningSoundTest : testing::Test {
     MediaSession session;
@@ -52,7 +52,7 @@ TEST_F(WarningSoundTest, IsPlayedOnceForEachWarningAndEndsByItself) {
         static_cast<void>(MediaSession::run({"pactl", "info"}));
         return times(events, "on client") > 0;
     })) << events.output();
-    EXPECT_LT(show(), generousBound);
+    EXPECT_LT(show(), soundBound);
     ASSERT_TRUE(becomesTrue([&] { return times(events, "'new' on sink-input") == 1; }))
         << events.output();
     sound.hide();
@@ -67,12 +67,12 @@ TEST_F(WarningSoundTest, IsPlayedOnceForEachWarningAndEndsByItself) {
 TEST_F(WarningSoundTest, AServerThatHangsHoldsUpNobody) {
     ASSERT_TRUE(server.start());
     server.signal(SIGSTOP);
-    EXPECT_LT(show(), generousBound);
-    EXPECT_LT(show(), generousBound);
+    EXPECT_LT(show(), soundBound);
+    EXPECT_LT(show(), soundBound);
     server.signal(SIGCONT);
 }
 
 TEST_F(WarningSoundTest, WithoutAServerThereIsSilence) {
-    EXPECT_LT(show(), generousBound);
-    EXPECT_LT(show(), generousBound);
+    EXPECT_LT(show(), soundBound);
+    EXPECT_LT(show(), soundBound);
 }

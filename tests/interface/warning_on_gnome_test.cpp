@@ -11,7 +11,7 @@ using namespace wegslot;
 
 namespace {
 
-const QRect place(200, 12 + 32, 400, 96); ///< 800 wide, below the bar at the top
+const QRect placeOnGnome(200, 12 + 32, 400, 96); ///< 800 wide, below the bar at the top
 
 struct WarningOnGnomeTest : testing::Test {
     BusLoop loop;
@@ -107,7 +107,7 @@ struct WarningOnGnomeTest : testing::Test {
     }
     [[nodiscard]] bool isSeen() {
         const QRect middle(22, 0, 356, 96);
-        return difference(seen().copy(middle.translated(place.topLeft())),
+        return difference(seen().copy(middle.translated(placeOnGnome.topLeft())),
                           ShownPanel::panel().grab(middle).toImage())
             .isNone();
     }
@@ -120,7 +120,7 @@ TEST_F(WarningOnGnomeTest, IsWhollySeenAboveAFullScreenWindowWhichKeepsTheKeyboa
     ASSERT_TRUE(film.isShown) << film.output();
     warning.show();
     EXPECT_TRUE(appears());
-    EXPECT_EQ(ShownPanel::panel().frameGeometry(), place);
+    EXPECT_EQ(ShownPanel::panel().frameGeometry(), placeOnGnome);
     EXPECT_FALSE(film.everLostKeyboard()) << film.output();
     EXPECT_TRUE(film.hasKeyboard());
 }
@@ -129,10 +129,10 @@ TEST_F(WarningOnGnomeTest, AClickOnTheButtonCancelsOnceAndEscapeDoesAfterAClickO
     plugIn();
     warning.show();
     ASSERT_TRUE(appears());
-    clicks(place.topLeft() + ShownPanel::button().geometry().center());
+    clicks(placeOnGnome.topLeft() + ShownPanel::button().geometry().center());
     EXPECT_TRUE(happens([this] { return warning.cancelled == 1; }));
     typesEscape(); // to whoever has the keyboard
-    clicks(place.topLeft() + QPoint(100, 20));
+    clicks(placeOnGnome.topLeft() + QPoint(100, 20));
     ASSERT_TRUE(happens([] { return ShownPanel::panel().isActiveWindow(); }));
     EXPECT_EQ(warning.cancelled, 1);
     typesEscape();

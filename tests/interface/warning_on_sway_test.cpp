@@ -9,7 +9,7 @@ using namespace wegslot;
 
 namespace {
 
-const QRect place(440, 12, 400, 96); ///< on sway's headless output, 1280 wide
+const QRect placeOnSway(440, 12, 400, 96); ///< on sway's headless output, 1280 wide
 
 /// sway says where its X server is, which lets in the user of this test too.
 std::string configuration(const RuntimeFolder& folder) {
@@ -60,7 +60,7 @@ struct WarningOnSwayTest : testing::Test {
     }
     [[nodiscard]] bool isSeen() const {
         const QRect middle(22, 0, 356, 96);
-        return difference(seen().copy(middle.translated(place.topLeft())),
+        return difference(seen().copy(middle.translated(placeOnSway.topLeft())),
                           ShownPanel::panel().grab(middle).toImage())
             .isNone();
     }
@@ -78,11 +78,11 @@ TEST_F(WarningOnSwayTest, IsWhollySeenAboveANativeFullScreenWindowWhichKeepsTheK
     ASSERT_TRUE(happens([&] { return film.got(Qt::Key_A); })) << film.output();
     warning.show();
     EXPECT_TRUE(happens([this] { return isSeen(); }));
-    EXPECT_EQ(ShownPanel::panel().frameGeometry(), place);
+    EXPECT_EQ(ShownPanel::panel().frameGeometry(), placeOnSway);
     EXPECT_TRUE(happens([&] { return film.got(Qt::Key_Escape); }));
     EXPECT_FALSE(film.everLostKeyboard()) << film.output();
     EXPECT_EQ(warning.cancelled, 0);
     const QColor green(Qt::darkGreen);
     warning.hud.hide();
-    EXPECT_TRUE(happens([&] { return seen().pixelColor(place.center()) == green; }));
+    EXPECT_TRUE(happens([&] { return seen().pixelColor(placeOnSway.center()) == green; }));
 }

@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const QRect place(440, 12, 400, 96); ///< on a screen that is 1280 wide
+const QRect placeOnX11(440, 12, 400, 96); ///< on a screen that is 1280 wide
 const QPoint onTheTitle(530, 50);
 
 struct WarningWindowsTest : testing::TestWithParam<std::string> {
@@ -36,7 +36,8 @@ struct WarningWindowsTest : testing::TestWithParam<std::string> {
     [[nodiscard]] static bool isSeen() {
         const QRect middle(22, 0, 356, 96);
         const QImage expected = ShownPanel::panel().grab(middle).toImage();
-        return difference(OnScreen::seen(middle.translated(place.topLeft())), expected).isNone();
+        return difference(OnScreen::seen(middle.translated(placeOnX11.topLeft())), expected)
+            .isNone();
     }
     [[nodiscard]] static std::string windows() {
         Program search(
@@ -62,7 +63,7 @@ TEST_P(WarningWindowsTest, IsWhollySeenAboveAFullScreenWindowWhichKeepsTheKeyboa
     ASSERT_TRUE(GetParam().empty() || film.isShown); // a window manager gives it the keyboard
     warning.show();
     EXPECT_TRUE(happens(isSeen));
-    EXPECT_EQ(ShownPanel::panel().frameGeometry(), place);
+    EXPECT_EQ(ShownPanel::panel().frameGeometry(), placeOnX11);
     if (GetParam().empty()) return;
     EXPECT_TRUE(OnScreen::types("Escape"));
     EXPECT_TRUE(happens([&] { return film.got(Qt::Key_Escape); }));
@@ -90,7 +91,7 @@ TEST_P(WarningWindowsTest, AClickOnTheButtonCancelsOnceAndLeavesTheKeyboardAlone
     const FullScreenProgram film;
     warning.show();
     ASSERT_TRUE(happens(isSeen));
-    ASSERT_TRUE(OnScreen::clicks(place.topLeft() + ShownPanel::button().geometry().center()));
+    ASSERT_TRUE(OnScreen::clicks(placeOnX11.topLeft() + ShownPanel::button().geometry().center()));
     EXPECT_TRUE(happens([this] { return warning.cancelled > 0; }));
     ASSERT_TRUE(OnScreen::types("a"));
     EXPECT_EQ(warning.cancelled, 1);

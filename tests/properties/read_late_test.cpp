@@ -25,9 +25,9 @@ namespace {
 using Judgements = std::vector<std::string>;
 
 /// A key that comes and goes, heard by a radio that is always read late.
-class Home {
+class LateHome {
 public:
-    explicit Home(std::uint64_t seed)
+    explicit LateHome(std::uint64_t seed)
         : dice_(seed),
           radio_(time_, {.filtersDuplicates = false, .reading = 100ms}, seed) {
         model_.settings().keys.set({keyNamed("Telefoon", 1)});
@@ -79,7 +79,7 @@ private:
     Subscription judging_;
 };
 
-Judgements replayed(const std::string& trace) {
+Judgements judgedAgain(const std::string& trace) {
     constexpr std::string_view mark = ",\"keyStates\":{\"";
     Judgements judgements;
     std::istringstream input(trace);
@@ -121,8 +121,8 @@ TEST(ReadLate, WhatHasComeInIsHeardBeforeAJudgement) {
 TEST(ReadLate, AReplayJudgesAtTheSameTicks) {
     int changes = 0;
     for (std::uint64_t seed = 1; seed <= 40; ++seed) {
-        Home home(seed);
-        EXPECT_EQ(replayed(home.live()), home.judgements) << "seed " << seed;
+        LateHome home(seed);
+        EXPECT_EQ(judgedAgain(home.live()), home.judgements) << "seed " << seed;
         changes += static_cast<int>(home.judgements.size());
     }
     EXPECT_GT(changes, 1000); // or nothing was compared

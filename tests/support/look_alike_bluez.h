@@ -13,6 +13,9 @@
 
 namespace wegslot {
 
+/// Of a device, where any will do.
+inline constexpr auto someAddress = "AA:BB:CC:DD:EE:01";
+
 class LookAlikeBluez {
 public:
     using ManufacturerData = std::map<std::uint16_t, std::vector<std::uint8_t>>;

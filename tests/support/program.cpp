@@ -35,7 +35,7 @@ const passwd& nobody() {
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     close(STDIN_FILENO);
-    open("/dev/null", O_RDONLY);
+    ::open("/dev/null", O_RDONLY);
     if (start.unprivileged && geteuid() == 0) {
         if (setgroups(0, nullptr) != 0 || setgid(group) != 0 || setuid(user) != 0) _exit(126);
         prctl(PR_SET_PDEATHSIG, SIGKILL); // forgotten with the user
@@ -51,8 +51,8 @@ const passwd& nobody() {
 } // namespace
 
 Program::Program(const Start& start) {
-    const int output =
-        open((folder_.path() / "output").c_str(), O_CREAT | O_WRONLY | O_APPEND | O_CLOEXEC, 0644);
+    const int output = ::open((folder_.path() / "output").c_str(),
+                              O_CREAT | O_WRONLY | O_APPEND | O_CLOEXEC, 0644);
     if (output < 0) throw std::runtime_error("cannot keep what a program prints");
     const passwd user = nobody();
     process_ = fork();

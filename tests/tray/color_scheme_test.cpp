@@ -14,7 +14,7 @@ using namespace wegslot;
 namespace {
 
 constexpr auto portalName = "org.freedesktop.portal.Desktop";
-constexpr auto path = "/org/freedesktop/portal/desktop";
+constexpr auto portalPath = "/org/freedesktop/portal/desktop";
 constexpr auto interface = "org.freedesktop.portal.Settings";
 constexpr std::uint32_t none = 0;
 constexpr std::uint32_t dark = 1;
@@ -53,7 +53,7 @@ struct ColorSchemeTest : testing::Test {
     void change(LookAlike& portal, std::uint32_t value,
                 const char* group = "org.freedesktop.appearance",
                 const char* key = "color-scheme") {
-        portal.signal(path, interface, "SettingChanged", [&](sd_bus_message* signal) {
+        portal.signal(portalPath, interface, "SettingChanged", [&](sd_bus_message* signal) {
             sd_bus_message_append(signal, "ssv", group, key, "u", value);
         });
         loop.settle();
@@ -171,7 +171,7 @@ TEST_F(ColorSchemeTest, NonsenseIsNoPreference) {
         ASSERT_TRUE(loop.runUntil([&] { return service->calls("ReadOne") == 1; }));
         loop.settle();
         EXPECT_EQ(colors.scheme().get(), Scheme::light) << i;
-        service->signal(path, interface, "SettingChanged", [](sd_bus_message* signal) {
+        service->signal(portalPath, interface, "SettingChanged", [](sd_bus_message* signal) {
             sd_bus_message_append(signal, "ss", "org.freedesktop.appearance", "color-scheme");
         });
         loop.settle();

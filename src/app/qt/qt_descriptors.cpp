@@ -9,7 +9,7 @@ namespace wegslot {
 namespace {
 
 // Not at once: a notifier may be ended from within its own signal.
-void endLater(QSocketNotifier* notifier) {
+void endNotifierLater(QSocketNotifier* notifier) {
     notifier->setEnabled(false);
     notifier->disconnect();
     notifier->deleteLater();
@@ -19,7 +19,8 @@ void endLater(QSocketNotifier* notifier) {
 
 Subscription QtDescriptors::onReadable(int descriptor, std::function<void()> action) {
     std::shared_ptr<QSocketNotifier> notifier(
-        std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read).release(), endLater);
+        std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read).release(),
+        endNotifierLater);
     QObject::connect(notifier.get(), &QSocketNotifier::activated,
                      [action = std::make_shared<const std::function<void()>>(std::move(action))] {
                          // What it holds must outlive the call, even if it ends its own notifier.

@@ -16,14 +16,14 @@ int milliseconds(Nanoseconds duration) {
 }
 
 // Not at once: a timer may be ended from within its own signal.
-void endLater(QTimer* timer) {
+void endTimerLater(QTimer* timer) {
     timer->stop();
     timer->disconnect();
     timer->deleteLater();
 }
 
 Timer started(Nanoseconds duration, bool once, std::function<void()> action) {
-    std::shared_ptr<QTimer> timer(std::make_unique<QTimer>().release(), endLater);
+    std::shared_ptr<QTimer> timer(std::make_unique<QTimer>().release(), endTimerLater);
     timer->setTimerType(Qt::PreciseTimer);
     timer->setSingleShot(once);
     QObject::connect(timer.get(), &QTimer::timeout,

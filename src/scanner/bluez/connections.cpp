@@ -9,9 +9,6 @@
 namespace wegslot::bluez {
 namespace {
 
-constexpr auto deviceInterface = "org.bluez.Device1";
-constexpr auto bearerInterface = "org.bluez.Bearer.LE1";
-
 // `Device1.Connect` chooses the bearer itself, and of a phone or headset it may choose the one
 // with the music. Where a device has both, only its low-energy bearer is asked.
 const char* interfaceFor(const Device& device) {

@@ -24,7 +24,7 @@ std::string shortened(std::string_view name) {
 }
 
 // The maker's data if there is any, else the first company's: one device may send several.
-std::optional<std::vector<std::uint8_t>> manufacturerData(dbus::Reader& value) {
+std::optional<std::vector<std::uint8_t>> readManufacturerData(dbus::Reader& value) {
     std::optional<std::vector<std::uint8_t>> found;
     value.numbered([&found](std::uint16_t company, dbus::Reader& content) {
         const auto bytes = content.bytes();
@@ -102,7 +102,7 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
         if (name == "RSSI") {
             if (const auto rssi = value.integer()) news.rssi = static_cast<int>(*rssi);
         } else if (name == "ManufacturerData") {
-            news.manufacturerData = manufacturerData(value);
+            news.manufacturerData = readManufacturerData(value);
         } else if (name == "Name") {
             if (const auto text = value.text()) device.name = shortened(*text);
         } else if (name == "Address") {

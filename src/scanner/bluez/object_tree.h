@@ -16,6 +16,10 @@
 
 namespace wegslot::bluez {
 
+/// A device, and the low-energy one of its two bearers.
+inline constexpr const char* deviceInterface = "org.bluez.Device1";
+inline constexpr const char* bearerInterface = "org.bluez.Bearer.LE1";
+
 /// What is followed of an org.bluez.Adapter1.
 struct Adapter {
     bool powered = false;

@@ -3,9 +3,7 @@
 namespace wegslot::bluez {
 namespace {
 
-constexpr std::string_view adapterInterface = "org.bluez.Adapter1";
-constexpr std::string_view deviceInterface = "org.bluez.Device1";
-constexpr std::string_view bearerInterface = "org.bluez.Bearer.LE1";
+constexpr const char* adapterInterface = "org.bluez.Adapter1";
 constexpr std::string_view monitorsInterface = "org.bluez.AdvertisementMonitorManager1";
 constexpr std::string_view serviceInterface = "org.bluez.GattService1";
 constexpr std::string_view characteristicInterface = "org.bluez.GattCharacteristic1";

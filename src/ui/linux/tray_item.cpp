@@ -5,7 +5,7 @@
 namespace wegslot {
 namespace {
 
-constexpr auto id = "nl.wegslot.Wegslot";
+constexpr auto itemId = "nl.wegslot.Wegslot";
 constexpr auto title = "Wegslot";
 
 using Write = std::function<void(dbus::Writer&)>;
@@ -82,7 +82,7 @@ std::vector<dbus::Property> TrayItem::properties() {
         });
     };
     return {{"Category", "s", text("SystemServices")},
-            {"Id", "s", text(id)},
+            {"Id", "s", text(itemId)},
             {"Title", "s", text(title)},
             {"Status", "s", text("Active")},
             {"WindowId", "i", [](dbus::Writer& writer) { writer.int32(0); }},

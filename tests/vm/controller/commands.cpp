@@ -12,8 +12,6 @@ namespace {
 
 constexpr std::size_t commandMaskLength = 64;
 
-Bytes done(Status status = Status::Success) { return Bytes{static_cast<std::uint8_t>(status)}; }
-
 Bytes accepted(ByteView, ControllerState&) { return done(); }
 
 Bytes reset(ByteView, ControllerState& state) {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr const char* ok = "ok";
 
-TimePoint now() { return std::chrono::steady_clock::now(); }
+TimePoint currentTime() { return std::chrono::steady_clock::now(); }
 
 std::string error(const std::string& why) { return "error: " + why; }
 
@@ -22,7 +22,7 @@ void turn(Device& device, SwitchDevice::To to) {
     case To::Silent:
         return device.advertiser().silence();
     case To::Loud:
-        return device.advertiser().makeLoud(now());
+        return device.advertiser().makeLoud(currentTime());
     case To::Connectable:
         return device.advertiser().setType(ReportType::Connectable);
     case To::NotConnectable:
@@ -84,7 +84,7 @@ std::string Director::with(const std::string& name, Act act) {
 std::string Director::carryOut(const PutDevice& instruction) {
     if (const Device* earlier = air_.find(instruction.name))
         controller_.drop(*earlier, static_cast<std::uint8_t>(Status::ConnectionTimeout));
-    air_.put(instruction.name, instruction.description, now());
+    air_.put(instruction.name, instruction.description, currentTime());
     return ok;
 }
 
@@ -141,7 +141,7 @@ std::string Director::carryOut(const ChangeAddress& instruction) {
     return with(instruction.name, [&](Device& device) {
         if (!device.address().isPrivate())
             return error("no private addresses: " + instruction.name);
-        device.address().change(now());
+        device.address().change(currentTime());
         return ok + (" " + toText(device.address().shown()));
     });
 }
@@ -153,7 +153,7 @@ std::string Director::carryOut(const SetDuplicateFilter& instruction) {
 
 std::string Director::carryOut(const StartFlood& instruction) {
     if (air_.flood() != nullptr && !air_.flood()->hasEnded()) return error("a flood is running");
-    air_.start(Flood(instruction.plan, now()));
+    air_.start(Flood(instruction.plan, currentTime()));
     return ok;
 }
 

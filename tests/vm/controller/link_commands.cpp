@@ -6,8 +6,6 @@ namespace controller {
 
 namespace {
 
-Bytes done(Status status) { return Bytes{static_cast<std::uint8_t>(status)}; }
-
 LinkTerms readTerms(ByteView longestIntervalOn) {
     return {.interval = read16(longestIntervalOn, 0),
             .latency = read16(longestIntervalOn, 2),

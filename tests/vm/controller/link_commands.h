@@ -7,6 +7,11 @@
 
 namespace controller {
 
+/// The parameters of an event that says no more than how it went.
+inline Bytes done(Status status = Status::Success) {
+    return Bytes{static_cast<std::uint8_t>(status)};
+}
+
 Bytes createConnection(ByteView parameters, ControllerState& state);
 Bytes cancelConnection(ByteView parameters, ControllerState& state);
 Bytes disconnect(ByteView parameters, ControllerState& state);

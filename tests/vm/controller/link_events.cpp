@@ -25,7 +25,7 @@ Bytes about(LinkHandle handle, Status status = Status::Success) {
     return parameters;
 }
 
-void append(Bytes& to, const LinkTerms& terms) {
+void appendTerms(Bytes& to, const LinkTerms& terms) {
     append16(to, terms.interval);
     append16(to, terms.latency);
     append16(to, terms.timeout);
@@ -39,7 +39,7 @@ Bytes connectionComplete(Status status, LinkHandle handle, const Address& peer,
     append8(parameters, 0); // we are the central
     append8(parameters, static_cast<unsigned>(peer.type));
     append(parameters, peer.bytes);
-    append(parameters, terms);
+    appendTerms(parameters, terms);
     append8(parameters, 0); // clock accuracy
     return lowEnergyEvent(connectionCompleteSubevent, parameters);
 }
@@ -52,7 +52,7 @@ Bytes disconnectionComplete(LinkHandle handle, std::uint8_t reason) {
 
 Bytes connectionUpdateComplete(LinkHandle handle, const LinkTerms& terms) {
     Bytes parameters = about(handle);
-    append(parameters, terms);
+    appendTerms(parameters, terms);
     return lowEnergyEvent(connectionUpdateSubevent, parameters);
 }
 

@@ -66,8 +66,8 @@ private:
     ext_idle_notifier_v1* proxy_;
 };
 
-std::unique_ptr<IdleProtocol> bind(wl_registry* registry, std::uint32_t number,
-                                   std::uint32_t version) {
+std::unique_ptr<IdleProtocol> bindExtIdle(wl_registry* registry, std::uint32_t number,
+                                          std::uint32_t version) {
     const auto known = static_cast<std::uint32_t>(ext_idle_notifier_v1_interface.version);
     void* const proxy = wl_registry_bind(registry, number, &ext_idle_notifier_v1_interface,
                                          std::min({version, known, versionWithInput}));
@@ -78,7 +78,7 @@ std::unique_ptr<IdleProtocol> bind(wl_registry* registry, std::uint32_t number,
 } // namespace
 
 IdleProtocolKind extIdleNotify() {
-    return {ext_idle_notifier_v1_interface.name, "ext-idle-notify-v1", bind};
+    return {ext_idle_notifier_v1_interface.name, "ext-idle-notify-v1", bindExtIdle};
 }
 
 } // namespace wegslot

@@ -49,7 +49,8 @@ private:
     org_kde_kwin_idle* proxy_;
 };
 
-std::unique_ptr<IdleProtocol> bind(wl_registry* registry, std::uint32_t number, std::uint32_t) {
+std::unique_ptr<IdleProtocol> bindKwinIdle(wl_registry* registry, std::uint32_t number,
+                                           std::uint32_t) {
     void* const proxy = wl_registry_bind(registry, number, &org_kde_kwin_idle_interface, 1);
     if (proxy == nullptr) return nullptr;
     return std::make_unique<KwinIdle>(static_cast<org_kde_kwin_idle*>(proxy));
@@ -58,7 +59,7 @@ std::unique_ptr<IdleProtocol> bind(wl_registry* registry, std::uint32_t number, 
 } // namespace
 
 IdleProtocolKind kwinIdle() {
-    return {org_kde_kwin_idle_interface.name, "org_kde_kwin_idle", bind};
+    return {org_kde_kwin_idle_interface.name, "org_kde_kwin_idle", bindKwinIdle};
 }
 
 } // namespace wegslot

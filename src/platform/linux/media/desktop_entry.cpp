@@ -8,7 +8,7 @@
 namespace wegslot {
 namespace {
 
-constexpr std::string_view blanks = " \t";
+constexpr std::string_view separators = " \t";
 
 std::optional<char> meantBy(char escaped) {
     switch (escaped) {
@@ -52,7 +52,7 @@ std::string firstWord(std::string_view command) {
             word += command[++i];
         } else if (character == '"') {
             quoted = !quoted;
-        } else if (!quoted && blanks.find(character) != std::string_view::npos) {
+        } else if (!quoted && separators.find(character) != std::string_view::npos) {
             break;
         } else {
             word += character;

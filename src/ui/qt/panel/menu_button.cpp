@@ -16,7 +16,7 @@
 namespace wegslot {
 namespace {
 
-constexpr double arrowRoom = 16;
+constexpr double roomForArrow = 16;
 constexpr int paddingDown = 4;
 
 Font textFont() { return scaledFont(brand::body(13)); }
@@ -84,7 +84,7 @@ QSize MenuButton::sizeHint() const {
     const QtFont font = qtFont(textFont());
     const QFontMetricsF metrics(font.font);
     return {
-        static_cast<int>(std::ceil(metrics.horizontalAdvance(text()) * font.scale + arrowRoom)) +
+        static_cast<int>(std::ceil(metrics.horizontalAdvance(text()) * font.scale + roomForArrow)) +
             2 * paddingAcross_,
         static_cast<int>(std::ceil(metrics.height() * font.scale)) + 2 * paddingDown};
 }
@@ -100,7 +100,7 @@ void MenuButton::paintEvent(QPaintEvent*) {
     constexpr double radius = 6;
     if (frame_ == Frame::drawn) painting::fillRounded(painter, rect(), radius, colors_.control);
     if (underMouse() || isDown()) painting::fillRounded(painter, rect(), radius, colors_.hover);
-    const double room = width() - 2 * paddingAcross_ - arrowRoom;
+    const double room = width() - 2 * paddingAcross_ - roomForArrow;
     const QtFont font = qtFont(textFont());
     const QString shown =
         QFontMetricsF(font.font).elidedText(text(), Qt::ElideRight, room / font.scale + 0.5);

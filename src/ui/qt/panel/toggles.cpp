@@ -15,13 +15,13 @@ namespace wegslot {
 namespace {
 
 constexpr double boxSide = 16;
-constexpr double gap = 8; ///< between box and text
-constexpr int wrapping = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop;
+constexpr double labelGap = 8; ///< between box and text
+constexpr int wrappingFromTop = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop;
 
 QSizeF textSize(const QString& text, double width) {
     const QtFont font = qtFont(scaledFont(brand::body(13)));
     const QRectF room(0, 0, width / font.scale, 1e6);
-    return QFontMetricsF(font.font).boundingRect(room, wrapping, text).size() * font.scale;
+    return QFontMetricsF(font.font).boundingRect(room, wrappingFromTop, text).size() * font.scale;
 }
 
 void paintTick(QPainter& painter, const QRectF& box) {
@@ -80,12 +80,12 @@ CheckBox::CheckBox() {
 QSize CheckBox::sizeHint() const {
     const QSizeF text = textSize(QCheckBox::text(), 1e6);
     // Narrower is possible, in more lines.
-    return {static_cast<int>(std::ceil(boxSide + gap + std::min(text.width(), 200.0))),
+    return {static_cast<int>(std::ceil(boxSide + labelGap + std::min(text.width(), 200.0))),
             static_cast<int>(std::ceil(std::max(boxSide, text.height()))) + 4};
 }
 
 int CheckBox::heightForWidth(int width) const {
-    const QSizeF text = textSize(QCheckBox::text(), width - boxSide - gap);
+    const QSizeF text = textSize(QCheckBox::text(), width - boxSide - labelGap);
     return static_cast<int>(std::ceil(std::max(boxSide, text.height()))) + 4;
 }
 
@@ -104,10 +104,11 @@ void CheckBox::paintEvent(QPaintEvent*) {
     painter.setPen(qtColor(colors().text));
     painter.setFont(font.font);
     painter.save();
-    painter.translate(boxSide + gap, 2);
+    painter.translate(boxSide + labelGap, 2);
     painter.scale(font.scale, font.scale);
-    painter.drawText(QRectF(0, 0, (width() - boxSide - gap) / font.scale, height() / font.scale),
-                     wrapping, text());
+    painter.drawText(
+        QRectF(0, 0, (width() - boxSide - labelGap) / font.scale, height() / font.scale),
+        wrappingFromTop, text());
     painter.restore();
     if (hasFocus() && painting::showsFocus(*this))
         painting::strokeFocus(painter, box.adjusted(-2, -2, 2, 2), radius + 2, colors().focus);
