@@ -4,10 +4,11 @@
 # wegslot_module(NAME
 #   FILES ...      headers and sources, relative to src/
 #   TESTS ...      unit tests of the module, beside the code
+#   THREADED       the module starts threads: its tests are those for the thread sanitizer
 #   USES ...       modules whose headers may be included (and what they use in turn)
 #   LIBRARIES ...  external libraries, seen by this module's sources only)
 function(wegslot_module name)
-  cmake_parse_arguments(arg "" "" "FILES;TESTS;USES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "THREADED" "" "FILES;TESTS;USES;LIBRARIES" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
 
@@ -26,6 +27,9 @@ function(wegslot_module name)
 
   if(BUILD_TESTING AND arg_TESTS)
     set(program core_tests)
+    if(arg_THREADED)
+      set(program thread_tests)
+    endif()
     if("${name};${arg_USES};${arg_LIBRARIES}" MATCHES "qt|Qt")
       set(program qt_tests)
     endif()
@@ -48,7 +52,7 @@ function(wegslot_program name)
     RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 endfunction()
 
-# The tests that need nothing but a processor. core_tests are those of them without Qt.
+# The tests that need nothing but a processor.
 add_custom_target(pure_tests)
 
 # Test programs are linked often, and this linker takes half the time of the usual one. (It
@@ -56,16 +60,15 @@ add_custom_target(pure_tests)
 find_program(WEGSLOT_GOLD ld.gold)
 
 # wegslot_tests(PROGRAM LABEL ... FILES ... USES ... LIBRARIES ... [SUITES_FROM ...]
-#               [DEFINITIONS ...] [DEPENDS ...] [LOCKS ...] [ALONE])
+#               [DEFINITIONS ...] [DEPENDS ...] [LOCKS ...])
 # Adds tests to a program, which the first call makes. Each suite is a ctest test, LABEL/Suite, in a
 # process of its own; its results are left in results/ for tools/test-results.
 #   SUITES_FROM  files whose suites come with a library
-#   LOCKS        what a suite may not share with another that runs: see docs/testing.md
-#   ALONE        nothing at all runs beside it
+#   LOCKS        `desktop` for what has a screen, a sound server or a locker: one at a time
 # A program is linked as often as it has a file that changed, and compiled in few pieces: so few
 # programs, each for the tests of one world.
 function(wegslot_tests program)
-  cmake_parse_arguments(arg "ALONE" "LABEL"
+  cmake_parse_arguments(arg "" "LABEL"
     "FILES;USES;LIBRARIES;SUITES_FROM;DEFINITIONS;DEPENDS;LOCKS" ${ARGN})
   set(uses ${arg_USES})
   list(TRANSFORM uses PREPEND wegslot_)
@@ -74,7 +77,7 @@ function(wegslot_tests program)
     target_link_libraries(${program} PRIVATE wegslot_options GTest::gtest_main)
     target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}")
     set_target_properties(${program} PROPERTIES
-      UNITY_BUILD_BATCH_SIZE 10 RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+      UNITY_BUILD_MODE GROUP RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
     if(WEGSLOT_GOLD AND NOT WEGSLOT_SANITIZE)
       target_link_options(${program} PRIVATE -fuse-ld=gold)
     endif()
@@ -89,6 +92,12 @@ function(wegslot_tests program)
   list(TRANSFORM arg_FILES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
   list(TRANSFORM arg_SUITES_FROM PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/")
   target_sources(${program} PRIVATE ${arg_FILES})
+  # What lies in one folder of src/, or of tests/, is compiled together.
+  foreach(file IN LISTS arg_FILES)
+    cmake_path(RELATIVE_PATH file BASE_DIRECTORY "${PROJECT_SOURCE_DIR}" OUTPUT_VARIABLE place)
+    string(REGEX REPLACE "^[a-z]+/([a-z]+)/.*" "\\1" folder "${place}")
+    set_source_files_properties("${file}" TARGET_DIRECTORY ${program} PROPERTIES UNITY_GROUP ${folder})
+  endforeach()
   target_link_libraries(${program} PRIVATE ${uses} ${arg_LIBRARIES})
   target_compile_definitions(${program} PRIVATE ${arg_DEFINITIONS})
   if(arg_DEPENDS)
@@ -109,9 +118,6 @@ function(wegslot_tests program)
       set_tests_properties(${test} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 1500)
       if(arg_LOCKS)
         set_tests_properties(${test} PROPERTIES RESOURCE_LOCK "${arg_LOCKS}")
-      endif()
-      if(arg_ALONE)
-        set_tests_properties(${test} PROPERTIES RUN_SERIAL ON)
       endif()
     endforeach()
   endforeach()
