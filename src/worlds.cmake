@@ -46,7 +46,7 @@ wegslot_module(platform_linux
   USES base platform monitor dbus spawn_linux)
 
 wegslot_wayland_protocols(idle_protocols
-  ${WAYLAND_PROTOCOLS}/staging/ext-idle-notify/ext-idle-notify-v1.xml
+  ${CMAKE_CURRENT_SOURCE_DIR}/platform/linux/idle/ext-idle-notify-v1.xml
   ${CMAKE_CURRENT_SOURCE_DIR}/platform/linux/idle/org-kde-kwin-idle.xml)
 
 wegslot_module(idle_linux

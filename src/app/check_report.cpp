@@ -177,6 +177,8 @@ Finding idleFinding(const CheckFacts::Activity& facts) {
         text = *facts.idleSource + "; " +
                (facts.idle ? "laatste aanraking " + tenths(*facts.idle) + " s geleden"
                            : "antwoordt niet");
+    if (facts.filmsHoldIdleUp)
+        text += "; een film die speelt telt twee minuten als aanraking en verbergt daarna wie typt";
     return {.name = "idle",
             .label = "Toetsenbord en muis",
             .works = works,

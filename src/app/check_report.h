@@ -38,6 +38,8 @@ struct CheckFacts {
     struct Activity {
         std::optional<std::string> idleSource;
         std::optional<Seconds> idle; ///< nothing when it did not answer
+        /// Whether a film that plays counts as hands for two minutes, and hides them afterwards.
+        bool filmsHoldIdleUp = false;
         std::vector<std::string> cameraSources;
         bool cameraInUse = false;
         std::optional<std::string> microphoneSource;

@@ -159,6 +159,13 @@ TEST(CheckReport, AnIdleSourceThatDoesNotAnswerIsNoneThatWorks) {
     EXPECT_EQ(idle.text, "Mutter; antwoordt niet");
 }
 
+TEST(CheckReport, WhereAFilmCountsAsHandsItSaysForHowLong) {
+    const auto idle =
+        finding(with([](CheckFacts& facts) { facts.activity.filmsHoldIdleUp = true; }), "idle");
+    EXPECT_EQ(idle.text, "Mutter; laatste aanraking 3,2 s geleden; een film die speelt telt twee "
+                         "minuten als aanraking en verbergt daarna wie typt");
+}
+
 TEST(CheckReport, AProofSaysWhoConfirmedWhen) {
     EXPECT_EQ(proofLine({LockWitness::hint, Seconds{0.43}}),
               "Gelockt na 0,4 s, bevestigd door logind (LockedHint)");

@@ -36,6 +36,9 @@ class IdleSource : public ActivitySource {
 public:
     /// Since the last key or mouse input, 0 or more; nothing when no answer came in time.
     [[nodiscard]] virtual std::optional<Seconds> idleTime() = 0;
+
+    /// Whether a film that plays counts as hands for two minutes, and hides them afterwards.
+    [[nodiscard]] virtual bool canBeHeldUp() const { return false; }
 };
 
 class CameraSource : public ActivitySource {

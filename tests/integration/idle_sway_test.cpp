@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <optional>
 
 using namespace wegslot;
@@ -31,6 +33,19 @@ struct IdleSwayTest : testing::Test {
         ASSERT_EQ(wtype.ended(), 0) << wtype.output();
     }
 
+    /// Has sway take every window for a film, or none.
+    void inhibits(const std::string& when) const {
+        Program message(
+            {.words = {"swaymsg", "-s", ipcSocket(), "[app_id=.*]", "inhibit_idle", when}});
+        ASSERT_EQ(message.ended(), 0) << message.output();
+    }
+
+    [[nodiscard]] std::string ipcSocket() const {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            if (entry.path().filename().string().starts_with("sway-ipc.")) return entry.path();
+        return {};
+    }
+
     [[nodiscard]] bool answers(std::optional<Seconds> expected) {
         return loop.runUntil([&] { return idle->idleTime() == expected; });
     }
@@ -50,6 +65,33 @@ TEST_F(IdleSwayTest, GrowsUntilAKeyIsTyped) {
     EXPECT_TRUE(answers(10s));
     typeKey();
     ASSERT_TRUE(answers(0s));
+    EXPECT_TRUE(answers(1s));
+}
+
+TEST_F(IdleSwayTest, AFilmHoldsItUpForTwoMinutesAndHidesHandsThen) {
+    Program film({.words = {WEGSLOT_FULL_SCREEN_WINDOW},
+                  .environment = {{"XDG_RUNTIME_DIR", folder.path()},
+                                  {"WAYLAND_DISPLAY", HeadlessSway::socketName},
+                                  {"QT_QPA_PLATFORM", "wayland"}}});
+    ASSERT_TRUE(becomesTrue([&] { return film.output().find("focus") != std::string::npos; }))
+        << film.output();
+    // It has to begin while the seat counts as touched, which is a second after a key: on a busy
+    // machine that takes more than one attempt.
+    bool isHeldUp = false;
+    for (int attempt = 0; attempt < 20 && !isHeldUp; ++attempt) {
+        inhibits("none");
+        typeKey();
+        ASSERT_TRUE(answers(0s));
+        inhibits("open");
+        const auto later = std::chrono::steady_clock::now() + 3 * SeatIdle::timeout;
+        ASSERT_TRUE(loop.runUntil([&] { return std::chrono::steady_clock::now() > later; }));
+        isHeldUp = idle->idleTime() == 0s;
+    }
+    ASSERT_TRUE(isHeldUp);
+    loop.pass(SeatIdle::longestHands);
+    EXPECT_TRUE(answers(std::nullopt));
+    EXPECT_TRUE(idle->isThere());
+    inhibits("none");
     EXPECT_TRUE(answers(1s));
 }
 

@@ -127,6 +127,7 @@ CheckFacts::Activity Check::activity() {
     if (IdleSource* const source = first(world_.activity.idle())) {
         facts.idleSource = source->name();
         facts.idle = source->idleTime();
+        facts.filmsHoldIdleUp = source->canBeHeldUp();
     }
     for (const CameraSource* const source : world_.activity.cameras())
         if (source->isThere()) facts.cameraSources.push_back(source->name());

@@ -9,10 +9,9 @@
 namespace wegslot {
 namespace {
 
-/// The request of version 2 that looks at input alone, playing films or not. Its number is used,
-/// because the description that this is built with may be of version 1 and lack its name.
-constexpr std::uint32_t getInputIdleNotification = 2;
-constexpr std::uint32_t versionWithInput = 2;
+/// The version whose second request looks at input alone, playing films or not.
+constexpr std::uint32_t versionWithInput =
+    EXT_IDLE_NOTIFIER_V1_GET_INPUT_IDLE_NOTIFICATION_SINCE_VERSION;
 
 class ExtNotification final : public IdleNotification {
 public:
@@ -45,32 +44,25 @@ public:
 
     [[nodiscard]] std::unique_ptr<IdleNotification>
     watch(wl_seat* seat, std::chrono::milliseconds timeout, Told told) override {
-        const auto milliseconds = static_cast<std::uint32_t>(timeout.count());
-        const auto notification =
-            ext_idle_notifier_v1_get_version(proxy_) < versionWithInput
-                ? ext_idle_notifier_v1_get_idle_notification(proxy_, milliseconds, seat)
-                : inputNotification(milliseconds, seat);
+        const auto ask = canBeHeldUp() ? ext_idle_notifier_v1_get_idle_notification
+                                       : ext_idle_notifier_v1_get_input_idle_notification;
+        auto* const notification = ask(proxy_, static_cast<std::uint32_t>(timeout.count()), seat);
         if (notification == nullptr) return nullptr;
         return std::make_unique<ExtNotification>(notification, std::move(told));
     }
 
-private:
-    [[nodiscard]] ext_idle_notification_v1* inputNotification(std::uint32_t milliseconds,
-                                                              wl_seat* seat) {
-        auto* const notifier = reinterpret_cast<wl_proxy*>(proxy_); // as the generated code does
-        return reinterpret_cast<ext_idle_notification_v1*>(wl_proxy_marshal_flags(
-            notifier, getInputIdleNotification, &ext_idle_notification_v1_interface,
-            wl_proxy_get_version(notifier), 0, nullptr, milliseconds, seat));
+    [[nodiscard]] bool canBeHeldUp() const override {
+        return ext_idle_notifier_v1_get_version(proxy_) < versionWithInput;
     }
 
+private:
     ext_idle_notifier_v1* proxy_;
 };
 
 std::unique_ptr<IdleProtocol> bindExtIdle(wl_registry* registry, std::uint32_t number,
                                           std::uint32_t version) {
-    const auto known = static_cast<std::uint32_t>(ext_idle_notifier_v1_interface.version);
     void* const proxy = wl_registry_bind(registry, number, &ext_idle_notifier_v1_interface,
-                                         std::min({version, known, versionWithInput}));
+                                         std::min(version, versionWithInput));
     if (proxy == nullptr) return nullptr;
     return std::make_unique<ExtIdleNotify>(static_cast<ext_idle_notifier_v1*>(proxy));
 }

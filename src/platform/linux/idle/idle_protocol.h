@@ -38,6 +38,10 @@ public:
     /// The time begins now, and at each touch. Null when it cannot be asked.
     [[nodiscard]] virtual std::unique_ptr<IdleNotification>
     watch(wl_seat* seat, std::chrono::milliseconds timeout, Told told) = 0;
+
+    /// Whether a film, or whatever else inhibits idling, keeps `idle` from being told although
+    /// nobody touches the seat.
+    [[nodiscard]] virtual bool canBeHeldUp() const = 0;
 };
 
 /// How a protocol is found in the list of what a compositor offers.

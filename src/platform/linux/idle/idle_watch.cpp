@@ -48,8 +48,8 @@ std::optional<Nanoseconds> IdleWatch::idleTime() const {
     std::optional<Nanoseconds> shortest;
     if (!protocol_) return shortest;
     for (const auto& [number, seat] : seats_) {
-        const Nanoseconds idle = seat.idle.idleTime(clock_.now());
-        shortest = std::min(idle, shortest.value_or(idle));
+        const auto idle = seat.idle.idleTime(clock_.now());
+        if (idle) shortest = std::min(*idle, shortest.value_or(*idle));
     }
     return shortest;
 }
@@ -59,7 +59,8 @@ void IdleWatch::offered(std::uint32_t number, const std::string& interface, std:
         auto* const proxy = static_cast<wl_seat*>(wl_registry_bind(
             registry_, number, &wl_seat_interface, std::min(version, seatVersion)));
         if (proxy == nullptr) return;
-        watch(seats_.try_emplace(number, Seat{{proxy, giveBack}, {}, {}}).first->second);
+        watch(seats_.try_emplace(number, Seat{{proxy, giveBack}, {clock_.now(), false}, {}})
+                  .first->second);
         return;
     }
     const auto kind = std::ranges::find(kinds_, interface, &IdleProtocolKind::interface);
@@ -89,12 +90,12 @@ void IdleWatch::chooseProtocol() {
 }
 
 void IdleWatch::watch(Seat& seat) {
-    seat.idle = {};
+    seat.idle = {clock_.now(), canBeHeldUp()};
     if (!protocol_) return;
     seat.notification =
         protocol_->watch(seat.proxy.get(), SeatIdle::timeout,
                          {.idle = [this, &seat] { seat.idle.becameIdle(clock_.now()); },
-                          .active = [&seat] { seat.idle.becameActive(); }});
+                          .active = [this, &seat] { seat.idle.becameActive(clock_.now()); }});
 }
 
 } // namespace wegslot

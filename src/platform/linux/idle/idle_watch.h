@@ -32,7 +32,14 @@ public:
     /// The protocol in use, as people know it; nothing when the compositor offers none.
     [[nodiscard]] std::optional<std::string> protocol() const;
 
-    /// Since any seat was touched; nothing without a protocol or without seats.
+    /// Whether there is a protocol, and a seat to watch by it.
+    [[nodiscard]] bool isWatching() const { return protocol_ != nullptr && !seats_.empty(); }
+
+    /// Whether a film can make the idle time unknown; see `IdleProtocol`.
+    [[nodiscard]] bool canBeHeldUp() const { return protocol_ && protocol_->canBeHeldUp(); }
+
+    /// Since any seat was touched; nothing without a protocol or without seats, or where a film may
+    /// be all that there is.
     [[nodiscard]] std::optional<Nanoseconds> idleTime() const;
 
 private:

@@ -45,6 +45,8 @@ public:
         return std::make_unique<KwinNotification>(notification, std::move(told));
     }
 
+    [[nodiscard]] bool canBeHeldUp() const override { return true; }
+
 private:
     org_kde_kwin_idle* proxy_;
 };

@@ -16,7 +16,7 @@ std::string WaylandIdle::name() const {
     return protocol ? "Wayland (" + *protocol + ")" : "Wayland";
 }
 
-bool WaylandIdle::isThere() const { return watch_ && watch_->idleTime().has_value(); }
+bool WaylandIdle::isThere() const { return watch_ && watch_->isWatching(); }
 
 std::optional<Seconds> WaylandIdle::idleTime() {
     // What is known is worth nothing when the compositor hangs: nobody would have told.

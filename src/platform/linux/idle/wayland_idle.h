@@ -33,6 +33,7 @@ public:
     [[nodiscard]] bool isThere() const override;
 
     [[nodiscard]] std::optional<Seconds> idleTime() override;
+    [[nodiscard]] bool canBeHeldUp() const override { return watch_ && watch_->canBeHeldUp(); }
 
 private:
     void connect();
