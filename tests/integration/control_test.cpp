@@ -55,16 +55,14 @@ struct ControlTest : testing::Test {
     [[nodiscard]] bool happens(const std::function<bool()>& condition) {
         using Clock = std::chrono::steady_clock;
         auto next = Clock::now();
-        return loop.runUntil(
-            [&] {
-                if (Clock::now() >= next && strength != 0) {
-                    strength = static_cast<std::int16_t>(-101 - strength);
-                    bluez.report(someAddress, strength, {});
-                    next = Clock::now() + std::chrono::milliseconds{300};
-                }
-                return condition();
-            },
-            std::chrono::seconds{20});
+        return loop.runUntil([&] {
+            if (Clock::now() >= next && strength != 0) {
+                strength = static_cast<std::int16_t>(-101 - strength);
+                bluez.report(someAddress, strength, {});
+                next = Clock::now() + std::chrono::milliseconds{300};
+            }
+            return condition();
+        });
     }
     [[nodiscard]] bool logs(const std::string& text) const {
         return home.log().find(text) != std::string::npos;

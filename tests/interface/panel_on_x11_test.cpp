@@ -42,16 +42,14 @@ protected:
     [[nodiscard]] bool happens(const std::function<bool()>& condition) {
         using Clock = std::chrono::steady_clock;
         auto next = Clock::now();
-        return loop.runUntil(
-            [&] {
-                if (Clock::now() >= next) {
-                    strength = static_cast<std::int16_t>(-101 - strength);
-                    bluez.report(address, strength, {{"ManufacturerData", ofThePhone}});
-                    next = Clock::now() + std::chrono::milliseconds{300};
-                }
-                return condition();
-            },
-            std::chrono::seconds{20});
+        return loop.runUntil([&] {
+            if (Clock::now() >= next) {
+                strength = static_cast<std::int16_t>(-101 - strength);
+                bluez.report(address, strength, {{"ManufacturerData", ofThePhone}});
+                next = Clock::now() + std::chrono::milliseconds{300};
+            }
+            return condition();
+        });
     }
 
     /// What a program says that has to do with this screen, at its end.
