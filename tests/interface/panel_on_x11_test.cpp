@@ -117,6 +117,9 @@ TEST_F(PanelOnX11Test, IsDrivenByKeysAndMouseFromTheFirstStartToTheEnd) {
     EXPECT_TRUE(logs("Sleutel in de buurt, bewaking actief"));
 
     reopen();
+    // Somebody else who is given the focus neither closes it nor takes the keys.
+    const Program film({.words = {WEGSLOT_FULL_SCREEN_WINDOW}, .environment = variables});
+    ASSERT_TRUE(happens([&] { return film.output().find("focus") != std::string::npos; }));
     const double before = threshold();
     // The switch, the cross of the key, and its slider.
     type({"Tab", "Tab", "Tab", "Right", "Right", "Right"});
