@@ -23,6 +23,7 @@ CheckFacts good() {
                       .cameraSources = {"PipeWire", "/proc"},
                       .cameraInUse = false,
                       .microphoneSource = "PulseAudio",
+                      .microphoneAnswers = true,
                       .microphoneUser = "Foo"};
     facts.tray = true;
     facts.autostart = true;
@@ -157,6 +158,13 @@ TEST(CheckReport, AnIdleSourceThatDoesNotAnswerIsNoneThatWorks) {
     const auto idle = finding(with([](CheckFacts& facts) { facts.activity.idle.reset(); }), "idle");
     EXPECT_FALSE(idle.works);
     EXPECT_EQ(idle.text, "Mutter; antwoordt niet");
+}
+
+TEST(CheckReport, AMicrophoneSourceThatDoesNotAnswerIsNotSaidToBeOutOfUse) {
+    const auto microphone = finding(
+        with([](CheckFacts& facts) { facts.activity.microphoneAnswers = false; }), "microphone");
+    EXPECT_FALSE(microphone.works);
+    EXPECT_EQ(microphone.text, "PulseAudio; antwoordt niet");
 }
 
 TEST(CheckReport, AProofSaysWhoConfirmedWhen) {

@@ -61,6 +61,10 @@ struct CheckTest : testing::Test {
             if (check.at("name") == name) return check;
         return {};
     }
+    /// Asked again while a busy machine is too slow for an answer: then it says so.
+    [[nodiscard]] bool saysOfTheMicrophone(const std::string& text) {
+        return becomesTrue([&] { return named(report(), "microphone").at("text") == text; });
+    }
     [[nodiscard]] static Names found(const Json& report, const std::string& name) {
         return named(report, name).at("found").get<Names>();
     }
@@ -254,14 +258,14 @@ TEST_F(CheckWithRadioTest, WhoRecordsIsNamedOnPulseAudioAndOnPipeWire) {
         environment["XDG_RUNTIME_DIR"] = std::getenv("XDG_RUNTIME_DIR");
         EXPECT_FALSE(works(report(), "microphone"));
         ASSERT_TRUE(server->start());
-        EXPECT_EQ(named(report(), "microphone").at("text"), "PulseAudio; niet in gebruik");
+        EXPECT_TRUE(saysOfTheMicrophone("PulseAudio; niet in gebruik")) << output;
         Program recorder({.words = {"parecord", "--device=mic", "/dev/null"}});
         ASSERT_TRUE(becomesTrue([] {
             return !MediaSession::run({"pactl", "list", "short", "source-outputs"})
                         .value_or("")
                         .empty();
         }));
-        EXPECT_EQ(named(report(), "microphone").at("text"), "PulseAudio; in gebruik door pacat");
+        EXPECT_TRUE(saysOfTheMicrophone("PulseAudio; in gebruik door pacat")) << output;
     }
 }
 
