@@ -200,14 +200,16 @@ Finding cameraFinding(const CheckFacts::Activity& facts) {
 }
 
 Finding microphoneFinding(const CheckFacts::Activity& facts) {
+    const bool works = facts.microphoneSource && facts.microphoneAnswers;
     std::string text = "niet te zien";
     if (facts.microphoneSource)
         text = *facts.microphoneSource + "; " +
-               (facts.microphoneUser ? "in gebruik door " + printable(*facts.microphoneUser)
-                                     : "niet in gebruik");
+               (!works                 ? "antwoordt niet"
+                : facts.microphoneUser ? "in gebruik door " + printable(*facts.microphoneUser)
+                                       : "niet in gebruik");
     return {.name = "microphone",
             .label = "Microfoon",
-            .works = facts.microphoneSource.has_value(),
+            .works = works,
             .needed = false,
             .found = facts.microphoneSource ? Names{*facts.microphoneSource} : Names{},
             .text = text};

@@ -43,6 +43,7 @@ struct CheckFacts {
         std::vector<std::string> cameraSources;
         bool cameraInUse = false;
         std::optional<std::string> microphoneSource;
+        bool microphoneAnswers = false; ///< or nobody knows who records
         std::optional<std::string> microphoneUser;
     };
 

@@ -23,6 +23,7 @@ CheckFacts good() {
                       .cameraSources = {"PipeWire", "/proc"},
                       .cameraInUse = false,
                       .microphoneSource = "PulseAudio",
+                      .microphoneAnswers = true,
                       .microphoneUser = "Foo"};
     facts.tray = true;
     facts.autostart = true;
@@ -164,6 +165,13 @@ TEST(CheckReport, WhereAFilmCountsAsHandsItSaysForHowLong) {
         finding(with([](CheckFacts& facts) { facts.activity.filmsHoldIdleUp = true; }), "idle");
     EXPECT_EQ(idle.text, "Mutter; laatste aanraking 3,2 s geleden; een film die speelt telt twee "
                          "minuten als aanraking en verbergt daarna wie typt");
+}
+
+TEST(CheckReport, AMicrophoneSourceThatDoesNotAnswerIsNotSaidToBeOutOfUse) {
+    const auto microphone = finding(
+        with([](CheckFacts& facts) { facts.activity.microphoneAnswers = false; }), "microphone");
+    EXPECT_FALSE(microphone.works);
+    EXPECT_EQ(microphone.text, "PulseAudio; antwoordt niet");
 }
 
 TEST(CheckReport, AProofSaysWhoConfirmedWhen) {

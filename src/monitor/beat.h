@@ -1,6 +1,7 @@
-// The beat of a clock that ticks each second: the instant for which a tick was meant, a few
-// milliseconds before it is run. Judged by those instants, five seconds are five ticks on every
-// machine; judged by when each tick was run they would be five or, as the chance falls, six.
+// The beat of a clock that ticks each second: the instant for which a tick was meant, however much
+// later within its second a busy machine runs it. Judged by those instants, five seconds are five
+// ticks on every machine; judged by when each tick was run they would be five or, as the chance
+// falls, six.
 #pragma once
 
 #include "base/time.h"
@@ -9,20 +10,34 @@ namespace wegslot {
 
 class Beat {
 public:
-    /// A tick that is later than this was held up, or has slept: another beat begins with it.
+    /// A timer is so much late without having missed anything.
     static constexpr Nanoseconds tolerance = std::chrono::milliseconds{100};
 
     /// `start`: when the timer was armed.
     Beat(Nanoseconds interval, TimePoint start) : interval_(interval), beat_(start) {}
 
-    /// What the tick that is run at `now` was meant for.
+    /// What the tick that is run at `now` was meant for. One that is a whole interval late or more
+    /// has missed others, or slept: another beat begins with it.
     [[nodiscard]] TimePoint of(TimePoint now) {
         const Nanoseconds late = (now - beat_) % interval_;
-        beat_ = late > tolerance ? now : now - late;
+        if (isHeldUp(now))
+            beat_ = later(beat_, interval_);
+        else
+            beat_ = late > tolerance ? now : later(now, -late);
         return beat_;
     }
 
+    /// The instant to give to what comes in at `now`, so that the next tick hears it: before that,
+    /// also when it is held up.
+    [[nodiscard]] TimePoint heard(TimePoint now) const {
+        return isHeldUp(now) ? later(beat_, interval_ - std::chrono::milliseconds{1}) : now;
+    }
+
 private:
+    [[nodiscard]] bool isHeldUp(TimePoint now) const {
+        return now - beat_ > interval_ && now - beat_ < 2 * interval_;
+    }
+
     Nanoseconds interval_;
     TimePoint beat_; ///< the last one
 };

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 using namespace wegslot;
 using namespace std::chrono_literals;
 
@@ -39,17 +41,39 @@ TEST(Beat, ATickThatIsALittleLateIsMeantForTheBeat) {
     EXPECT_EQ(beat.of(start + 7s + 1ms), start + 7s); // some were missed
 }
 
-TEST(Beat, ATickThatIsLaterThanThatBeginsAnother) {
+TEST(Beat, ATickThatIsHeldUpWithinItsSecondIsMeantForTheBeatAllTheSame) {
     Beat beat(1s, start);
-    const TimePoint held = start + 1s + Beat::tolerance + 1ns;
+    EXPECT_EQ(beat.of(start + 1s + Beat::tolerance + 1ns), start + 1s);
+    EXPECT_EQ(beat.of(start + 2s), start + 2s);
+    EXPECT_EQ(beat.of(start + 4s - 1ns), start + 3s);
+    EXPECT_EQ(beat.of(start + 4s), start + 4s);
+    EXPECT_EQ(beat.of(start + 6s), start + 6s); // one was missed
+}
+
+TEST(Beat, ATickThatHasMissedOthersBeginsAnother) {
+    Beat beat(1s, start);
+    const TimePoint held = start + 2s + Beat::tolerance + 1ns;
     EXPECT_EQ(beat.of(held), held);
     EXPECT_EQ(beat.of(held + 1s + 2ms), held + 1s);
     EXPECT_EQ(beat.of(start + 1h), start + 1h); // back on the old one
     EXPECT_EQ(beat.of(start + 1h + 1s + 2ms), start + 1h + 1s);
 }
 
+TEST(Beat, WhatComesInWhileATickIsHeldUpIsHeardBeforeIt) {
+    Beat beat(1s, start);
+    static_cast<void>(beat.of(start + 1s));
+    EXPECT_EQ(beat.heard(start + 2s - 1ns), start + 2s - 1ns);
+    EXPECT_EQ(beat.heard(start + 2s), start + 2s); // the tick is not late yet
+    EXPECT_EQ(beat.heard(start + 2s + 1ns), start + 2s - 1ms);
+    EXPECT_EQ(beat.heard(start + 3s - 1ns), start + 2s - 1ms);
+    EXPECT_EQ(beat.heard(start + 3s), start + 3s); // that tick has been missed
+}
+
 TEST(Beat, ACountdownTakesItsSecondsHoweverLateTheTicksAreRun) {
-    for (const Nanoseconds later : {0ms, 1ms, 9ms}) {
+    using Lateness = std::pair<Nanoseconds, Nanoseconds>; // before it begins, and from then on
+    for (const auto& [before, later] :
+         {Lateness{5ms, 0ms}, Lateness{5ms, 1ms}, Lateness{5ms, 9ms}, Lateness{5ms, 700ms},
+          Lateness{700ms, 0ms}, Lateness{700ms, 999ms}}) {
         World world;
         LateClock clock(world.time);
         AppModel::Surroundings around = world.surroundings();
@@ -61,13 +85,13 @@ TEST(Beat, ACountdownTakesItsSecondsHoweverLateTheTicksAreRun) {
         Monitor& monitor = model.monitor();
         world.central.setState(CentralState::poweredOn);
         world.keepHearing(1, -50, 2);
-        clock.late = 5ms;
+        clock.late = before;
         while (!is<phase::Warning>(monitor.phase().get()))
             world.pass(1s);
         clock.late = later;
         world.pass(4s);
         EXPECT_EQ(world.locks, 0);
         world.pass(1s);
-        EXPECT_EQ(world.locks, 1) << later.count();
+        EXPECT_EQ(world.locks, 1) << before.count() << " " << later.count();
     }
 }

@@ -58,6 +58,9 @@ public:
     /// The instant that is judged, or was last.
     [[nodiscard]] TimePoint judgedAt() const { return judgedAt_; }
 
+    /// When what comes in now has come as the next tick sees it: before that, however late it is.
+    [[nodiscard]] TimePoint heardAt() const { return beat_.heard(platform_.clock.now()); }
+
     [[nodiscard]] const Observable<KeyStates>& keyStates() const { return keyStates_; }
 
     /// True while the present snooze was asked for by the user.

@@ -1,5 +1,6 @@
 #include "recording/activity_watch.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace wegslot {
@@ -18,16 +19,16 @@ std::vector<trace::Event> ActivityWatch::changes() {
 }
 
 bool ActivityWatch::touched() {
-    const TimePoint now = clock_.now();
-    const TimePoint before = std::exchange(askedAt_, now);
+    const TimePoint asked = clock_.now();
     const Seconds idle = activity_.idleSeconds();
-    if (idle == ActivityDetector::unknownIdle) return false;
-    const TimePoint last = later(now, -rounded(idle));
-    // One of long ago is no new one, even if this answer puts it later than the one before did.
-    if (last < later(before, -blur)) return false;
-    if (touchedAt_ && last <= later(*touchedAt_, jitter)) return false;
-    touchedAt_ = last;
-    return true;
+    const TimePoint answered = clock_.now();
+    if (idle == ActivityDetector::unknownIdle) return false; // a later answer tells of it
+    // The answer was right at some instant between, so the last touch was between these.
+    const TimePoint earliest = later(asked, -rounded(idle));
+    const TimePoint latest = later(answered, -rounded(idle));
+    const bool isNew = earliest > later(toldUntil_, jitter);
+    toldUntil_ = isNew ? latest : std::min(toldUntil_, latest);
+    return isNew;
 }
 
 } // namespace wegslot

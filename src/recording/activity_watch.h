@@ -17,9 +17,6 @@ public:
     /// How often it is meant to be asked: a touch is told at most so much late.
     static constexpr Nanoseconds interval = std::chrono::milliseconds{200};
 
-    /// A source may take this long to answer, and its answer is as much out of date.
-    static constexpr Nanoseconds blur = std::chrono::milliseconds{100};
-
     /// Between two answers about one touch; touches that are closer together count as one.
     static constexpr Nanoseconds jitter = std::chrono::milliseconds{10};
 
@@ -27,7 +24,7 @@ public:
     ActivityWatch(ActivityDetector& activity, const Clock& clock)
         : activity_(activity),
           clock_(clock),
-          askedAt_(clock.now()) {}
+          toldUntil_(clock.now()) {}
 
     /// What has happened since it was asked last.
     [[nodiscard]] std::vector<trace::Event> changes();
@@ -37,8 +34,7 @@ private:
 
     ActivityDetector& activity_;
     const Clock& clock_;
-    TimePoint askedAt_;
-    std::optional<TimePoint> touchedAt_; ///< of the touch told last
+    TimePoint toldUntil_; ///< every touch up to here is told
     bool camera_ = false;
     std::optional<std::string> microphone_;
 };

@@ -33,10 +33,17 @@ struct ActivityWatchTest : testing::Test {
     }
 };
 
-/// Says what a test puts into it.
+/// Says what a test puts into it, and takes its time for that.
 struct StatedActivity final : ActivityDetector {
+    explicit StatedActivity(VirtualTime& clock) : time(clock) {}
+
+    VirtualTime& time;
+    Nanoseconds takes{0};
     Seconds idle = unknownIdle;
-    [[nodiscard]] Seconds idleSeconds() override { return idle; }
+    [[nodiscard]] Seconds idleSeconds() override {
+        time.advance(takes);
+        return idle;
+    }
     [[nodiscard]] bool cameraInUse() override { return false; }
     [[nodiscard]] std::optional<std::string> microphoneUser() override { return {}; }
 };
@@ -89,20 +96,48 @@ TEST_F(ActivityWatchTest, ATouchDuringAPauseOfTheQuestionsIsToldAfterIt) {
 }
 
 TEST_F(ActivityWatchTest, AnAnswerThatComesLateMakesNoNewTouch) {
-    StatedActivity stated;
+    StatedActivity stated(time);
     ActivityWatch watched(stated, time);
-    stated.idle = 100s;
-    EXPECT_TRUE(watched.changes().empty());
-    // Each answer puts the last touch a little later than the one before.
-    for (int i = 1; i <= 9; ++i) {
+    const TimePoint touched = time.now() - 100s;
+    // It was right when it was asked, or as it came, or between.
+    for (const auto& [takes, age] : {std::pair{90ms, 0ms}, std::pair{0ms, 0ms},
+                                     std::pair{900ms, 900ms}, std::pair{900ms, 450ms}}) {
+        stated.takes = takes;
+        stated.idle = time.now() + takes - age - touched;
+        EXPECT_TRUE(watched.changes().empty()) << takes.count() << " " << age.count();
         time.advance(ActivityWatch::interval);
-        stated.idle = 100s + i * ActivityWatch::interval - i * 10ms;
-        EXPECT_TRUE(watched.changes().empty()) << i;
     }
 }
 
+TEST_F(ActivityWatchTest, ATouchInAnAnswerThatTookLongIsToldWithTheNext) {
+    StatedActivity stated(time);
+    ActivityWatch watched(stated, time);
+    time.advance(1s);
+    const TimePoint touched = time.now();
+    stated.takes = 2s;
+    stated.idle = 1500ms; // it may have been before all this
+    EXPECT_TRUE(watched.changes().empty());
+    stated.takes = 0s;
+    stated.idle = time.now() - touched;
+    EXPECT_EQ(watched.changes().size(), 1U);
+    EXPECT_TRUE(watched.changes().empty());
+}
+
+TEST_F(ActivityWatchTest, ATouchBeforeAQuestionThatWasNotAnsweredIsToldWithTheNext) {
+    StatedActivity stated(time);
+    ActivityWatch watched(stated, time);
+    time.advance(1s);
+    const TimePoint touched = time.now();
+    for (int unanswered = 0; unanswered < 5; ++unanswered) {
+        time.advance(ActivityWatch::interval);
+        EXPECT_TRUE(watched.changes().empty());
+    }
+    stated.idle = time.now() - touched;
+    EXPECT_EQ(watched.changes().size(), 1U);
+}
+
 TEST_F(ActivityWatchTest, AnAnswerThatWaversIsStillTheSameTouch) {
-    StatedActivity stated;
+    StatedActivity stated(time);
     ActivityWatch watched(stated, time);
     time.advance(ActivityWatch::interval);
     stated.idle = 20ms;

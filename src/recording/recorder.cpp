@@ -61,6 +61,9 @@ Recorder::Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& 
         [this](bool active) { tell(trace::Discovery{active}); }));
     subscriptions_.push_back(model_.monitor().asked().onChange(
         [this](const UserAction& asked) { tell(std::visit(AsEvent{}, asked)); }));
+    // A tick has just begun, and will ask as well: what it finds then has to be told before it.
+    subscriptions_.push_back(model_.monitor().keyStates().onChange(
+        [this](const KeyStates&) { tellActivity(beforeJudgement()); }));
     if (atOnce) begin(*std::move(atOnce), CoreIs::fresh);
 }
 
@@ -156,10 +159,15 @@ void Recorder::tellStanding() {
     tellActivity();
 }
 
-void Recorder::tellActivity() {
+void Recorder::tellActivity(std::optional<TimePoint> at) {
     if (!isRecording()) return;
     for (trace::Event& event : recording_->activity.changes())
-        tell(std::move(event));
+        tell(std::move(event), at);
+}
+
+/// For what the tick that is under way hears, so that a replay hears it before that tick too.
+TimePoint Recorder::beforeJudgement() const {
+    return model_.monitor().judgedAt() - std::chrono::milliseconds{1};
 }
 
 /// Those of `ids` that the stack can be asked for and that no line has told of yet.
@@ -170,13 +178,10 @@ void Recorder::tellKnown(const std::set<Uuid>& ids) {
             tell(trace::Known{id, radio_.peripheralName(id)});
 }
 
-void Recorder::tell(trace::Event event) {
+void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
     if (!isRecording()) return;
-    // What is read for a tick came before it, so that a replay hears it before that tick too.
-    const TimePoint at = radio_.isCatchingUp()
-                             ? model_.monitor().judgedAt() - std::chrono::milliseconds{1}
-                             : platform_.clock.now();
-    const auto failure = recording_->tell(std::move(event), at);
+    if (!at) at = radio_.isCatchingUp() ? beforeJudgement() : model_.monitor().heardAt();
+    const auto failure = recording_->tell(std::move(event), *at);
     if (!failure) return;
     letGo();
     Log::write("Opname gestopt: " + failure->message);

@@ -60,8 +60,9 @@ private:
     void begin(Request request, CoreIs core);
     void letGo();
     void tellStanding();
-    void tellActivity();
-    void tell(trace::Event event);
+    void tellActivity(std::optional<TimePoint> at = {});
+    void tell(trace::Event event, std::optional<TimePoint> at = {});
+    [[nodiscard]] TimePoint beforeJudgement() const;
     void tellKnown(const std::set<Uuid>& ids);
     [[nodiscard]] Preferences preferences() const;
 

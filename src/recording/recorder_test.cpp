@@ -248,6 +248,29 @@ TEST_F(RecorderTest, TheActivityIsAskedFiveTimesASecond) {
                             "{\"t\":0.4,\"microphone\":\"Vergaderen\"}\n"}));
 }
 
+TEST_F(RecorderTest, ATouchThatATickFindsIsToldBeforeIt) {
+    start();
+    world.pass(900ms); // the question at 0.8 s was the last before the tick
+    world.activity.touch();
+    world.pass(100ms); // the tick, and only then the question of five times a second
+    EXPECT_EQ(lines, Lines{"{\"t\":0.999,\"input\":true}\n"});
+}
+
+TEST_F(RecorderTest, WhatComesInWhileATickIsHeldUpIsToldBeforeIt) {
+    world.settings().keys.set({keyNamed("Telefoon", 1)});
+    start();
+    world.central.setState(CentralState::poweredOn);
+    world.pass(999ms);
+    lines.clear();
+    world.time.sleep(300ms); // the clock goes on and the timers do not, as on a busy machine
+    world.hear(1, -50);
+    world.pass(1ms);
+    EXPECT_EQ(world.monitor().judgedAt(), World::start + 1s);
+    EXPECT_EQ(world.phaseName(), "present");
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_TRUE(lines[0].starts_with("{\"t\":0.999,")) << lines[0];
+}
+
 TEST_F(RecorderTest, InARunningCoreItBeginsWithHowThingsStand) {
     make({});
     world.settings().keys.set({keyNamed("Telefoon", 2)});

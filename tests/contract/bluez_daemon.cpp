@@ -16,10 +16,10 @@ constexpr auto service = "org.bluez";
 constexpr auto adapterPath = "/org/bluez/hci0";
 constexpr auto adapterInterface = "org.bluez.Adapter1";
 constexpr auto deviceInterface = "org.bluez.Device1";
-constexpr std::uint64_t callMicroseconds = 60'000'000;
+constexpr std::uint64_t callMicroseconds = 240'000'000;
 
 void waitFor(const char* what, const std::function<bool()>& condition) {
-    const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds{60};
+    const auto latest = std::chrono::steady_clock::now() + std::chrono::minutes{4};
     while (!condition()) {
         if (std::chrono::steady_clock::now() > latest)
             throw std::runtime_error(std::string("not in a minute: ") + what);

@@ -26,7 +26,7 @@ namespace wegslot {
 namespace {
 
 /// Under emulation everything takes several times as long, and BlueZ waits 40 s for some.
-constexpr std::chrono::seconds patience{60};
+constexpr std::chrono::minutes patience{4}; // what takes longer hangs, emulated too
 
 QCoreApplication& application() {
     static int argc = 1;

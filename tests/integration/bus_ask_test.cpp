@@ -3,6 +3,7 @@
 
 #include "tests/integration/answering_service.h"
 #include "tests/support/bus_loop.h"
+#include "tests/support/environment.h"
 
 #include <gtest/gtest.h>
 
@@ -87,9 +88,8 @@ TEST_F(BusAskTest, SilenceGivesNothingAndALateAnswerIsNobodys) {
                                        kept = sd_bus_message_unref(kept);
                                        replyWith(call, 2);
                                    });
-    const auto start = std::chrono::steady_clock::now();
+    const Environment patient{{{"SYSTEMD_BUS_TIMEOUT", "1h"}}}; // by the library's own this hangs
     EXPECT_EQ(ask(20ms), std::nullopt);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s); // and not the library's 25
     EXPECT_EQ(answers, 0);
     EXPECT_EQ(ask(), 2);
 }

@@ -2,6 +2,7 @@
 
 #include "app/qt/bus_pump.h"
 #include "tests/support/private_bus.h"
+#include "tests/support/waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,10 @@ namespace {
 
 constexpr auto path = "/test";
 constexpr auto interface = "nl.wegslot.Test";
+
+constexpr int milliseconds(std::chrono::milliseconds duration) {
+    return static_cast<int>(duration.count());
+}
 
 struct BusPumpTest : testing::Test {
     BusPumpTest() {
@@ -58,7 +63,7 @@ struct BusPumpTest : testing::Test {
         QTimer awake; // so that the condition is looked at
         awake.start(20);
         QEventLoop loop;
-        while (!condition() && patience.elapsed() < 10'000)
+        while (!condition() && !patience.hasExpired(milliseconds(onlyAHang)))
             loop.processEvents(QEventLoop::WaitForMoreEvents);
         ASSERT_TRUE(condition());
     }
@@ -71,7 +76,7 @@ struct BusPumpTest : testing::Test {
     /// Whether something is there to be read.
     [[nodiscard]] bool comesIn() const {
         pollfd watched{receiver->fd(), POLLIN, 0};
-        return poll(&watched, 1, 10'000) == 1;
+        return poll(&watched, 1, milliseconds(onlyAHang)) == 1;
     }
 
     /// Sends until one is left to wait.

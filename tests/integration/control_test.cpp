@@ -12,8 +12,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
+
+#include <systemd/sd-bus.h>
 
 using namespace wegslot;
 using Json = nlohmann::json;
@@ -55,16 +58,14 @@ struct ControlTest : testing::Test {
     [[nodiscard]] bool happens(const std::function<bool()>& condition) {
         using Clock = std::chrono::steady_clock;
         auto next = Clock::now();
-        return loop.runUntil(
-            [&] {
-                if (Clock::now() >= next && strength != 0) {
-                    strength = static_cast<std::int16_t>(-101 - strength);
-                    bluez.report(someAddress, strength, {});
-                    next = Clock::now() + std::chrono::milliseconds{300};
-                }
-                return condition();
-            },
-            std::chrono::seconds{20});
+        return loop.runUntil([&] {
+            if (Clock::now() >= next && strength != 0) {
+                strength = static_cast<std::int16_t>(-101 - strength);
+                bluez.report(someAddress, strength, {});
+                next = Clock::now() + std::chrono::milliseconds{300};
+            }
+            return condition();
+        });
     }
     [[nodiscard]] bool logs(const std::string& text) const {
         return home.log().find(text) != std::string::npos;
@@ -245,6 +246,40 @@ TEST_F(ControlTest, FollowingTellsEachPhaseOfADepartureWithItsReason) {
     ASSERT_TRUE(happens([&] { return !follower.isRunning(); }));
     EXPECT_EQ(follower.ended(), 3);
     EXPECT_NE(follower.output().find("wegslot: Wegslot is gestopt\n"), std::string::npos);
+}
+
+TEST_F(ControlTest, WhatChangesWhileTheStatusIsAskedForIsInItAndNoLineOfItsOwn) {
+    LookAlike service(loop, "nl.wegslot.Wegslot");
+    const auto change = [&service](const char* phase) {
+        service.signal("/nl/wegslot/Wegslot", "nl.wegslot.Wegslot1", "PhaseChanged",
+                       [phase](sd_bus_message* signal) {
+                           sd_bus_message_append(signal, "sss", phase, phase, phase);
+                       });
+    };
+    service.on("org.freedesktop.DBus.Properties.GetAll",
+               [&](LookAlike& self, sd_bus_message* call) {
+                   change("warning");
+                   self.reply(call, [](sd_bus_message* answer) {
+                       sd_bus_message_append(answer, "a{sv}", 1, "Phase", "s", "warning");
+                   });
+                   change("locked");
+               });
+    Program follower(
+        {.words = {WEGSLOT_PROGRAM, "status", "--follow", "--json"}, .environment = variables});
+    const auto lines = [&follower] {
+        const std::string said = follower.output();
+        return std::ranges::count(said, '\n');
+    };
+    ASSERT_TRUE(happens([&] { return lines() >= 2; })) << follower.output();
+    service.vanish(); // after which nothing more comes
+    ASSERT_TRUE(happens([&] { return !follower.isRunning(); }));
+    EXPECT_EQ(lines(), 3) << follower.output(); // the last says that it is gone
+    std::istringstream said(follower.output());
+    for (const char* const phase : {"warning", "locked"}) {
+        std::string line;
+        std::getline(said, line);
+        EXPECT_EQ(Json::parse(line).at("phase"), phase) << line;
+    }
 }
 
 TEST_F(ControlTest, UpdateNowIsHandedToTheOneThatRuns) {

@@ -213,7 +213,11 @@ IdleCompositor::~IdleCompositor() {
     close(receipts_[0]);
 }
 
-void IdleCompositor::signal(int number) const { kill(process_, number); }
+void IdleCompositor::signal(int number) const {
+    kill(process_, number);
+    siginfo_t stopped{};
+    if (number == SIGSTOP) waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED);
+}
 
 void IdleCompositor::order(char what, int argument) {
     const Order order{what, static_cast<std::uint8_t>(argument)};

@@ -34,7 +34,8 @@ public:
     /// Breaks the protocol, and with it every connection.
     void talkNonsense() { order('n', 0); }
 
-    /// SIGSTOP and SIGCONT; an order to a compositor that hangs would wait for ever.
+    /// SIGSTOP and SIGCONT, done when this returns; an order to a compositor that hangs would wait
+    /// for ever.
     void signal(int number) const;
 
     /// What clients asked for, in order: "watch SEAT TIMEOUT", "watch input SEAT TIMEOUT",

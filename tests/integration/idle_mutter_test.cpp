@@ -5,6 +5,7 @@
 #include "tests/integration/answering_service.h"
 #include "tests/support/bus_loop.h"
 #include "tests/support/captured_log.h"
+#include "tests/support/environment.h"
 #include "tests/support/program.h"
 
 #include <gtest/gtest.h>
@@ -97,9 +98,8 @@ TEST_F(PlayedMutterTest, NonsenseIsNoAnswer) {
 
 TEST_F(PlayedMutterTest, SilenceIsNoAnswerAndSoon) {
     play([](sd_bus*, sd_bus_message*) {});
-    const auto start = std::chrono::steady_clock::now();
+    const Environment patient{{{"SYSTEMD_BUS_TIMEOUT", "1h"}}}; // by the library's own this hangs
     EXPECT_EQ(idle.idleTime(), std::nullopt);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s); // and not the library's 25
     EXPECT_TRUE(idle.isThere());
 }
 

@@ -203,10 +203,9 @@ TEST_F(LockersTest, I3lockOnX11IsStartedAndItsEndIsTheUnlock) {
     for (const char* const program : {"Xvfb", "i3lock"})
         if (!isInstalled(program)) GTEST_SKIP() << program << " is not installed";
     Program server({.words = {"Xvfb", "-displayfd", "1", "-noreset"}});
-    ASSERT_TRUE(becomesTrue([&] { return server.output().ends_with('\n'); })) << server.output();
-    const std::string display = ":" + server.output().substr(0, server.output().find('\n'));
+    ASSERT_TRUE(becomesTrue([&] { return !displayOf(server).empty(); })) << server.output();
     const Environment environment(
-        {{"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}, {"XDG_SESSION_TYPE", ""}});
+        {{"DISPLAY", displayOf(server)}, {"WAYLAND_DISPLAY", ""}, {"XDG_SESSION_TYPE", ""}});
     start();
     ASSERT_EQ(locking->locker.command(), (LockCommand{"i3lock", "--nofork"}));
     lockByALocker();

@@ -36,12 +36,10 @@ constexpr int changes = 200;
     _exit(0);
 }
 
-/// What is announced last before the end of the one who announces; 0 for nothing.
-int lastOf(int announcements) {
-    int last = 0;
-    for (int change = 0; ::read(announcements, &change, sizeof change) == sizeof change;)
-        last = change;
-    return last;
+/// The next change that is announced; 0 when there is none any more.
+int nextOf(int announcements) {
+    int change = 0;
+    return ::read(announcements, &change, sizeof change) == sizeof change ? change : 0;
 }
 
 } // namespace
@@ -57,11 +55,19 @@ TEST(PreferencesCrash, AKillAtAnyMomentLeavesTheLastChangeOrTheOneBefore) {
         const pid_t child = fork();
         if (child == 0) changeAll(file, announcements[1]);
         close(announcements[1]);
-        std::this_thread::sleep_for(std::chrono::microseconds{dice.between(0, 30'000)});
+        // By what it has come to and not by a time; the turns left to it put the kill anywhere in
+        // that.
+        const int wanted = dice.between(1, changes / 2);
+        int last = 0;
+        while (last < wanted && (last = nextOf(announcements[0])) != 0) {
+        }
+        for (int turns = dice.between(0, 20); turns > 0; --turns)
+            std::this_thread::yield();
         kill(child, SIGKILL);
         int status = 0;
         ASSERT_EQ(waitpid(child, &status, 0), child);
-        const int last = lastOf(announcements[0]);
+        while (const int change = nextOf(announcements[0]))
+            last = change;
         close(announcements[0]);
         if (last > 0 && WIFSIGNALED(status)) ++killedUnderWay;
 

@@ -15,12 +15,15 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <map>
 #include <memory>
 #include <optional>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -36,11 +39,19 @@ namespace {
 constexpr auto ownName = "Sleutelbos van Jan";
 constexpr auto keyName = "Jan zijn tag";
 
-/// A line of the log, and when it came: since the first one, which is of the core's beginning.
+/// A line of the log, and when it was written: since the first one, which is of the core's
+/// beginning.
 struct Logged {
     std::string message;
     Seconds at;
 };
+
+/// The program's own stamp, which knows whole seconds only.
+std::time_t instantOf(const std::string& stamp) {
+    std::tm time{};
+    std::istringstream(stamp) >> std::get_time(&time, "%Y-%m-%d %H:%M:%S");
+    return timegm(&time);
+}
 
 /// What an adapter of the program says is no business of the core's.
 bool isOfTheCore(const Logged& line) {
@@ -109,11 +120,11 @@ struct RecordingRunTest : testing::Test {
     /// Notes what the log says by now.
     bool read() {
         const auto lines = home.lines("Library/Logs/Wegslot.log");
-        const auto now = RealClock::now();
         constexpr std::size_t stamp = 20; // "2026-11-15 23:50:00 "
         for (std::size_t i = log.size(); i < lines.size(); ++i) {
-            if (!began) began = now;
-            log.push_back({lines[i].substr(stamp), now - *began});
+            if (!began) began = RealClock::now();
+            const double seconds = std::difftime(instantOf(lines[i]), instantOf(lines[0]));
+            log.push_back({lines[i].substr(stamp), Seconds{seconds}});
         }
         return true;
     }
@@ -134,7 +145,7 @@ struct RecordingRunTest : testing::Test {
     /// The key is heard once a second until the log has had `count` lines with this beginning.
     void hearUntil(std::int16_t rssi, const std::string& beginning, std::ptrdiff_t count = 1) {
         for (int second = 0; times(beginning) < count; ++second) {
-            ASSERT_LT(second, 30) << "never: " << beginning;
+            ASSERT_LT(second, 200) << "never: " << beginning;
             betweenBeats();
             bluez.report(someAddress, rssi);
             if (handsOn) person({"mousemove_relative", "5", "3"});
@@ -148,8 +159,8 @@ struct RecordingRunTest : testing::Test {
         read();
     }
 
-    /// The replay says what the program said, each within 1.1 s, goes through `phases`, and asks
-    /// for the lock as often.
+    /// The replay says what the program said, goes through `phases`, and asks for the lock as
+    /// often; each at its time, but for the stamps' fractions and for a beat that was run late.
     void expectReplayed(const std::vector<std::string>& phases) {
         std::vector<Logged> again;
         std::vector<std::string> phasesAgain;
@@ -164,7 +175,7 @@ struct RecordingRunTest : testing::Test {
         ASSERT_EQ(again.size(), log.size());
         for (std::size_t i = 0; i < log.size(); ++i) {
             EXPECT_EQ(withoutHour(again[i].message), withoutHour(log[i].message));
-            EXPECT_NEAR(again[i].at.count(), log[i].at.count(), 1.1) << log[i].message;
+            EXPECT_NEAR(again[i].at.count(), log[i].at.count(), 2) << log[i].message;
         }
         EXPECT_EQ(phasesAgain, phases);
         EXPECT_EQ(locks, logind.service.calls("Lock"));
@@ -204,7 +215,7 @@ TEST_F(RecordingRunTest, HandsOnTheMouseAreReplayedAtTheirTimes) {
     for (const char* const tool : {"Xvfb", "xdotool"})
         if (!isInstalled(tool)) GTEST_SKIP() << "no " << tool;
     Program server({.words = {"Xvfb", display, "-noreset", "-nolisten", "tcp", "-displayfd", "1"}});
-    ASSERT_TRUE(becomesTrue([&] { return server.output().ends_with("\n"); })) << server.output();
+    ASSERT_TRUE(becomesTrue([&] { return displayOf(server) == display; })) << server.output();
     environment["DISPLAY"] = display;
     environment["XDG_SESSION_TYPE"] = "x11";
     start();
@@ -223,18 +234,16 @@ TEST_F(RecordingRunTest, AKillLosesTheLastLineAtMost) {
     start();
     hearUntil(-50, "Sleutel in de buurt, bewaking actief");
     // Reports without end, so that it is killed while it writes.
-    const auto until = RealClock::now() + std::chrono::milliseconds{300};
     std::int16_t rssi = -60;
     ASSERT_TRUE(loop.runUntil([&] {
         rssi = rssi == -60 ? -50 : static_cast<std::int16_t>(rssi - 1);
         bluez.report(someAddress, rssi);
-        return RealClock::now() > until;
+        return home.lines("trace").size() > 20;
     }));
     kill(program->process(), SIGKILL);
     EXPECT_EQ(program->ended(), 128 + SIGKILL);
 
     const auto lines = home.lines("trace");
-    EXPECT_GT(lines.size(), 20U);
     TraceReader reader;
     for (std::size_t i = 0; i + 1 < lines.size(); ++i)
         EXPECT_TRUE(reader.read(lines[i])) << lines[i];

@@ -42,16 +42,14 @@ protected:
     [[nodiscard]] bool happens(const std::function<bool()>& condition) {
         using Clock = std::chrono::steady_clock;
         auto next = Clock::now();
-        return loop.runUntil(
-            [&] {
-                if (Clock::now() >= next) {
-                    strength = static_cast<std::int16_t>(-101 - strength);
-                    bluez.report(address, strength, {{"ManufacturerData", ofThePhone}});
-                    next = Clock::now() + std::chrono::milliseconds{300};
-                }
-                return condition();
-            },
-            std::chrono::seconds{20});
+        return loop.runUntil([&] {
+            if (Clock::now() >= next) {
+                strength = static_cast<std::int16_t>(-101 - strength);
+                bluez.report(address, strength, {{"ManufacturerData", ofThePhone}});
+                next = Clock::now() + std::chrono::milliseconds{300};
+            }
+            return condition();
+        });
     }
 
     /// What a program says that has to do with this screen, at its end.
@@ -119,6 +117,9 @@ TEST_F(PanelOnX11Test, IsDrivenByKeysAndMouseFromTheFirstStartToTheEnd) {
     EXPECT_TRUE(logs("Sleutel in de buurt, bewaking actief"));
 
     reopen();
+    // Somebody else who is given the focus neither closes it nor takes the keys.
+    const Program film({.words = {WEGSLOT_FULL_SCREEN_WINDOW}, .environment = variables});
+    ASSERT_TRUE(happens([&] { return film.output().find("focus") != std::string::npos; }));
     const double before = threshold();
     // The switch, the cross of the key, and its slider.
     type({"Tab", "Tab", "Tab", "Right", "Right", "Right"});

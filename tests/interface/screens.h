@@ -31,9 +31,8 @@ public:
     explicit X11Screen(const std::string& windowManager)
         : server_({.words = {"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp", "-screen",
                              "0", "1280x800x24"}}) {
-        const auto hasNumber = [this] { return server_.output().find('\n') != std::string::npos; };
-        if (!becomesTrue(hasNumber)) return;
-        display = ":" + server_.output().substr(0, server_.output().find('\n'));
+        if (!becomesTrue([this] { return !displayOf(server_).empty(); })) return;
+        display = displayOf(server_);
         if (windowManager.empty()) return;
         manager_.emplace(Program::Start{.words = {windowManager},
                                         .environment = {{"DISPLAY", display},

@@ -117,6 +117,10 @@ TEST_F(WarningPanelTest, AFrameRepaintsTheRingAlone) {
     paint();
     EXPECT_TRUE(painted.areas.empty());
     warning.time.advance(1ms);
+    EXPECT_TRUE(becomesTrue([&] {
+        QCoreApplication::processEvents();
+        return !painted.areas.empty();
+    }));
     paint();
     EXPECT_EQ(painted.areas, std::vector{picture::ringBounds});
 }

@@ -1,5 +1,7 @@
 #include "tests/support/bus_loop.h"
 
+#include "tests/support/waiting.h"
+
 #include <systemd/sd-bus.h>
 
 #include <chrono>
@@ -25,8 +27,8 @@ Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
 
 } // namespace
 
-bool BusLoop::runUntil(const std::function<bool()>& condition, std::chrono::seconds patience) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+bool BusLoop::runUntil(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + onlyAHang;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         turn(10);

@@ -1,5 +1,5 @@
 // Drives the buses and descriptors of a test: real messages, virtual timers. Nothing here waits
-// for a duration; a test says what it waits for, and fails when that does not come within seconds.
+// for a duration; a test says what it waits for, and fails when that does not come at all.
 #pragma once
 
 #include "base/descriptors.h"
@@ -16,9 +16,8 @@ namespace wegslot {
 class BusLoop final : public Descriptors {
 public:
     /// Handles messages and what is due until `condition` holds; false when it does not within
-    /// `patience` of real time. Virtual time stands still but for what is due already.
-    [[nodiscard]] bool runUntil(const std::function<bool()>& condition,
-                                std::chrono::seconds patience = std::chrono::seconds{10});
+    /// `onlyAHang`. Virtual time stands still but for what is due already.
+    [[nodiscard]] bool runUntil(const std::function<bool()>& condition);
 
     /// Handles all that is under way now: what was sent before this call has been delivered to
     /// everybody and answered when it returns.

@@ -74,14 +74,11 @@ public:
                 bus->followOwner(name, [&is = is](const auto& owner) { is = owner.has_value(); }));
         // It asks logind not to sleep before it has locked once it listens to logind, and obeys
         // only when it has started.
-        return loop_.runUntil(
-            [&] {
-                return there["org.gnome.Shell.ScreenShield"] &&
-                       there["org.gnome.Mutter.IdleMonitor"] &&
-                       says(logind.program(), "Inhibit \"sleep\"") &&
-                       says(*shell_, "GNOME Shell started");
-            },
-            std::chrono::seconds{30});
+        return loop_.runUntil([&] {
+            return there["org.gnome.Shell.ScreenShield"] && there["org.gnome.Mutter.IdleMonitor"] &&
+                   says(logind.program(), "Inhibit \"sleep\"") &&
+                   says(*shell_, "GNOME Shell started");
+        });
     }
 
     /// By which programs find this desktop.

@@ -1,5 +1,7 @@
 #include "tests/support/program.h"
 
+#include "tests/support/waiting.h"
+
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -17,7 +19,6 @@
 namespace wegslot {
 namespace {
 
-constexpr std::chrono::seconds patience{10};
 constexpr std::chrono::milliseconds betweenLooks{10};
 
 const passwd& nobody() {
@@ -77,7 +78,12 @@ std::optional<int> Program::ended() {
     return status_;
 }
 
-void Program::signal(int number) const { kill(-process_, number); }
+void Program::signal(int number) const {
+    kill(-process_, number);
+    if (number != SIGSTOP) return;
+    siginfo_t stopped{}; // until then it may still answer; its end is left for others to see
+    waitid(P_PID, static_cast<id_t>(process_), &stopped, WSTOPPED | WEXITED | WNOWAIT);
+}
 
 void Program::stop() {
     if (isRunning()) {
@@ -91,6 +97,14 @@ void Program::stop() {
     static_cast<void>(ended());
 }
 
+std::string displayOf(const Program& server) {
+    std::istringstream said(server.output());
+    for (std::string line; std::getline(said, line) && !said.eof();)
+        if (!line.empty() && line.find_first_not_of("0123456789") == std::string::npos)
+            return ":" + line;
+    return {};
+}
+
 bool isInstalled(const std::string& program) {
     const char* const path = std::getenv("PATH");
     std::istringstream folders(path == nullptr ? "" : path);
@@ -100,7 +114,7 @@ bool isInstalled(const std::string& program) {
 }
 
 bool becomesTrue(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+    const auto deadline = std::chrono::steady_clock::now() + onlyAHang;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         std::this_thread::sleep_for(betweenLooks);

@@ -36,10 +36,11 @@ public:
     [[nodiscard]] bool isRunning();
 
     /// Waits for its end and gives the exit status, 128 + n after signal n; nothing when it still
-    /// runs after ten seconds.
+    /// runs after `onlyAHang`.
     [[nodiscard]] std::optional<int> ended();
 
-    /// Sends a signal to its whole group: SIGSTOP makes it hang, SIGCONT go on.
+    /// Sends a signal to its whole group: SIGSTOP makes it hang, and it does when this returns;
+    /// SIGCONT has it go on.
     void signal(int number) const;
 
     /// Ends the group and waits for the program.
@@ -54,10 +55,14 @@ private:
     std::optional<int> status_;
 };
 
+/// Of an X server that was started with `-displayfd 1`, as ":7"; empty until it takes connections.
+/// What it complains of, as of numbers that others have, comes before.
+[[nodiscard]] std::string displayOf(const Program& server);
+
 /// Whether PATH has the program; tests that need it are skipped otherwise.
 [[nodiscard]] bool isInstalled(const std::string& program);
 
-/// Waits until `condition` holds, looking often; false when it does not within ten seconds.
+/// Waits until `condition` holds, looking often; false when it does not within `onlyAHang`.
 [[nodiscard]] bool becomesTrue(const std::function<bool()>& condition);
 
 /// A folder that programs started as nobody may use too, for XDG_RUNTIME_DIR.

@@ -56,10 +56,10 @@ struct TrayHostsTest : TrayStage {
         item->show(lock);
     }
     [[nodiscard]] bool waitUntilTaken() {
-        return loop.runUntil([this] { return item->isTaken().get(); }, std::chrono::seconds{20});
+        return loop.runUntil([this] { return item->isTaken().get(); });
     }
     [[nodiscard]] bool waitUntilLost() {
-        return loop.runUntil([this] { return !item->isTaken().get(); }, std::chrono::seconds{20});
+        return loop.runUntil([this] { return !item->isTaken().get(); });
     }
     /// What the watcher has in its list, as it writes it.
     std::string listed() {

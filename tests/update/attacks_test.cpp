@@ -22,7 +22,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// Two seconds stand for the sixty that a feed has.
+/// The sixty seconds that a feed has may be fewer.
 class HurriedClient final : public HttpClient {
 public:
     [[nodiscard]] std::optional<std::string> resolve(std::string_view base,
@@ -30,9 +30,11 @@ public:
         return client_.resolve(base, reference);
     }
     [[nodiscard]] Handle get(HttpRequest request, Done done) override {
-        if (request.patience) request.patience = *request.patience / 30;
+        if (request.patience) request.patience = *request.patience / haste;
         return client_.get(std::move(request), std::move(done));
     }
+
+    int haste = 1;
 
 private:
     QtHttpClient client_;
@@ -96,6 +98,11 @@ protected:
         all.insert(all.end(), members.begin(), members.end());
         const Bytes bytes = zipped(tarOf(all));
         return update(published.releaseOf(bytes), bytes);
+    }
+
+    /// Of the log; nothing while there is none.
+    [[nodiscard]] std::string lastLine() const {
+        return log.messages.empty() ? std::string() : log.messages.back();
     }
 
     void expectUntouched() {
@@ -243,6 +250,7 @@ TEST_F(AttackTest, ABomb) {
     const Bytes packed = bomb.finish(); // a gibibyte, and two bytes besides
     EXPECT_LT(packed.size(), 8'000'000U);
     EXPECT_EQ(update(published.releaseOf(packed), packed), unexpectedApp);
+    ASSERT_GE(log.messages.size(), 2U);
     EXPECT_EQ(log.messages[log.messages.size() - 2],
               "Updatebestand geweigerd: te groot: Wegslot.app/15");
 }
@@ -251,7 +259,7 @@ TEST_F(AttackTest, AnImageThatIsTooLong) {
     auto release = published.releaseOf(image);
     release.url = "announce/" + std::to_string(Updater::largestImage + 1);
     EXPECT_EQ(update(release, image), noDownload);
-    EXPECT_EQ(log.messages.back(), "Update mislukt: Download mislukt");
+    EXPECT_EQ(lastLine(), "Update mislukt: Download mislukt");
 }
 
 TEST_F(AttackTest, AnImageThatIsNotThere) {
@@ -282,20 +290,21 @@ TEST_F(AttackTest, AFeedThatIsTooLong) {
     EXPECT_TRUE(std::holds_alternative<Available>(updater->state().get()));
     published.publishFeed(feed + " ");
     EXPECT_EQ(update(), cannotCheck);
-    EXPECT_EQ(log.messages.back(), noGoodAnswer);
+    EXPECT_EQ(lastLine(), noGoodAnswer);
     EXPECT_EQ(update("endless"), cannotCheck);
-    EXPECT_EQ(log.messages.back(), noGoodAnswer);
+    EXPECT_EQ(lastLine(), noGoodAnswer);
 }
 
 TEST_F(AttackTest, AFeedThatDrips) {
+    client.haste = 30;
     EXPECT_EQ(update("drip"), cannotCheck);
-    EXPECT_EQ(log.messages.back(), "Updatecontrole mislukt: geen antwoord binnen 2 s");
+    EXPECT_EQ(lastLine(), "Updatecontrole mislukt: geen antwoord binnen 2 s");
 }
 
 TEST_F(AttackTest, AFeedFromOffHttps) {
     published.publish(published.releaseOf(image), image);
     EXPECT_EQ(update("to/" + published.server.http("feed.json")), cannotCheck);
-    EXPECT_EQ(log.messages.back(), noGoodAnswer);
+    EXPECT_EQ(lastLine(), noGoodAnswer);
     EXPECT_EQ(published.server.requests("feed.json"), 0);
 }
 
@@ -322,6 +331,6 @@ TEST_F(AttackTest, FeedsThatAreNone) {
           std::string("[]"), std::string("\xFF\xFE")}) {
         published.publishFeed(text);
         EXPECT_EQ(update(), cannotCheck) << text.substr(0, 200);
-        EXPECT_TRUE(log.messages.back().starts_with("Updatecontrole mislukt: "));
+        EXPECT_TRUE(lastLine().starts_with("Updatecontrole mislukt: "));
     }
 }

@@ -5,6 +5,7 @@
 
 #include "tests/support/application_folder.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -75,7 +76,7 @@ struct Place {
 
     /// The build that the script started, once it has.
     [[nodiscard]] std::string started() const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto deadline = std::chrono::steady_clock::now() + onlyAHang;
         while (!fs::exists(apps / "started") || fs::is_empty(apps / "started"))
             if (std::chrono::steady_clock::now() > deadline) return "nothing";
         std::string build;

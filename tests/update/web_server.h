@@ -16,13 +16,15 @@ namespace wegslot {
 
 class WebServer {
 public:
-    /// Serves the files of `folder`.
-    explicit WebServer(const std::filesystem::path& folder) {
+    /// Serves the files of `folder`, under the number of this machine itself: a name would have to
+    /// be looked up, and not every machine knows one. `subject`: whom its certificate is about.
+    explicit WebServer(const std::filesystem::path& folder,
+                       const std::string& subject = "IP:127.0.0.1") {
         const std::string key = (own_.path() / "key.pem").string();
         const std::string command =
             "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 "
-            "-subj /CN=localhost -addext subjectAltName=DNS:localhost,IP:127.0.0.1 -keyout '" +
-            key + "' -out '" + certificate() + "' 2>/dev/null";
+            "-subj /CN=Wegslot -addext subjectAltName=" +
+            subject + " -keyout '" + key + "' -out '" + certificate() + "' 2>/dev/null";
         EXPECT_EQ(std::system(command.c_str()), 0) << "openssl is missing";
         program_.emplace(
             Program::Start{.words = {WEB_SERVER, certificate(), key, folder.string()}});
@@ -36,7 +38,7 @@ public:
     [[nodiscard]] std::string certificate() const { return (own_.path() / "cert.pem").string(); }
 
     [[nodiscard]] std::string https(const std::string& path) const {
-        return "https://localhost:" + https_ + "/" + path;
+        return "https://127.0.0.1:" + https_ + "/" + path;
     }
 
     [[nodiscard]] std::string http(const std::string& path) const {

@@ -132,9 +132,12 @@ CheckFacts::Activity Check::activity() {
     for (const CameraSource* const source : world_.activity.cameras())
         if (source->isThere()) facts.cameraSources.push_back(source->name());
     facts.cameraInUse = world_.activity.cameraInUse();
-    if (const MicrophoneSource* const source = first(world_.activity.microphones()))
+    if (MicrophoneSource* const source = first(world_.activity.microphones())) {
         facts.microphoneSource = source->name();
-    facts.microphoneUser = world_.activity.microphoneUser();
+        const auto use = source->use();
+        facts.microphoneAnswers = use.has_value();
+        if (use) facts.microphoneUser = use->user;
+    }
     return facts;
 }
 

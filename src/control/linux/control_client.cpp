@@ -48,12 +48,14 @@ struct ControlClient::Ask {
     ControlClient& client;
 
     void operator()(const control::request::Status& request) const {
+        // Listening first, so that no change can come between the two.
+        if (request.follow) client.follow(request.json);
         client.readStatus([this_ = &client, request](const control::Status& status) {
             this_->output_.print(request.json ? control::statusJson(status)
                                               : control::statusText(status));
+            this_->statusIsTold_ = true;
             if (!request.follow) this_->end(EXIT_SUCCESS);
         });
-        if (request.follow) client.follow(request.json);
     }
     void operator()(const control::request::Keys& request) const {
         client.readStatus([this_ = &client, request](const control::Status& status) {
@@ -142,6 +144,7 @@ void ControlClient::follow(bool json) {
     const std::string rule = "sender='" + owner_ + "',path='" + Activation::path + "',interface='" +
                              control::interfaceName + "',member='PhaseChanged'";
     changes_ = bus_.onSignal(rule, [this, json](const dbus::Message& signal) {
+        if (!statusIsTold_) return; // what came before the answer is in it
         auto reader = signal.read();
         control::Change change;
         for (std::string* const field : {&change.phase, &change.text, &change.reason})

@@ -58,6 +58,7 @@ private:
     Output output_;
     Failed absence_;
     std::string owner_;
+    bool statusIsTold_ = false;
     Subscription calling_;
     Subscription changes_;
     Subscription owners_;

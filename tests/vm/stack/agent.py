@@ -4,6 +4,7 @@ import dbus
 import dbus.service
 
 from . import bluez
+from .waiting import ONLY_A_HANG
 
 AGENT = "org.bluez.Agent1"
 PATH = dbus.ObjectPath("/agent")
@@ -26,12 +27,12 @@ class Agent(dbus.service.Object):
         self.manager = dbus.Interface(
             bus.get_object(bluez.NAME, "/org/bluez", introspect=False), "org.bluez.AgentManager1"
         )
-        self.manager.RegisterAgent(PATH, "NoInputNoOutput", timeout=bluez.CALL_SECONDS)
-        self.manager.RequestDefaultAgent(PATH, timeout=bluez.CALL_SECONDS)
+        self.manager.RegisterAgent(PATH, "NoInputNoOutput", timeout=ONLY_A_HANG)
+        self.manager.RequestDefaultAgent(PATH, timeout=ONLY_A_HANG)
 
     def end(self) -> None:
         try:
-            self.manager.UnregisterAgent(PATH, timeout=bluez.CALL_SECONDS)
+            self.manager.UnregisterAgent(PATH, timeout=ONLY_A_HANG)
         except dbus.DBusException:
             pass  # A bluetoothd started since then does not know it.
         self.remove_from_connection()

@@ -6,7 +6,7 @@ import time
 import dbus
 import dbus.mainloop.glib
 
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 NAME = "org.bluez"
 ADAPTER_PATH = "/org/bluez/hci0"
@@ -14,7 +14,6 @@ ADAPTER = "org.bluez.Adapter1"
 DEVICE = "org.bluez.Device1"
 PROPERTIES = "org.freedesktop.DBus.Properties"
 OBJECTS = "org.freedesktop.DBus.ObjectManager"
-CALL_SECONDS = 30
 RETRY_SECONDS = 0.5
 # What bluetoothd answers while it is coming up, going down or still busy with the last request.
 NOT_YET = (
@@ -58,7 +57,7 @@ class Adapter:
     def get(self, name: str):
         """None when the adapter, or BlueZ, is not there."""
         try:
-            return self._interface(PROPERTIES).Get(ADAPTER, name, timeout=CALL_SECONDS)
+            return self._interface(PROPERTIES).Get(ADAPTER, name, timeout=ONLY_A_HANG)
         except dbus.DBusException as error:
             if error.get_dbus_name() in NOT_YET:
                 return None
@@ -68,18 +67,18 @@ class Adapter:
         # Asked of the bus first: a call to an absent BlueZ would make the bus try to start it.
         return self.bus.name_has_owner(NAME) and bool(self.get("Powered"))
 
-    def set_powered(self, powered: bool, seconds: float = 30) -> None:
+    def set_powered(self, powered: bool, seconds: float = ONLY_A_HANG) -> None:
         self._interface(PROPERTIES).Set(
-            ADAPTER, "Powered", dbus.Boolean(powered, variant_level=1), timeout=CALL_SECONDS
+            ADAPTER, "Powered", dbus.Boolean(powered, variant_level=1), timeout=ONLY_A_HANG
         )
         what = "on" if powered else "off"
         wait_for(lambda: self.is_powered() == powered, seconds, f"the adapter is {what}")
 
     def set_filter(self, wanted: dbus.Dictionary) -> None:
-        self._interface(ADAPTER).SetDiscoveryFilter(wanted, timeout=CALL_SECONDS)
+        self._interface(ADAPTER).SetDiscoveryFilter(wanted, timeout=ONLY_A_HANG)
 
     def start_discovery(
-        self, wanted: dbus.Dictionary | None = None, seconds: float = 40
+        self, wanted: dbus.Dictionary | None = None, seconds: float = ONLY_A_HANG
     ) -> list[str]:
         """Asks again while BlueZ is not ready for it; the refusals on the way."""
         refusals: list[str] = []
@@ -93,7 +92,7 @@ class Adapter:
             next_try = time.monotonic() + RETRY_SECONDS
             try:
                 self.set_filter(wanted)
-                self._interface(ADAPTER).StartDiscovery(timeout=CALL_SECONDS)
+                self._interface(ADAPTER).StartDiscovery(timeout=ONLY_A_HANG)
             except dbus.DBusException as error:
                 if error.get_dbus_name() not in NOT_YET:
                     raise
@@ -105,7 +104,7 @@ class Adapter:
         return refusals
 
     def stop_discovery(self) -> None:
-        self._interface(ADAPTER).StopDiscovery(timeout=CALL_SECONDS)
+        self._interface(ADAPTER).StopDiscovery(timeout=ONLY_A_HANG)
 
     def _interface(self, name: str) -> dbus.Interface:
         return dbus.Interface(

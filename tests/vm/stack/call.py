@@ -4,10 +4,9 @@ import time
 
 import dbus
 
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 # Longer than BlueZ takes for anything, so that it is always BlueZ that answers.
-REPLY_SECONDS = 120
 
 
 class Failed(Exception):
@@ -27,7 +26,7 @@ class Call:
             *arguments,
             reply_handler=self._answered,
             error_handler=self._refused,
-            timeout=REPLY_SECONDS,
+            timeout=ONLY_A_HANG,
         )
 
     def is_pending(self) -> bool:
@@ -47,7 +46,7 @@ class Call:
             return "ok"
         return f"{self.error.get_dbus_name()}: {self.error.get_dbus_message()}"
 
-    def wait(self, seconds: float = REPLY_SECONDS):
+    def wait(self, seconds: float = ONLY_A_HANG):
         """What the call returned; raises Failed with what BlueZ said instead."""
         wait_for(lambda: not self.is_pending(), seconds, f"{self.method} is answered")
         if self.error is not None:

@@ -5,7 +5,7 @@ import shutil
 import signal
 import subprocess
 
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 # Where the system's own daemons live; not all of it is searched for commands.
 DAEMON_FOLDERS = "/usr/sbin:/usr/bin:/sbin:/bin:/usr/libexec/bluetooth"
@@ -39,7 +39,7 @@ class Daemon:
         lines = self.log.read_text(encoding="utf-8", errors="replace").strip().splitlines()
         return lines[-1] if lines else "(nothing)"
 
-    def end(self, how: signal.Signals = signal.SIGTERM, seconds: float = 20) -> None:
+    def end(self, how: signal.Signals = signal.SIGTERM, seconds: float = ONLY_A_HANG) -> None:
         if not self.is_running():
             return
         self.process.send_signal(how)

@@ -7,18 +7,17 @@ import dbus
 
 from . import bluez
 from .call import Call
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 SERVICE = "org.bluez.GattService1"
 CHARACTERISTIC = "org.bluez.GattCharacteristic1"
 MODEL_NUMBER = "00002a24-0000-1000-8000-00805f9b34fb"
 BATTERY_LEVEL = "00002a19-0000-1000-8000-00805f9b34fb"
-FIND_SECONDS = 20
 
 
 def managed_objects(bus: dbus.Bus) -> dict:
     root = dbus.Interface(bus.get_object(bluez.NAME, "/", introspect=False), bluez.OBJECTS)
-    return root.GetManagedObjects(timeout=bluez.CALL_SECONDS)
+    return root.GetManagedObjects(timeout=ONLY_A_HANG)
 
 
 def device_paths(bus: dbus.Bus, address: str) -> list[str]:
@@ -38,7 +37,7 @@ class Device:
         self.path = path
 
     @classmethod
-    def find(cls, bus: dbus.Bus, address: str, seconds: float = FIND_SECONDS) -> "Device":
+    def find(cls, bus: dbus.Bus, address: str, seconds: float = ONLY_A_HANG) -> "Device":
         """Waits until BlueZ has an object with this address."""
         paths = wait_for(
             lambda: device_paths(bus, address), seconds, f"BlueZ has a device {address}"
@@ -49,7 +48,7 @@ class Device:
         """None when it has no such property, or is not there any more."""
         try:
             return self.interface(bluez.PROPERTIES).Get(
-                bluez.DEVICE, name, timeout=bluez.CALL_SECONDS
+                bluez.DEVICE, name, timeout=ONLY_A_HANG
             )
         except dbus.DBusException as error:
             if error.get_dbus_name() in (
@@ -61,15 +60,15 @@ class Device:
 
     def properties(self) -> dict:
         return dict(
-            self.interface(bluez.PROPERTIES).GetAll(bluez.DEVICE, timeout=bluez.CALL_SECONDS)
+            self.interface(bluez.PROPERTIES).GetAll(bluez.DEVICE, timeout=ONLY_A_HANG)
         )
 
     def set(self, name: str, value) -> None:
         self.interface(bluez.PROPERTIES).Set(
-            bluez.DEVICE, name, value, timeout=bluez.CALL_SECONDS
+            bluez.DEVICE, name, value, timeout=ONLY_A_HANG
         )
 
-    def wait_until(self, name: str, value, seconds: float = 30) -> float:
+    def wait_until(self, name: str, value, seconds: float = ONLY_A_HANG) -> float:
         """Until the property has this value; how long that took."""
         asked = time.monotonic()
         wait_for(
@@ -83,20 +82,20 @@ class Device:
         """Connect, Disconnect, Pair, CancelPairing; answered while the script goes on."""
         return Call(self.interface(bluez.DEVICE), method)
 
-    def connect(self, seconds: float = 60) -> float:
+    def connect(self, seconds: float = ONLY_A_HANG) -> float:
         """Until its services are known; how long that took."""
         asked = time.monotonic()
         self.start("Connect").wait(seconds)
         self.wait_until("ServicesResolved", True, seconds)
         return time.monotonic() - asked
 
-    def disconnect(self, seconds: float = 30) -> float:
+    def disconnect(self, seconds: float = ONLY_A_HANG) -> float:
         asked = time.monotonic()
         self.start("Disconnect").wait(seconds)
         self.wait_until("Connected", False, seconds)
         return time.monotonic() - asked
 
-    def pair(self, seconds: float = 60) -> float:
+    def pair(self, seconds: float = ONLY_A_HANG) -> float:
         """Without an agent: BlueZ then neither asks nor shows anything."""
         asked = time.monotonic()
         self.start("Pair").wait(seconds)
@@ -106,7 +105,7 @@ class Device:
         """Takes the bond away, and the object."""
         adapter = self.bus.get_object(bluez.NAME, bluez.ADAPTER_PATH, introspect=False)
         dbus.Interface(adapter, bluez.ADAPTER).RemoveDevice(
-            dbus.ObjectPath(self.path), timeout=bluez.CALL_SECONDS
+            dbus.ObjectPath(self.path), timeout=ONLY_A_HANG
         )
 
     def characteristic(self, uuid: str) -> str | None:
@@ -122,7 +121,7 @@ class Device:
         path = wait_for(lambda: self.characteristic(uuid), seconds, f"there is a {uuid}")
         return Call(self.interface(CHARACTERISTIC, path), "ReadValue", NO_OPTIONS)
 
-    def read(self, uuid: str, seconds: float = 30) -> bytes:
+    def read(self, uuid: str, seconds: float = ONLY_A_HANG) -> bytes:
         return bytes(self.start_reading(uuid).wait(seconds))
 
     def read_model(self) -> bytes:

@@ -6,12 +6,11 @@ import pathlib
 import dbus
 
 from .daemon import Daemon
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 NAME = "org.freedesktop.login1"
 MANAGER_PATH = "/org/freedesktop/login1"
 MOCK = "org.freedesktop.DBus.Mock"
-START_SECONDS = 60
 
 
 class Login:
@@ -30,7 +29,7 @@ class Login:
         self.bus = bus
         wait_for(
             lambda: bus.name_has_owner(NAME) or self.daemon.check_running(),
-            START_SECONDS,
+            ONLY_A_HANG,
             "the stand-in for logind is on the bus",
         )
         self._object(MANAGER_PATH, MOCK).AddSession(

@@ -5,9 +5,8 @@ import pathlib
 import socket
 
 from .daemon import Daemon
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
-ANSWER_SECONDS = 20
 
 
 class Refused(Exception):
@@ -23,10 +22,10 @@ class Radio:
             "virtual-controller", [str(program), "--control", str(control)], logs
         )
         self.connection = socket.socket(socket.AF_UNIX)
-        self.connection.settimeout(ANSWER_SECONDS)
+        self.connection.settimeout(ONLY_A_HANG)
         wait_for(
             lambda: self._connect(control) or self.daemon.check_running(),
-            ANSWER_SECONDS,
+            ONLY_A_HANG,
             "the virtual controller listens",
         )
         self.answers = self.connection.makefile("r", encoding="utf-8")
@@ -82,7 +81,7 @@ class Radio:
     def end(self) -> None:
         if self.daemon.is_running():
             self.tell("quit")
-            wait_for(lambda: not self.daemon.is_running(), ANSWER_SECONDS, "the controller ends")
+            wait_for(lambda: not self.daemon.is_running(), ONLY_A_HANG, "the controller ends")
         self.connection.close()
 
     def _connect(self, control: pathlib.Path) -> bool:

@@ -5,10 +5,10 @@ import sys
 import time
 
 from .system import System
+from .waiting import ONLY_A_HANG
 from .wegslot import Wegslot
 
-# Under emulation everything takes several times as long.
-SOON = 30
+SOON = ONLY_A_HANG
 
 
 def expect(condition: bool, seen: str) -> None:

@@ -11,7 +11,7 @@ from . import bluez
 from .daemon import Daemon
 from .login import Login
 from .radio import Radio
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 BUS_SOCKET = pathlib.Path("/run/dbus/system_bus_socket")
 SESSION_SOCKET = pathlib.Path("/run/session-bus")
@@ -29,7 +29,6 @@ POLICY_TEXT = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Confi
   </policy>
 </busconfig>
 """
-START_SECONDS = 60
 
 
 class System:
@@ -71,7 +70,7 @@ class System:
         self.bluetoothd = Daemon("bluetoothd", ["bluetoothd", "-n"], self.logs)
         wait_for(
             lambda: self.adapter.is_powered() or self.bluetoothd.check_running(),
-            START_SECONDS,
+            ONLY_A_HANG,
             "bluetoothd has powered the adapter",
         )
 
@@ -98,7 +97,7 @@ class System:
         )
         wait_for(
             lambda: _accepts_calls(SESSION_SOCKET) or self.session_bus_daemon.check_running(),
-            START_SECONDS,
+            ONLY_A_HANG,
             "the session bus listens",
         )
         os.environ["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={SESSION_SOCKET}"
@@ -124,7 +123,7 @@ class System:
 
     def _load_module(self) -> None:
         self.load_modules("hci_vhci")
-        wait_for(VIRTUAL_PORT.exists, START_SECONDS, f"{VIRTUAL_PORT} is there")
+        wait_for(VIRTUAL_PORT.exists, ONLY_A_HANG, f"{VIRTUAL_PORT} is there")
 
     def _start_bus(self) -> None:
         BUS_SOCKET.parent.mkdir(parents=True, exist_ok=True)
@@ -135,7 +134,7 @@ class System:
         )
         wait_for(
             lambda: _accepts_calls(BUS_SOCKET) or self.bus_daemon.check_running(),
-            START_SECONDS,
+            ONLY_A_HANG,
             "the system bus listens",
         )
 

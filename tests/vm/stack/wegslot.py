@@ -7,7 +7,7 @@ import signal
 import subprocess
 
 from .daemon import Daemon
-from .waiting import wait_for
+from .waiting import ONLY_A_HANG, wait_for
 
 HOME = pathlib.Path("/tmp/home")
 LOG = HOME / "Library/Logs/Wegslot.log"
@@ -24,12 +24,12 @@ class Wegslot:
         os.environ["XDG_CONFIG_HOME"] = str(HOME / ".config")
         os.environ.pop("DBUS_SESSION_BUS_ADDRESS", None)
 
-    def command(self, *words: str, seconds: float = 60) -> subprocess.CompletedProcess:
+    def command(self, *words: str, seconds: float = ONLY_A_HANG) -> subprocess.CompletedProcess:
         return subprocess.run(
             [self.program, *words], capture_output=True, encoding="utf-8", timeout=seconds
         )
 
-    def find_device(self, name: str, seconds: float = 40) -> str:
+    def find_device(self, name: str, seconds: float = ONLY_A_HANG) -> str:
         """The id under which `--devices --others` lists a device of this name."""
         listing = Daemon("devices", [self.program, "--devices", "--others"], self.logs)
         row = re.compile(r"^([0-9A-F-]{36})  " + re.escape(name) + r" .* -\d+ dBm$", re.MULTILINE)

@@ -1,6 +1,7 @@
 #include "ui/qt/panel/panel_window.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
@@ -32,6 +33,8 @@ PanelWindow::PanelWindow(PanelModel::Objects objects, const SymbolImages& images
     setFixedWidth(static_cast<int>(PanelContent::width));
     layout_.setContentsMargins(0, 0, 0, 0);
     layout_.addWidget(&view_);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this](Qt::ApplicationState state) { applicationState_ = state; });
     refresh();
 }
 
@@ -97,6 +100,13 @@ void PanelWindow::showEvent(QShowEvent*) {
 void PanelWindow::hideEvent(QHideEvent*) {
     closed_.start();
     model_.disappear();
+}
+
+void PanelWindow::closeEvent(QCloseEvent* event) {
+    // Qt closes all popups while it goes over to the application's not being the active one. This
+    // one has the keyboard all the same, and a window manager that is busy may only now have come
+    // to the end of the panel before it.
+    event->setAccepted(QGuiApplication::applicationState() == applicationState_);
 }
 
 void PanelWindow::changed() {

@@ -8,6 +8,7 @@
 #include "ui/qt/symbol_images.h"
 
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QPoint>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -41,6 +42,7 @@ protected:
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
     bool focusNextPrevChild(bool next) override;
 
 private:
@@ -55,6 +57,8 @@ private:
     PanelView view_;
     QVBoxLayout layout_{this};
     bool isDirty_ = false; ///< a redraw is under way
+    /// As it was last told, which is a little later than it changes.
+    Qt::ApplicationState applicationState_ = QGuiApplication::applicationState();
     QElapsedTimer closed_; ///< since it was last closed
 };
 
