@@ -2,8 +2,8 @@
 
 wegslot_module(dbus
   FILES
-    dbus/bus.cpp dbus/bus.h dbus/connection.cpp dbus/connection.h dbus/message.cpp
-    dbus/message.h dbus/object.cpp dbus/object.h dbus/writer.cpp dbus/writer.h
+    dbus/bus.cpp dbus/bus.h dbus/connection.cpp dbus/connection.h dbus/forgeries.cpp
+    dbus/forgeries.h dbus/message.cpp dbus/message.h dbus/object.cpp dbus/object.h dbus/writer.cpp dbus/writer.h
   USES base log
   LIBRARIES PkgConfig::SYSTEMD)
 

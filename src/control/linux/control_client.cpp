@@ -139,9 +139,9 @@ void ControlClient::readStatus(std::function<void(const control::Status&)> done)
 }
 
 void ControlClient::follow(bool json) {
-    const std::string rule = "sender='" + owner_ + "',path='" + Activation::path + "',interface='" +
-                             control::interfaceName + "',member='PhaseChanged'";
-    changes_ = bus_.onSignal(rule, [this, json](const dbus::Message& signal) {
+    const dbus::SignalMatch changes{
+        .interface = control::interfaceName, .member = "PhaseChanged", .path = Activation::path};
+    changes_ = bus_.onSignal(owner_, changes, [this, json](const dbus::Message& signal) {
         auto reader = signal.read();
         control::Change change;
         for (std::string* const field : {&change.phase, &change.text, &change.reason})
