@@ -23,7 +23,15 @@ ScreenLockWatcher::ScreenLockWatcher(LoginSession& session, ScreenSavers& savers
     locker_ = lockers.locked().onChange([this](bool locked) { facts_.setLocker(locked); });
 }
 
-void ScreenLockWatcher::expect() {
+Subscription ScreenLockWatcher::expect(std::function<void()> confirmed) {
+    auto seen = events_.onChange([confirmed = std::move(confirmed)](SessionEvent event) {
+        if (event == SessionEvent::locked) confirmed();
+    });
+    lookCloser();
+    return seen;
+}
+
+void ScreenLockWatcher::lookCloser() {
     if (!isLocked()) lockers_.expect();
 }
 
@@ -58,7 +66,7 @@ void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
     // Somebody asks for a lock, which is no fact; but a locker may come of it.
     requests_ = session_.bus()->onSignal(
         lockingService, {.interface = sessionInterface, .member = "Lock", .path = *path},
-        [this](const dbus::Message&) { expect(); });
+        [this](const dbus::Message&) { lookCloser(); });
     readHint(*path);
 }
 
