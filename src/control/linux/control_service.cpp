@@ -2,9 +2,9 @@
 
 #include "app/linux/activation.h"
 #include "base/text.h"
+#include "dbus/caller.h"
 #include "model/log.h"
 
-#include <fstream>
 #include <optional>
 #include <utility>
 
@@ -12,14 +12,6 @@
 
 namespace wegslot {
 namespace {
-
-/// The name of a process as the system has it.
-std::optional<std::string> programOf(std::int64_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    if (!std::getline(file, name) || name.empty()) return std::nullopt;
-    return name;
-}
 
 void writeKey(dbus::Writer& entries, const control::Key& key) {
     const auto field = [&entries](const char* name, const char* signature,
@@ -143,21 +135,7 @@ void ControlService::stopRecording() {
 }
 
 void ControlService::logRequest(const std::string& what, const dbus::Message& call) {
-    Log::write(what + " gevraagd door " + printable(callerOf(call)));
-}
-
-std::string ControlService::callerOf(const dbus::Message& call) {
-    std::optional<std::int64_t> process;
-    // Now, for who asked may be gone as soon as it is answered.
-    bus_->ask({.destination = "org.freedesktop.DBus",
-               .path = "/org/freedesktop/DBus",
-               .interface = "org.freedesktop.DBus",
-               .member = "GetConnectionUnixProcessID",
-               .arguments = {std::string(call.sender())},
-               .timeout = patience},
-              [&process](const dbus::Message& answer) { process = answer.read().integer(); });
-    const auto program = process ? programOf(*process) : std::nullopt;
-    return program.value_or("een onbekend programma");
+    Log::write(what + " gevraagd door " + dbus::callerOf(*bus_, call));
 }
 
 } // namespace wegslot

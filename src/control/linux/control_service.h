@@ -15,9 +15,6 @@ namespace wegslot {
 
 class ControlService {
 public:
-    /// Who asks for something is asked of the bus, which is on this computer and quick.
-    static constexpr std::chrono::milliseconds patience{100};
-
     struct Actions {
         std::function<void()> lock;
         std::function<void(Seconds)> pause;
@@ -42,7 +39,6 @@ private:
     void record(const dbus::Message& call, dbus::Writer& answer);
     void stopRecording();
     void logRequest(const std::string& what, const dbus::Message& call);
-    [[nodiscard]] std::string callerOf(const dbus::Message& call);
 
     control::Sources sources_;
     Actions actions_;
