@@ -2,8 +2,9 @@
 
 wegslot_module(dbus
   FILES
-    dbus/bus.cpp dbus/bus.h dbus/connection.cpp dbus/connection.h dbus/message.cpp
-    dbus/message.h dbus/object.cpp dbus/object.h dbus/writer.cpp dbus/writer.h
+    dbus/bus.cpp dbus/bus.h dbus/caller.cpp dbus/caller.h dbus/connection.cpp dbus/connection.h
+    dbus/forgeries.cpp dbus/forgeries.h dbus/message.cpp dbus/message.h dbus/object.cpp
+    dbus/object.h dbus/writer.cpp dbus/writer.h
   USES base log
   LIBRARIES PkgConfig::SYSTEMD)
 
@@ -117,7 +118,7 @@ wegslot_module(ui_linux
     ui/linux/tray_item.cpp ui/linux/tray_item.h ui/linux/tray_menu.cpp ui/linux/tray_menu.h
     ui/linux/tray_registration.cpp ui/linux/tray_registration.h
   TESTS ui/linux/autostart_item_test.cpp
-  USES base brand dbus desktop_entry platform replace_file tray ui_ports)
+  USES base brand dbus desktop_entry log platform replace_file tray ui_ports)
 
 qt_add_resources(icon_resources ui/icons/icons.qrc)
 set_source_files_properties(${icon_resources} PROPERTIES COMPILE_OPTIONS -w) # written by Qt's tool
@@ -161,7 +162,7 @@ wegslot_module(panel_qt
 wegslot_module(x11_tray_qt
   FILES ui/qt/x11_tray.cpp ui/qt/x11_tray.h
   TESTS ui/qt/x11_tray_test.cpp
-  USES base brand monitor phase_presentation tray icons_qt
+  USES base brand log monitor phase_presentation tray icons_qt
   LIBRARIES Qt6::Widgets)
 
 wegslot_module(desktop_qt

@@ -1,5 +1,6 @@
 #include "dbus/bus.h"
 
+#include "dbus/forgeries.h"
 #include "dbus/writer.h"
 
 #include <systemd/sd-bus.h>
@@ -11,6 +12,8 @@ namespace wegslot::dbus {
 namespace {
 
 using Listener = Bus::Listener;
+constexpr auto driver = "org.freedesktop.DBus"; ///< the bus itself, which sends under no other name
+
 using MessagePointer = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 Failure failure(const std::string& what, int error) {
@@ -64,6 +67,11 @@ MessagePointer formed(sd_bus* bus, const Call& call) {
     return owned;
 }
 
+std::uint64_t limitOf(const Call& call) {
+    return call.timeout == Call::noLimit ? UINT64_MAX
+                                         : static_cast<std::uint64_t>(call.timeout.count());
+}
+
 int deliver(sd_bus_message* message, void* data, sd_bus_error*) {
     // A copy: the listener may end its own subscription while it runs.
     const auto listener = *static_cast<std::shared_ptr<Listener>*>(data);
@@ -76,6 +84,21 @@ void destroyListener(void* data) {
         static_cast<std::shared_ptr<Listener>*>(data));
 }
 
+/// As D-Bus writes match rules.
+std::string ruleFor(const std::string& sender, const SignalMatch& match) {
+    std::string rule = "type='signal',sender='" + sender + "'";
+    const auto add = [&rule](const char* key, const std::string& value) {
+        if (!value.empty()) rule += std::string(",") + key + "='" + value + "'";
+    };
+    add("interface", match.interface);
+    add("member", match.member);
+    add("path", match.path);
+    add("path_namespace", match.pathNamespace);
+    add("arg0", match.arg0);
+    add("arg1", match.arg1);
+    return rule;
+}
+
 /// Makes `slot` own `listener` (heap-allocated for the C library) and the handle own `slot`.
 Subscription owning(sd_bus_slot* slot) {
     sd_bus_slot_set_destroy_callback(slot, destroyListener);
@@ -84,18 +107,18 @@ Subscription owning(sd_bus_slot* slot) {
 
 } // namespace
 
-Result<std::unique_ptr<Bus>> Bus::openSystem() {
+Result<std::unique_ptr<Bus>> Bus::openSystem(Forgeries& forgeries) {
     sd_bus* bus = nullptr;
     const int error = sd_bus_open_system(&bus);
     if (error < 0) return failure("systeembus", error);
-    return std::make_unique<Bus>(bus);
+    return std::make_unique<Bus>(bus, forgeries);
 }
 
-Result<std::unique_ptr<Bus>> Bus::openSession() {
+Result<std::unique_ptr<Bus>> Bus::openSession(Forgeries& forgeries) {
     sd_bus* bus = nullptr;
     const int error = sd_bus_open_user(&bus);
     if (error < 0) return failure("sessiebus", error);
-    return std::make_unique<Bus>(bus);
+    return std::make_unique<Bus>(bus, forgeries);
 }
 
 Bus::~Bus() {
@@ -110,7 +133,7 @@ Subscription Bus::call(const Call& call, Listener answer) {
     auto listener =
         std::make_unique<std::shared_ptr<Listener>>(std::make_shared<Listener>(std::move(answer)));
     sd_bus_slot* slot = nullptr;
-    const auto microseconds = static_cast<std::uint64_t>(call.timeout.count());
+    const auto microseconds = limitOf(call);
     if (sd_bus_call_async(bus_, &slot, message.get(), deliver, listener.get(), microseconds) < 0)
         return {};
     static_cast<void>(listener.release());
@@ -123,7 +146,7 @@ void Bus::ask(const Call& call, const Listener& answer) {
     const auto message = formed(bus_, call);
     if (!message) return;
     sd_bus_message* reply = nullptr;
-    const auto microseconds = static_cast<std::uint64_t>(call.timeout.count());
+    const auto microseconds = limitOf(call);
     const int error = sd_bus_call(bus_, message.get(), microseconds, nullptr, &reply);
     const MessagePointer owned(reply, sd_bus_message_unref);
     if (error >= 0) answer(Message{reply});
@@ -136,12 +159,44 @@ void Bus::send(const Call& call) {
     sd_bus_send(bus_, message.get(), nullptr);
 }
 
-Subscription Bus::onSignal(const std::string& rule, Listener listener) {
-    auto owned = std::make_unique<std::shared_ptr<Listener>>(
-        std::make_shared<Listener>(std::move(listener)));
+/// Whose signals count under a name.
+struct Bus::Source {
+    std::string owner; ///< empty while nobody is known to have the name
+    Subscription following;
+};
+
+std::shared_ptr<const Bus::Source> Bus::source(const std::string& name) {
+    std::erase_if(sources_, [](const auto& entry) { return entry.second.expired(); });
+    if (const auto known = sources_.find(name); known != sources_.end())
+        return known->second.lock();
+    const auto made = std::make_shared<Source>();
+    sources_[name] = made;
+    const bool isUnique = name.starts_with(':') || name == driver;
+    if (isUnique)
+        made->owner = name;
+    else
+        made->following = followOwner(
+            name, [held = std::weak_ptr(made)](const std::optional<std::string>& owner) {
+                if (const auto alive = held.lock()) alive->owner = owner.value_or("");
+            });
+    return made;
+}
+
+Subscription Bus::onSignal(const std::string& sender, const SignalMatch& match, Listener listener) {
+    // The bus goes by the sender in the rule for what is sent to everybody; what is sent to this
+    // connection alone comes through whoever sent it, and the library knows unique names only.
+    // The owner is asked for first: the answer is here before anything that the rule lets through.
+    const auto from = source(sender);
+    auto checked = [this, sender, from, listener = std::move(listener)](const Message& signal) {
+        if (signal.sender() == from->owner) return listener(signal);
+        // What everybody got is another source's, and meant for another rule.
+        if (signal.isForUsAlone()) forgeries_.refused(*this, signal, sender);
+    };
+    auto owned =
+        std::make_unique<std::shared_ptr<Listener>>(std::make_shared<Listener>(std::move(checked)));
     sd_bus_slot* slot = nullptr;
-    const std::string match = "type='signal'," + rule;
-    if (sd_bus_add_match_async(bus_, &slot, match.c_str(), deliver, nullptr, owned.get()) < 0)
+    const std::string rule = ruleFor(sender, match);
+    if (sd_bus_add_match_async(bus_, &slot, rule.c_str(), deliver, nullptr, owned.get()) < 0)
         return {};
     static_cast<void>(owned.release());
     return owning(slot);
@@ -160,9 +215,7 @@ Subscription Bus::followOwner(const std::string& name,
 
     // The match first, so that no change falls between the answer and the signals.
     following->changes =
-        onSignal("sender='org.freedesktop.DBus',interface='org.freedesktop.DBus',"
-                 "member='NameOwnerChanged',arg0='" +
-                     name + "'",
+        onSignal(driver, {.interface = driver, .member = "NameOwnerChanged", .arg0 = name},
                  [held](const Message& message) {
                      Reader reader = message.read();
                      static_cast<void>(reader.text());
@@ -173,11 +226,12 @@ Subscription Bus::followOwner(const std::string& name,
                          alive->listener(owner.empty() ? std::nullopt : std::optional(owner));
                  });
     following->first =
-        call({.destination = "org.freedesktop.DBus",
+        call({.destination = driver,
               .path = "/org/freedesktop/DBus",
-              .interface = "org.freedesktop.DBus",
+              .interface = driver,
               .member = "GetNameOwner",
-              .arguments = {name}},
+              .arguments = {name},
+              .timeout = Call::noLimit}, // given up, whoever has the name would stay unheard
              [held](const Message& message) {
                  const auto owner = message.read().text();
                  const auto alive = held.lock();

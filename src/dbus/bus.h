@@ -1,6 +1,6 @@
 // The one seam between Wegslot and sd-bus: a connection to a bus, calls that are answered later,
-// and signals. Knows no event loop; whoever owns a loop watches `fd` for `events` until
-// `deadline` and calls `process`.
+// and signals, each taken only from who owns its source's name. Knows no event loop; whoever
+// owns one watches `fd` for `events` until `deadline` and calls `process`.
 #pragma once
 
 #include "base/handle.h"
@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,6 +22,8 @@
 struct sd_bus;
 
 namespace wegslot::dbus {
+
+class Forgeries;
 
 /// One argument of a call.
 using Dictionary = std::vector<
@@ -36,6 +39,8 @@ using Argument = std::variant<bool, std::int32_t, std::uint32_t, std::string, Ob
                               FileDescriptor, std::vector<std::string>, Dictionary>;
 
 struct Call {
+    static constexpr auto noLimit = std::chrono::microseconds::max();
+
     std::string destination;
     std::string path;
     std::string interface;
@@ -46,15 +51,26 @@ struct Call {
     std::chrono::microseconds timeout = std::chrono::seconds{25};
 };
 
+/// Which signals of a sender are meant; what is left empty may be anything.
+struct SignalMatch {
+    std::string interface = {};
+    std::string member = {};
+    std::string path = {};
+    std::string pathNamespace = {};
+    std::string arg0 = {};
+    std::string arg1 = {};
+};
+
 class Bus {
 public:
     using Listener = std::function<void(const Message&)>;
 
-    /// Connects to the system bus or the session's, as the environment names them.
-    static Result<std::unique_ptr<Bus>> openSystem();
-    static Result<std::unique_ptr<Bus>> openSession();
+    /// Connects to the system bus or the session's, as the environment names them. `forgeries`,
+    /// which outlives the bus, is told of signals that were not their source's.
+    static Result<std::unique_ptr<Bus>> openSystem(Forgeries& forgeries);
+    static Result<std::unique_ptr<Bus>> openSession(Forgeries& forgeries);
 
-    explicit Bus(sd_bus* bus) : bus_(bus) {}
+    Bus(sd_bus* bus, Forgeries& forgeries) : bus_(bus), forgeries_(forgeries) {}
     Bus(const Bus&) = delete;
     Bus& operator=(const Bus&) = delete;
     ~Bus();
@@ -72,8 +88,11 @@ public:
     /// Sends `call` without wanting an answer.
     void send(const Call& call);
 
-    /// Calls `listener` for each signal that matches `rule` (as D-Bus writes match rules).
-    [[nodiscard]] Subscription onSignal(const std::string& rule, Listener listener);
+    /// Calls `listener` for each such signal of `sender`: a name, of which only the owner of the
+    /// moment is heard, or the unique name of a connection. No signal counts before the bus has
+    /// said who the owner is.
+    [[nodiscard]] Subscription onSignal(const std::string& sender, const SignalMatch& match,
+                                        Listener listener);
 
     /// Tells who owns `name`: once soon, then at each change; nothing when nobody does.
     [[nodiscard]] Subscription
@@ -104,9 +123,13 @@ public:
     [[nodiscard]] bool isOpen() const;
 
 private:
-    struct Pending;
+    struct Source;
+
+    [[nodiscard]] std::shared_ptr<const Source> source(const std::string& name);
 
     sd_bus* bus_;
+    Forgeries& forgeries_;
+    std::map<std::string, std::weak_ptr<const Source>> sources_;
 };
 
 } // namespace wegslot::dbus

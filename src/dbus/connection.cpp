@@ -6,6 +6,14 @@
 
 namespace wegslot::dbus {
 
+Connection::Open systemBus(Forgeries& forgeries) {
+    return [&forgeries] { return Bus::openSystem(forgeries); };
+}
+
+Connection::Open sessionBus(Forgeries& forgeries) {
+    return [&forgeries] { return Bus::openSession(forgeries); };
+}
+
 Connection::Connection(Open open, Attach attach, Scheduler& scheduler, Complaints complaints)
     : open_(std::move(open)),
       attach_(std::move(attach)),

@@ -12,6 +12,10 @@
 
 namespace wegslot::dbus {
 
+/// How to open the system bus or the session's, whenever a connection wants to.
+[[nodiscard]] std::function<Result<std::unique_ptr<Bus>>()> systemBus(Forgeries& forgeries);
+[[nodiscard]] std::function<Result<std::unique_ptr<Bus>>()> sessionBus(Forgeries& forgeries);
+
 class Connection {
 public:
     using Open = std::function<Result<std::unique_ptr<Bus>>()>;

@@ -204,6 +204,10 @@ std::string_view Message::errorText() const {
 
 std::string_view Message::path() const { return view(sd_bus_message_get_path(message_)); }
 
+std::string_view Message::member() const { return view(sd_bus_message_get_member(message_)); }
+
 std::string_view Message::sender() const { return view(sd_bus_message_get_sender(message_)); }
+
+bool Message::isForUsAlone() const { return sd_bus_message_get_destination(message_) != nullptr; }
 
 } // namespace wegslot::dbus

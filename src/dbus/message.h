@@ -79,7 +79,10 @@ public:
     [[nodiscard]] std::string_view errorText() const;
 
     [[nodiscard]] std::string_view path() const;
+    [[nodiscard]] std::string_view member() const;
     [[nodiscard]] std::string_view sender() const;
+    /// Sent to this connection, not to all that listen.
+    [[nodiscard]] bool isForUsAlone() const;
 
 private:
     sd_bus_message* message_;

@@ -34,8 +34,9 @@ public:
     LockConfirmation& operator=(const LockConfirmation&) = delete;
     virtual ~LockConfirmation() = default;
 
-    /// A lock is being asked for: worth looking closer for a while.
-    virtual void expect() = 0;
+    /// A lock is being asked for: worth looking closer for a while. Calls `confirmed` each time
+    /// that the screen gets locked, until the handle ends.
+    [[nodiscard]] virtual Subscription expect(std::function<void()> confirmed) = 0;
 
     [[nodiscard]] virtual bool isLocked() const = 0;
 };
@@ -54,14 +55,20 @@ public:
           scheduler_(scheduler),
           confirmation_(confirmation) {}
 
-    /// Asks the first way now; the next when one refuses, or when the screen is not locked
-    /// `patience` after it was asked. Begins anew if it was still at it.
+    /// Asks the first way now; the next when one refuses, or when `patience` after it was asked
+    /// the screen is not locked. Once it has been locked no other is asked: whoever unlocks it
+    /// soon is not to be locked out again. Begins anew if it was still at it.
     void lock() override {
-        confirmation_.expect();
+        seen_ = confirmation_.expect([this] { end(); });
         ask(0);
     }
 
 private:
+    void end() {
+        waiting_.reset();
+        attempt_.reset();
+    }
+
     void ask(std::size_t index) {
         waiting_.reset();
         attempt_ = std::make_shared<std::size_t>(index);
@@ -80,6 +87,7 @@ private:
     LockConfirmation& confirmation_;
     std::shared_ptr<std::size_t> attempt_;
     Timer waiting_;
+    Subscription seen_;
 };
 
 } // namespace wegslot

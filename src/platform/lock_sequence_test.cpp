@@ -32,11 +32,22 @@ private:
 
 class FakeConfirmation final : public LockConfirmation {
 public:
-    void expect() override { ++expected; }
+    Subscription expect(std::function<void()> confirmed) override {
+        ++expected;
+        confirm_ = std::move(confirmed);
+        return Subscription{[this] { confirm_ = nullptr; }};
+    }
+    void lock() {
+        locked = true;
+        if (confirm_) confirm_();
+    }
     [[nodiscard]] bool isLocked() const override { return locked; }
 
     int expected = 0;
     bool locked = false;
+
+private:
+    std::function<void()> confirm_;
 };
 
 struct LockSequenceTest : testing::Test {
@@ -69,6 +80,37 @@ TEST_F(LockSequenceTest, OnceTheScreenIsLockedNoOtherWayIsAsked) {
     confirmation.locked = true;
     time.advance(1h);
     EXPECT_EQ(requests(), (Requests{1, 0, 0}));
+}
+
+TEST_F(LockSequenceTest, OnceItWasLockedNoOtherWayIsAskedThoughItIsUnlockedAgain) {
+    controller->lock();
+    time.advance(200ms);
+    confirmation.lock();
+    time.advance(1100ms);
+    confirmation.locked = false;
+    time.advance(1h);
+    EXPECT_EQ(requests(), (Requests{1, 0, 0}));
+    EXPECT_EQ(time.pending(), 0U);
+}
+
+TEST_F(LockSequenceTest, ARefusalAfterTheConfirmationIsVoid) {
+    FakeWay late{Answer::refusesLater};
+    controller.emplace(std::vector<ScreenLock*>{&late, &second, &third}, time, confirmation);
+    controller->lock();
+    confirmation.lock();
+    confirmation.locked = false;
+    late.pending();
+    time.advance(1h);
+    EXPECT_EQ(requests(), (Requests{0, 0, 0}));
+}
+
+TEST_F(LockSequenceTest, AskedForAnewAfterAnUnlockAllWaysHaveTheirTurn) {
+    controller->lock();
+    confirmation.lock();
+    confirmation.locked = false;
+    controller->lock();
+    time.advance(1h);
+    EXPECT_EQ(requests(), (Requests{2, 1, 1}));
 }
 
 TEST_F(LockSequenceTest, AWayOfWhichNothingComesIsFollowedByTheNext) {

@@ -6,6 +6,7 @@
 #include "app/qt/bus_pump.h"
 #include "app/qt/qt_descriptors.h"
 #include "app/qt/qt_scheduler.h"
+#include "dbus/forgeries.h"
 #include "platform/linux/system_clock.h"
 #include "scanner/bluez/bluez_central.h"
 #include "scanner/bluez/device_id.h"
@@ -177,7 +178,8 @@ private:
     QtDescriptors descriptors_;
     SystemClock clock_;
     bluez::HciLinks links_{descriptors_, scheduler_};
-    dbus::Connection bus_{dbus::Bus::openSystem, pump, scheduler_};
+    dbus::Forgeries forgeries_{clock_};
+    dbus::Connection bus_{dbus::systemBus(forgeries_), pump, scheduler_};
     BluezCentral central_{bus_, scheduler_, clock_, links_};
 };
 

@@ -96,9 +96,10 @@ TEST_F(BusAskTest, SilenceGivesNothingAndALateAnswerIsNobodys) {
 
 TEST_F(BusAskTest, WhatComesMeanwhileIsHandledLaterInItsOrder) {
     std::vector<std::int64_t> heard;
-    const auto listening = bus->onSignal("member='Tick'", [&](const dbus::Message& signal) {
-        heard.push_back(signal.read().integer().value_or(0));
-    });
+    const auto listening =
+        bus->onSignal(name, {.member = "Tick"}, [&](const dbus::Message& signal) {
+            heard.push_back(signal.read().integer().value_or(0));
+        });
     loop.settle();
     const AnsweringService service(loop.daemon.address(), name,
                                    [](sd_bus* own, sd_bus_message* call) {

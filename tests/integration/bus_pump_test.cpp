@@ -1,6 +1,8 @@
 // A bus on a real event loop: read at once while it is quiet, in batches while it is busy.
 
 #include "app/qt/bus_pump.h"
+#include "base/virtual_time.h"
+#include "dbus/forgeries.h"
 #include "tests/support/private_bus.h"
 #include "tests/support/waiting.h"
 
@@ -38,9 +40,12 @@ struct BusPumpTest : testing::Test {
     BusPumpTest() {
         receiver = connect();
         sender = connect();
-        counting = receiver->onSignal("member='Number'", [this](const dbus::Message& message) {
-            received.push_back(message.read().integer().value_or(-1));
-        });
+        const char* senderName = nullptr;
+        EXPECT_GE(sd_bus_get_unique_name(sender->native(), &senderName), 0); // once it has one
+        counting = receiver->onSignal(senderName, {.member = "Number"},
+                                      [this](const dbus::Message& message) {
+                                          received.push_back(message.read().integer().value_or(-1));
+                                      });
         driving = pumpInBatches(*receiver, [this] { ++losses; });
         // Once an answer has come the match is known too, and nothing more is under way.
         bool ready = false;
@@ -48,13 +53,13 @@ struct BusPumpTest : testing::Test {
         runUntil([&] { return ready; });
     }
 
-    [[nodiscard]] std::unique_ptr<dbus::Bus> connect() const {
+    [[nodiscard]] std::unique_ptr<dbus::Bus> connect() {
         sd_bus* bus = nullptr;
         sd_bus_new(&bus);
         sd_bus_set_address(bus, daemon.address().c_str());
         sd_bus_set_bus_client(bus, 1);
         EXPECT_GE(sd_bus_start(bus), 0);
-        return std::make_unique<dbus::Bus>(bus);
+        return std::make_unique<dbus::Bus>(bus, forgeries);
     }
 
     void runUntil(const std::function<bool()>& condition) {
@@ -112,6 +117,8 @@ struct BusPumpTest : testing::Test {
     char* argv[2] = {name.data(), nullptr};
     QCoreApplication application{argc, static_cast<char**>(argv)};
     PrivateBus daemon;
+    VirtualTime time{TimePoint{1h}};
+    dbus::Forgeries forgeries{time};
     std::unique_ptr<dbus::Bus> receiver;
     std::unique_ptr<dbus::Bus> sender;
     std::vector<std::int64_t> received;

@@ -333,3 +333,35 @@ TEST_F(ControlTest, ARecordingBeginsInTheRunningOneAndEndsWithWhoAskedForIt) {
     Program third({.words = {WEGSLOT_PROGRAM, "--record", file}, .environment = variables});
     EXPECT_TRUE(happens([&] { return text().find("Telefoon") != std::string::npos; }));
 }
+
+namespace {
+
+/// Clicks on the last entry of the menu of whoever has Wegslot's name.
+constexpr auto clicking = R"python(
+import sys
+from gi.repository import Gio, GLib
+kind = Gio.DBusConnectionFlags
+bus = Gio.DBusConnection.new_for_address_sync(
+    sys.argv[1], kind.AUTHENTICATION_CLIENT | kind.MESSAGE_BUS_CONNECTION, None, None)
+try:
+    bus.call_sync("nl.wegslot.Wegslot", "/MenuBar", "com.canonical.dbusmenu", "Event",
+                  GLib.Variant("(isvu)", (3, "clicked", GLib.Variant("i", 0), 0)),
+                  None, Gio.DBusCallFlags.NONE, -1, None)
+except GLib.Error as error:
+    print(Gio.DBusError.get_remote_error(error))
+)python";
+
+} // namespace
+
+TEST_F(ControlTest, WhoMayTalkToItsNameReachesNoMenu) {
+    ASSERT_TRUE(isInstalled("xdg-dbus-proxy"));
+    start();
+    const auto socket = home.path() / "sandbox";
+    const Program proxy({.words = {"xdg-dbus-proxy", loop.daemon.address(), socket.string(),
+                                   "--filter", "--talk=nl.wegslot.Wegslot"}});
+    ASSERT_TRUE(happens([&] { return std::filesystem::exists(socket); }));
+    const Ending ending = run({"/usr/bin/python3", "-c", clicking, "unix:path=" + socket.string()});
+    EXPECT_EQ(ending.said, "org.freedesktop.DBus.Error.UnknownObject\n");
+    EXPECT_EQ(status().at("phase"), "present");
+    EXPECT_TRUE(application->isRunning());
+}

@@ -140,8 +140,12 @@ TEST_F(ExportedObjectTest, ChangesAreToldOfWithoutTheirValue) {
     interface.signals = {{"Flickered", "i"}};
     const auto shown = dbus::exportObject(*ours, "/lamp", interface);
     std::string told;
+    loop.settle(); // which names the connections
     const auto changes = other->onSignal(
-        "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged',path='/lamp'",
+        ours->uniqueName(),
+        {.interface = "org.freedesktop.DBus.Properties",
+         .member = "PropertiesChanged",
+         .path = "/lamp"},
         [&told](const dbus::Message& message) {
             auto reader = message.read();
             static_cast<void>(reader.text());
@@ -149,10 +153,11 @@ TEST_F(ExportedObjectTest, ChangesAreToldOfWithoutTheirValue) {
             for (const std::string& name : reader.texts())
                 told += name;
         });
-    const auto flickers = other->onSignal("interface='nl.example.Lamp',member='Flickered'",
-                                          [&told](const dbus::Message& message) {
-                                              told += std::to_string(*message.read().integer());
-                                          });
+    const auto flickers =
+        other->onSignal(ours->uniqueName(), {.interface = "nl.example.Lamp", .member = "Flickered"},
+                        [&told](const dbus::Message& message) {
+                            told += std::to_string(*message.read().integer());
+                        });
     loop.settle();
     dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Level"});
     dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Steps"}); // does not tell
@@ -176,9 +181,10 @@ TEST_F(ExportedObjectTest, AManagerListsWhatIsBelowItAndTellsOfChanges) {
     EXPECT_EQ(ask("/lamps", "org.freedesktop.DBus.ObjectManager", "GetManagedObjects", {}, objects),
               "/lamps/one");
     bool removed = false;
-    const auto told =
-        other->onSignal("interface='org.freedesktop.DBus.ObjectManager',member='InterfacesRemoved'",
-                        [&removed](const dbus::Message&) { removed = true; });
+    const auto told = other->onSignal(
+        ours->uniqueName(),
+        {.interface = "org.freedesktop.DBus.ObjectManager", .member = "InterfacesRemoved"},
+        [&removed](const dbus::Message&) { removed = true; });
     loop.settle();
     shown.reset();
     EXPECT_TRUE(loop.runUntil([&] { return removed; }));

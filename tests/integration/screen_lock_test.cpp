@@ -318,6 +318,24 @@ TEST_F(ScreenLockTest, ALockThatIsConfirmedInTimeAsksNobodyElse) {
     EXPECT_TRUE(processes.started.empty());
 }
 
+TEST_F(ScreenLockTest, WhoUnlocksRightAfterTheLockIsNotLockedOutByTheNextWay) {
+    LookAlikeLogind logind(loop);
+    LookAlikeSaver saver(loop, saverNamed("org.mate.ScreenSaver"));
+    processes.installed = {"swaylock"};
+    ASSERT_TRUE(findsSession());
+    lock.lock();
+    loop.pass(200ms);
+    logind.setHint(true);
+    ASSERT_TRUE(eventsBecome("L"));
+    loop.pass(1100ms); // a finger on the reader
+    logind.setHint(false);
+    ASSERT_TRUE(eventsBecome("LU"));
+    loop.pass(LockSequence::patience);
+    loop.pass(LockSequence::patience);
+    EXPECT_EQ(saver.service.calls("Lock"), 0);
+    EXPECT_TRUE(processes.started.empty());
+}
+
 TEST_F(ScreenLockTest, ALockerThatSomebodyStartsOnLogindsSignalIsFoundWhoeverAskedLogind) {
     LookAlikeLogind logind(loop);
     ASSERT_TRUE(findsSession());

@@ -45,7 +45,12 @@ struct LockingScenario : testing::Test, private LockConfirmation {
             world.pass(1s);
     }
 
-    void expect() override { lockers.expect(); }
+    [[nodiscard]] Subscription expect(std::function<void()> confirmed) override {
+        lockers.expect();
+        return world.session.observe([confirmed = std::move(confirmed)](SessionEvent event) {
+            if (event == SessionEvent::locked) confirmed();
+        });
+    }
     [[nodiscard]] bool isLocked() const override { return facts.witness().has_value(); }
 };
 

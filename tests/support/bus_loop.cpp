@@ -13,7 +13,7 @@
 namespace wegslot {
 namespace {
 
-Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
+Result<std::unique_ptr<dbus::Bus>> open(const std::string& address, dbus::Forgeries& forgeries) {
     sd_bus* bus = nullptr;
     if (sd_bus_new(&bus) < 0) return Failure{"sd_bus_new"};
     sd_bus_set_address(bus, address.c_str());
@@ -22,7 +22,7 @@ Result<std::unique_ptr<dbus::Bus>> open(const std::string& address) {
         sd_bus_unref(bus);
         return Failure{"testbus: kan niet verbinden"};
     }
-    return std::make_unique<dbus::Bus>(bus);
+    return std::make_unique<dbus::Bus>(bus, forgeries);
 }
 
 } // namespace
@@ -63,13 +63,13 @@ void BusLoop::pass(Nanoseconds duration) {
 }
 
 std::unique_ptr<dbus::Bus> BusLoop::connect() {
-    auto opened = open(daemon.address());
+    auto opened = open(daemon.address(), forgeries);
     if (!opened) throw std::runtime_error(opened.failure().message);
     return *std::move(opened);
 }
 
 dbus::Connection::Open BusLoop::opener() {
-    return [this] { return open(daemon.address()); };
+    return [this] { return open(daemon.address(), forgeries); };
 }
 
 dbus::Connection::Attach BusLoop::attacher() {

@@ -5,6 +5,7 @@
 #include "base/descriptors.h"
 #include "base/virtual_time.h"
 #include "dbus/connection.h"
+#include "dbus/forgeries.h"
 #include "tests/support/private_bus.h"
 
 #include <functional>
@@ -15,6 +16,8 @@ namespace wegslot {
 
 class BusLoop final : public Descriptors {
 public:
+    explicit BusLoop(PrivateBus::Policy policy = PrivateBus::Policy::anybody) : daemon(policy) {}
+
     /// Handles messages and what is due until `condition` holds; false when it does not within
     /// `onlyAHang`. Virtual time stands still but for what is due already.
     [[nodiscard]] bool runUntil(const std::function<bool()>& condition);
@@ -40,6 +43,7 @@ public:
 
     PrivateBus daemon;
     VirtualTime time{TimePoint{std::chrono::hours{1000}}};
+    dbus::Forgeries forgeries{time};
 
 private:
     struct Driven {

@@ -26,7 +26,7 @@ void LookAlike::appear() {
     sd_bus_set_address(presence->raw, loop_.daemon.address().c_str());
     sd_bus_set_bus_client(presence->raw, 1);
     if (sd_bus_start(presence->raw) < 0) throw std::runtime_error("look-alike: no bus");
-    presence->bus = std::make_unique<dbus::Bus>(presence->raw);
+    presence->bus = std::make_unique<dbus::Bus>(presence->raw, loop_.forgeries);
     sd_bus_add_filter(
         presence->raw, nullptr,
         [](sd_bus_message* message, void* self, sd_bus_error*) {

@@ -13,13 +13,13 @@
 namespace wegslot {
 namespace {
 
-// Anybody may own any name and talk to anybody: the tests play every service themselves.
-constexpr auto configuration =
+// The address is overruled where the daemon is started, as is what the system says of its place.
+constexpr auto forAnybody =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
-  <listen>ADDRESS</listen>
+  <listen>unix:tmpdir=/tmp</listen>
   <auth>EXTERNAL</auth>
   <servicedir>SERVICES</servicedir>
   <policy context="default">
@@ -31,14 +31,30 @@ constexpr auto configuration =
 </busconfig>
 )";
 
+constexpr auto asTheSystem =
+    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <include>/usr/share/dbus-1/system.conf</include>
+  <policy user="root">
+    <allow own="*"/>
+    <allow send_destination="*"/>
+  </policy>
+</busconfig>
+)";
+
 } // namespace
 
-PrivateBus::PrivateBus() : address_("unix:path=" + (folder_.path() / "bus").string()) {
-    std::string text = configuration;
-    text.replace(text.find("ADDRESS"), std::strlen("ADDRESS"), address_);
-    text.replace(text.find("SERVICES"), std::strlen("SERVICES"), services().string());
+PrivateBus::PrivateBus(Policy policy) : address_("unix:path=" + (folder_.path() / "bus").string()) {
+    using std::filesystem::perms;
+    std::string text = policy == Policy::system ? asTheSystem : forAnybody;
+    if (const auto place = text.find("SERVICES"); place != std::string::npos)
+        text.replace(place, std::strlen("SERVICES"), services().string());
     std::filesystem::create_directory(services());
     folder_.write("bus.conf", text);
+    // The socket is for whoever the policy lets in.
+    std::filesystem::permissions(folder_.path(),
+                                 perms::owner_all | perms::group_exec | perms::others_exec);
     start();
 }
 
@@ -53,12 +69,13 @@ void PrivateBus::start() {
     std::array<int, 2> ready{};
     if (pipe(ready.data()) != 0) throw std::runtime_error("pipe");
     const std::string config = "--config-file=" + (folder_.path() / "bus.conf").string();
+    const std::string listen = "--address=" + address_;
     const std::string print = "--print-address=" + std::to_string(ready[1]);
     daemon_ = fork();
     if (daemon_ == 0) {
         close(ready[0]);
-        execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nosyslog", config.c_str(),
-               print.c_str(), nullptr);
+        execlp("dbus-daemon", "dbus-daemon", "--nofork", "--nosyslog", "--nopidfile",
+               config.c_str(), listen.c_str(), print.c_str(), nullptr);
         _exit(127);
     }
     close(ready[1]);

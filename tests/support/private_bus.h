@@ -13,7 +13,12 @@ namespace wegslot {
 
 class PrivateBus {
 public:
-    PrivateBus();
+    enum class Policy {
+        anybody, ///< may own any name and talk to anybody: the tests play every service
+        system,  ///< the machine's own for its system bus; root may do as above. Needs root.
+    };
+
+    explicit PrivateBus(Policy policy = Policy::anybody);
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
     ~PrivateBus();

@@ -20,18 +20,20 @@ struct TrayItemTest : TrayStage {
     void listen(TrayHost& to) {
         for (const char* const name : {"NewIcon", "NewToolTip", "NewStatus", "NewTitle"})
             subscriptions.push_back(to.bus().onSignal(
-                "interface='org.kde.StatusNotifierItem',member='" + std::string(name) + "'",
+                ownName(), {.interface = "org.kde.StatusNotifierItem", .member = name},
                 [this, name](const dbus::Message&) { signals.push_back(name); }));
-        subscriptions.push_back(to.bus().onSignal(
-            "interface='org.freedesktop.DBus.Properties',member='PropertiesChanged',path='" +
-                std::string(TrayItem::path) + "'",
-            [this](const dbus::Message& message) {
-                auto reader = message.read();
-                static_cast<void>(reader.text());
-                reader.properties([](std::string_view, dbus::Reader&) {});
-                for (const std::string& name : reader.texts())
-                    signals.push_back("changed " + name);
-            }));
+        subscriptions.push_back(to.bus().onSignal(ownName(),
+                                                  {.interface = "org.freedesktop.DBus.Properties",
+                                                   .member = "PropertiesChanged",
+                                                   .path = TrayItem::path},
+                                                  [this](const dbus::Message& message) {
+                                                      auto reader = message.read();
+                                                      static_cast<void>(reader.text());
+                                                      reader.properties(
+                                                          [](std::string_view, dbus::Reader&) {});
+                                                      for (const std::string& name : reader.texts())
+                                                          signals.push_back("changed " + name);
+                                                  }));
         loop.settle();
     }
     std::vector<Subscription> subscriptions;

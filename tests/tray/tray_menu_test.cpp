@@ -1,6 +1,9 @@
 // The menu of the status item, asked as desktops ask.
 
+#include "tests/support/captured_log.h"
 #include "tests/tray/tray_stage.h"
+
+#include <filesystem>
 
 using namespace wegslot;
 
@@ -104,6 +107,18 @@ TEST_F(TrayMenuTest, EachEntryActsOncePerClick) {
     EXPECT_EQ(event(3, "clicked"), "");
     EXPECT_EQ(event(2, "clicked"), "");
     EXPECT_EQ(done, (Texts{"open menu ", "lock", "quit", "lock"}));
+}
+
+TEST_F(TrayMenuTest, EachClickIsLoggedWithWhoMadeIt) {
+    const CapturedLog log;
+    event(3, "clicked");
+    event(3, "hovered");
+    eventGroup({{2, "clicked"}, {9, "clicked"}});
+    const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
+    const std::string who = " gekozen in het menu van het icoon, gevraagd door bus_tests (" + self;
+    ASSERT_EQ(log.messages.size(), 2U);
+    EXPECT_TRUE(log.messages[0].starts_with("\"Stop\"" + who)) << log.messages[0];
+    EXPECT_TRUE(log.messages[1].starts_with("\"Nu locken\"" + who)) << log.messages[1];
 }
 
 TEST_F(TrayMenuTest, OnlyClicksAct) {

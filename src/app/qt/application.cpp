@@ -17,6 +17,7 @@
 #include "app/qt/termination.h"
 #include "app/qt/warning.h"
 #include "control/linux/control_client.h"
+#include "dbus/forgeries.h"
 #include "hud/hidden_hud.h"
 #include "model/file_log.h"
 #include "model/lock_command.h"
@@ -191,8 +192,9 @@ int ended(int status) {
 }
 
 /// Whether a Wegslot that runs already has come forward.
-bool showsItself(Scheduler& scheduler) {
-    dbus::Connection sessionBus(dbus::Bus::openSession, pump, scheduler,
+bool showsItself(Scheduler& scheduler, const Clock& clock) {
+    dbus::Forgeries forgeries(clock);
+    dbus::Connection sessionBus(dbus::sessionBus(forgeries), pump, scheduler,
                                 dbus::Connection::Complaints::none);
     bool isShown = false;
     const ActivationRequest request(sessionBus, scheduler,
@@ -207,7 +209,8 @@ bool showsItself(Scheduler& scheduler) {
 /// Asks a Wegslot that runs already; the exit status. `absence`: what it means that none is found.
 int ask(control::Request request, const Clock& clock,
         const ControlClient::Failed& absence = ControlClient::absent()) {
-    const auto bus = dbus::Bus::openSession();
+    dbus::Forgeries forgeries(clock);
+    const auto bus = dbus::Bus::openSession(forgeries);
     if (!bus) {
         complain(absence.message + " (" + bus.failure().message + ")");
         return absence.status;
@@ -278,7 +281,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
             return complain("Wegslot draait al: vraag --update-now en --record apart");
         if (auto request = handedOver(*run))
             return ended(ask(*std::move(request), clock, {lock.failure().message, EXIT_FAILURE}));
-        if (showsItself(scheduler)) return EXIT_SUCCESS;
+        if (showsItself(scheduler, clock)) return EXIT_SUCCESS;
     }
     if (!lock) return complain(lock.failure().message);
 

@@ -7,6 +7,7 @@
 #include "app/qt/bus_pump.h"
 #include "app/qt/menu_panel.h"
 #include "app/qt/status_icon.h"
+#include "dbus/forgeries.h"
 
 #include <QCoreApplication>
 
@@ -15,7 +16,9 @@ namespace wegslot {
 class DemoWindows {
 public:
     DemoWindows(AppModel& model, Scheduler& scheduler, const Clock& clock)
-        : sessionBus_(dbus::Bus::openSession, pump, scheduler, dbus::Connection::Complaints::none),
+        : forgeries_(clock),
+          sessionBus_(dbus::sessionBus(forgeries_), pump, scheduler,
+                      dbus::Connection::Complaints::none),
           appearance_(sessionBus_),
           panel_({model, appearance_, clock, loginItem_, [] {}, [] { QCoreApplication::quit(); }}),
           icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
@@ -33,6 +36,7 @@ private:
         }
     };
 
+    dbus::Forgeries forgeries_;
     dbus::Connection sessionBus_;
     Appearance appearance_;
     NoLoginItem loginItem_;

@@ -6,9 +6,10 @@
 namespace wegslot {
 
 RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own)
-    : systemBus(dbus::Bus::openSystem, pump, scheduler),
-      sessionBus(dbus::Bus::openSession, pump, scheduler),
-      bluetoothBus(dbus::Bus::openSystem, pumpInBatches, scheduler,
+    : forgeries(clock),
+      systemBus(dbus::systemBus(forgeries), pump, scheduler),
+      sessionBus(dbus::sessionBus(forgeries), pump, scheduler),
+      bluetoothBus(dbus::systemBus(forgeries), pumpInBatches, scheduler,
                    dbus::Connection::Complaints::none),
       links(descriptors, scheduler),
       central(bluetoothBus, scheduler, clock, links),

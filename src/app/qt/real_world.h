@@ -6,6 +6,7 @@
 #include "base/clock.h"
 #include "base/scheduler.h"
 #include "dbus/connection.h"
+#include "dbus/forgeries.h"
 #include "monitor/monitor.h"
 #include "platform/activity_sources.h"
 #include "platform/linux/idle/mutter_idle.h"
@@ -31,6 +32,7 @@ struct RealWorld {
     /// `own`: the user's command to lock the screen; without words for none.
     RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own);
 
+    dbus::Forgeries forgeries;
     dbus::Connection systemBus;
     dbus::Connection sessionBus;
     dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left

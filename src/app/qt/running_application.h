@@ -55,6 +55,8 @@ private:
     AutostartItem loginItem_;
     DesktopOpener opener_;
     MenuPanel panel_;
+    /// Apart from the one with Wegslot's name: who may talk to that reaches no menu.
+    dbus::Connection trayBus_;
     StatusIcon icon_;
     ClockTime clockTime_;
     ControlService control_;

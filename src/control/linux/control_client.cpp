@@ -141,9 +141,9 @@ void ControlClient::readStatus(std::function<void(const control::Status&)> done)
 }
 
 void ControlClient::follow(bool json) {
-    const std::string rule = "sender='" + owner_ + "',path='" + Activation::path + "',interface='" +
-                             control::interfaceName + "',member='PhaseChanged'";
-    changes_ = bus_.onSignal(rule, [this, json](const dbus::Message& signal) {
+    const dbus::SignalMatch changes{
+        .interface = control::interfaceName, .member = "PhaseChanged", .path = Activation::path};
+    changes_ = bus_.onSignal(owner_, changes, [this, json](const dbus::Message& signal) {
         if (!statusIsTold_) return; // what came before the answer is in it
         auto reader = signal.read();
         control::Change change;

@@ -2,9 +2,9 @@
 
 #include "app/linux/activation.h"
 #include "base/text.h"
+#include "dbus/caller.h"
 #include "model/log.h"
 
-#include <fstream>
 #include <optional>
 #include <utility>
 
@@ -12,14 +12,6 @@
 
 namespace wegslot {
 namespace {
-
-/// The name of a process as the system has it.
-std::optional<std::string> programOf(std::int64_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    if (!std::getline(file, name) || name.empty()) return std::nullopt;
-    return name;
-}
 
 void writeKey(dbus::Writer& entries, const control::Key& key) {
     const auto field = [&entries](const char* name, const char* signature,
@@ -53,6 +45,9 @@ ControlService::ControlService(dbus::Connection& sessionBus, const control::Sour
     : sources_(sources),
       actions_(std::move(actions)) {
     phases_ = sources_.monitor.phase().onChange([this](const Phase& next) { phaseChanged(next); });
+    persons_ = sources_.monitor.asked().onChange([this](const UserAction&) {
+        if (!passing_) allowance_.renew();
+    });
     connection_ = sessionBus.bus().follow([this](dbus::Bus* bus) { busChanged(bus); });
 }
 
@@ -104,7 +99,7 @@ std::vector<dbus::Method> ControlService::methods() {
         return dbus::Method{name, "", "",
                             [this, what, &action](const dbus::Message& call, dbus::Writer&) {
                                 logRequest(what, call);
-                                action();
+                                pass(action);
                             }};
     };
     return {bare("Lock", "Lock", actions_.lock),
@@ -119,8 +114,21 @@ std::vector<dbus::Method> ControlService::methods() {
 void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
     const auto seconds = static_cast<std::uint32_t>(call.read().integer().value_or(0));
     if (const auto fault = control::pauseFault(seconds)) return answer.refuse(fault->message);
-    logRequest("Pauze van " + std::to_string(seconds) + " s", call);
-    actions_.pause(Seconds{static_cast<double>(seconds)});
+    const Nanoseconds granted =
+        allowance_.granted(std::chrono::seconds{seconds}, sources_.clock.now());
+    if (granted <= Nanoseconds{0})
+        return answer.refuse("programma's hebben al vier uur lang laten pauzeren; "
+                             "een langere pauze kan in het paneel");
+    const Seconds duration{granted};
+    const auto whole = std::chrono::ceil<std::chrono::seconds>(granted).count();
+    logRequest("Pauze van " + std::to_string(whole) + " s", call);
+    pass([this, duration] { actions_.pause(duration); });
+}
+
+void ControlService::pass(const std::function<void()>& action) {
+    passing_ = true;
+    action();
+    passing_ = false;
 }
 
 void ControlService::record(const dbus::Message& call, dbus::Writer& answer) {
@@ -143,21 +151,7 @@ void ControlService::stopRecording() {
 }
 
 void ControlService::logRequest(const std::string& what, const dbus::Message& call) {
-    Log::write(what + " gevraagd door " + printable(callerOf(call)));
-}
-
-std::string ControlService::callerOf(const dbus::Message& call) {
-    std::optional<std::int64_t> process;
-    // Now, for who asked may be gone as soon as it is answered.
-    bus_->ask({.destination = "org.freedesktop.DBus",
-               .path = "/org/freedesktop/DBus",
-               .interface = "org.freedesktop.DBus",
-               .member = "GetConnectionUnixProcessID",
-               .arguments = {std::string(call.sender())},
-               .timeout = patience},
-              [&process](const dbus::Message& answer) { process = answer.read().integer(); });
-    const auto program = process ? programOf(*process) : std::nullopt;
-    return program.value_or("een onbekend programma");
+    Log::write(what + " gevraagd door " + dbus::callerOf(*bus_, call));
 }
 
 } // namespace wegslot

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "control/control_status.h"
+#include "control/pause_allowance.h"
 #include "dbus/connection.h"
 #include "dbus/object.h"
 
@@ -15,9 +16,6 @@ namespace wegslot {
 
 class ControlService {
 public:
-    /// Who asks for something is asked of the bus, which is on this computer and quick.
-    static constexpr std::chrono::milliseconds patience{100};
-
     struct Actions {
         std::function<void()> lock;
         std::function<void(Seconds)> pause;
@@ -41,15 +39,19 @@ private:
     void pause(const dbus::Message& call, dbus::Writer& answer);
     void record(const dbus::Message& call, dbus::Writer& answer);
     void stopRecording();
+    /// Does what a program asked for, which counts as no person's action.
+    void pass(const std::function<void()>& action);
     void logRequest(const std::string& what, const dbus::Message& call);
-    [[nodiscard]] std::string callerOf(const dbus::Message& call);
 
     control::Sources sources_;
     Actions actions_;
+    control::PauseAllowance allowance_;
+    bool passing_ = false;
     dbus::Bus* bus_ = nullptr;
     Subscription shown_;
     Subscription recordingFor_; ///< whoever asked for the recording; it ends when they go
     Subscription phases_;
+    Subscription persons_;
     Subscription connection_;
 };
 

@@ -66,20 +66,21 @@ WarningNotification::WarningNotification(dbus::Connection& session) {
 WarningNotification::~WarningNotification() { hide(); }
 
 void WarningNotification::listen() {
-    const std::string rule = std::string("sender='") + service + "',interface='" + service +
-                             "',path='" + path + "',member='";
-    signals_.push_back(bus_->onSignal(rule + "ActionInvoked'", [this](const dbus::Message& signal) {
+    const auto listenTo = [this](const char* member, dbus::Bus::Listener listener) {
+        signals_.push_back(bus_->onSignal(
+            service, {.interface = service, .member = member, .path = path}, std::move(listener)));
+    };
+    listenTo("ActionInvoked", [this](const dbus::Message& signal) {
         dbus::Reader reader = signal.read();
         const auto id = number(reader.integer());
         if (!current_ || current_->id != id || reader.text() != cancelAction) return;
         // A copy: the call may end this notification.
         if (const auto onCancel = current_->onCancel) onCancel();
-    }));
-    signals_.push_back(
-        bus_->onSignal(rule + "NotificationClosed'", [this](const dbus::Message& signal) {
-            const auto id = number(signal.read().integer());
-            if (current_ && current_->id == id) current_.reset(); // a new one may get its number
-        }));
+    });
+    listenTo("NotificationClosed", [this](const dbus::Message& signal) {
+        const auto id = number(signal.read().integer());
+        if (current_ && current_->id == id) current_.reset(); // a new one may get its number
+    });
 }
 
 void WarningNotification::show(TimePoint, Seconds, const std::string& message,

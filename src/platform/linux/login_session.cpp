@@ -45,9 +45,8 @@ void LoginSession::busChanged(dbus::Bus* bus) {
     if (bus == nullptr) return found(std::nullopt);
     const auto again = [this](const dbus::Message&) { find(); };
     for (const char* const member : {"SessionNew", "SessionRemoved"})
-        signals_.push_back(bus->onSignal("sender='" + std::string(service) + "',interface='" +
-                                             managerInterface + "',member='" + member + "'",
-                                         again));
+        signals_.push_back(
+            bus->onSignal(service, {.interface = managerInterface, .member = member}, again));
     signals_.push_back(bus->followOwner(service, [this](const std::optional<std::string>& owner) {
         if (owner) return find();
         answer_.reset();

@@ -5,6 +5,7 @@
 namespace wegslot {
 namespace {
 
+constexpr auto lockingService = "org.freedesktop.login1";
 constexpr auto sessionInterface = "org.freedesktop.login1.Session";
 
 } // namespace
@@ -22,7 +23,15 @@ ScreenLockWatcher::ScreenLockWatcher(LoginSession& session, ScreenSavers& savers
     locker_ = lockers.locked().onChange([this](bool locked) { facts_.setLocker(locked); });
 }
 
-void ScreenLockWatcher::expect() {
+Subscription ScreenLockWatcher::expect(std::function<void()> confirmed) {
+    auto seen = events_.onChange([confirmed = std::move(confirmed)](SessionEvent event) {
+        if (event == SessionEvent::locked) confirmed();
+    });
+    lookCloser();
+    return seen;
+}
+
+void ScreenLockWatcher::lookCloser() {
     if (!isLocked()) lockers_.expect();
 }
 
@@ -38,9 +47,11 @@ void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
     // A session that cannot be found any more says nothing; what it said last may still hold.
     if (!path || session_.bus() == nullptr) return;
     changes_ = session_.bus()->onSignal(
-        "sender='org.freedesktop.login1',interface='org.freedesktop.DBus.Properties',"
-        "member='PropertiesChanged',path='" +
-            *path + "',arg0='" + sessionInterface + "'",
+        lockingService,
+        {.interface = "org.freedesktop.DBus.Properties",
+         .member = "PropertiesChanged",
+         .path = *path,
+         .arg0 = sessionInterface},
         [this, path = *path](const dbus::Message& message) {
             dbus::Reader reader = message.read();
             static_cast<void>(reader.text());
@@ -53,16 +64,15 @@ void ScreenLockWatcher::follow(const std::optional<std::string>& path) {
                 if (name == "LockedHint") readHint(path);
         });
     // Somebody asks for a lock, which is no fact; but a locker may come of it.
-    requests_ = session_.bus()->onSignal("sender='org.freedesktop.login1',interface='" +
-                                             std::string(sessionInterface) +
-                                             "',member='Lock',path='" + *path + "'",
-                                         [this](const dbus::Message&) { expect(); });
+    requests_ = session_.bus()->onSignal(
+        lockingService, {.interface = sessionInterface, .member = "Lock", .path = *path},
+        [this](const dbus::Message&) { lookCloser(); });
     readHint(*path);
 }
 
 void ScreenLockWatcher::readHint(const std::string& path) {
     reading_ = session_.bus()->call(
-        {.destination = "org.freedesktop.login1",
+        {.destination = lockingService,
          .path = path,
          .interface = "org.freedesktop.DBus.Properties",
          .member = "Get",

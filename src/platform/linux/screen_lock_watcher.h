@@ -20,7 +20,7 @@ public:
         return events_.onChange(std::move(listener));
     }
 
-    void expect() override;
+    [[nodiscard]] Subscription expect(std::function<void()> confirmed) override;
     [[nodiscard]] bool isLocked() const override { return witness().has_value(); }
 
     /// What says that the screen is locked; nothing while it is not.
@@ -28,6 +28,7 @@ public:
 
 private:
     void changed(bool locked);
+    void lookCloser();
     void follow(const std::optional<std::string>& path);
     void readHint(const std::string& path);
 

@@ -23,15 +23,11 @@ void ScreenSavers::busChanged(dbus::Bus* bus) {
     publish();
     if (bus == nullptr) return;
     for (std::size_t i = 0; i < services.size(); ++i) {
-        // Matched by its owner's name: GNOME's shell and its proxy both announce each change.
-        signals_.push_back(bus->onSignal("sender='" + std::string(services[i].name) +
-                                             "',interface='" + services[i].interface +
-                                             "',member='ActiveChanged'",
-                                         [this, i](const dbus::Message& message) {
-                                             if (message.sender() != savers_[i].owner) return;
-                                             if (const auto active = message.read().boolean())
-                                                 setActive(i, active);
-                                         }));
+        signals_.push_back(bus->onSignal(
+            services[i].name, {.interface = services[i].interface, .member = "ActiveChanged"},
+            [this, i](const dbus::Message& message) {
+                if (const auto active = message.read().boolean()) setActive(i, active);
+            }));
         signals_.push_back(
             bus->followOwner(services[i].name, [this, i](const std::optional<std::string>& owner) {
                 ownerChanged(i, owner);

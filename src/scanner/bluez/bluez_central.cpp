@@ -32,9 +32,10 @@ void BluezCentral::busChanged(dbus::Bus* bus) {
     if (bus != nullptr) {
         bluez::WatchListener& listener = *this;
         watch_ = std::make_unique<bluez::ObjectWatch>(*bus, listener);
-        sleep_ = bus->onSignal("sender='org.freedesktop.login1',path='/org/freedesktop/login1',"
-                               "interface='org.freedesktop.login1.Manager',"
-                               "member='PrepareForSleep'",
+        sleep_ = bus->onSignal("org.freedesktop.login1",
+                               {.interface = "org.freedesktop.login1.Manager",
+                                .member = "PrepareForSleep",
+                                .path = "/org/freedesktop/login1"},
                                [this](const dbus::Message& message) {
                                    if (message.read().boolean() == false) wokeUp();
                                });

@@ -3,6 +3,7 @@
 namespace wegslot::bluez {
 namespace {
 
+constexpr const char* service = "org.bluez";
 constexpr const char* adapterInterface = "org.bluez.Adapter1";
 constexpr std::string_view monitorsInterface = "org.bluez.AdvertisementMonitorManager1";
 constexpr std::string_view serviceInterface = "org.bluez.GattService1";
@@ -16,15 +17,15 @@ bool isOfGatt(std::string_view interface) {
     return interface == serviceInterface || interface == characteristicInterface;
 }
 
-std::string propertiesOf(std::string_view interface) {
-    return "sender='org.bluez',interface='org.freedesktop.DBus.Properties',"
-           "member='PropertiesChanged',path_namespace='/org/bluez',arg0='" +
-           std::string(interface) + "'";
+dbus::SignalMatch propertiesOf(std::string_view interface) {
+    return {.interface = "org.freedesktop.DBus.Properties",
+            .member = "PropertiesChanged",
+            .pathNamespace = "/org/bluez",
+            .arg0 = std::string(interface)};
 }
 
-std::string objectManager(std::string_view member) {
-    return "sender='org.bluez',interface='org.freedesktop.DBus.ObjectManager',member='" +
-           std::string(member) + "'";
+dbus::SignalMatch objectManager(std::string_view member) {
+    return {.interface = "org.freedesktop.DBus.ObjectManager", .member = std::string(member)};
 }
 
 } // namespace
@@ -33,21 +34,21 @@ ObjectWatch::ObjectWatch(dbus::Bus& bus, WatchListener& listener) : bus_(bus), l
     // Signals first: what changes while the objects are read arrives after them or is repeated.
     const auto changed = [this](const dbus::Message& message) { propertiesChanged(message); };
     for (const auto interface : {deviceInterface, bearerInterface, adapterInterface})
-        signals_.push_back(bus_.onSignal(propertiesOf(interface), changed));
+        signals_.push_back(bus_.onSignal(service, propertiesOf(interface), changed));
+    signals_.push_back(bus_.onSignal(service,
+                                     {.interface = "org.bluez.Device1", .member = "Disconnected"},
+                                     [this](const dbus::Message& message) {
+                                         const auto name = message.read().text();
+                                         if (name) listener_.linkEnded(message.path(), *name);
+                                     }));
     signals_.push_back(
-        bus_.onSignal("sender='org.bluez',interface='org.bluez.Device1',member='Disconnected'",
-                      [this](const dbus::Message& message) {
-                          const auto name = message.read().text();
-                          if (name) listener_.linkEnded(message.path(), *name);
-                      }));
-    signals_.push_back(
-        bus_.onSignal(objectManager("InterfacesAdded"),
+        bus_.onSignal(service, objectManager("InterfacesAdded"),
                       [this](const dbus::Message& message) { interfacesAdded(message); }));
     signals_.push_back(
-        bus_.onSignal(objectManager("InterfacesRemoved"),
+        bus_.onSignal(service, objectManager("InterfacesRemoved"),
                       [this](const dbus::Message& message) { interfacesRemoved(message); }));
     owner_ = bus_.followOwner(
-        "org.bluez", [this](const std::optional<std::string>& owner) { ownerChanged(owner); });
+        service, [this](const std::optional<std::string>& owner) { ownerChanged(owner); });
 }
 
 void ObjectWatch::ownerChanged(const std::optional<std::string>& owner) {
@@ -56,7 +57,7 @@ void ObjectWatch::ownerChanged(const std::optional<std::string>& owner) {
     reading_.reset();
     daemon_ = owner ? Daemon::loading : Daemon::absent;
     if (owner)
-        reading_ = bus_.call({.destination = "org.bluez",
+        reading_ = bus_.call({.destination = service,
                               .path = "/",
                               .interface = "org.freedesktop.DBus.ObjectManager",
                               .member = "GetManagedObjects"},

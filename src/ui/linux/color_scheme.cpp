@@ -40,9 +40,12 @@ void ColorScheme::busChanged(dbus::Bus* bus) {
     bus_ = bus;
     prefer(std::nullopt);
     if (bus == nullptr) return;
-    changes_ = bus->onSignal("sender='" + std::string(service) + "',path='" + path +
-                                 "',interface='" + interface + "',member='SettingChanged',arg0='" +
-                                 group + "',arg1='" + key + "'",
+    changes_ = bus->onSignal(service,
+                             {.interface = interface,
+                              .member = "SettingChanged",
+                              .path = path,
+                              .arg0 = group,
+                              .arg1 = key},
                              [this](const dbus::Message& signal) {
                                  auto reader = signal.read();
                                  static_cast<void>(reader.text());

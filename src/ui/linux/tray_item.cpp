@@ -1,5 +1,8 @@
 #include "ui/linux/tray_item.h"
 
+#include "dbus/caller.h"
+#include "model/log.h"
+
 #include <utility>
 
 namespace wegslot {
@@ -34,7 +37,12 @@ TrayItem::TrayItem(dbus::Connection& sessionBus, Scheduler& scheduler, TrayActio
       painter_(std::move(painter)),
       menu_({{"Open Wegslot", [this] { open(std::nullopt); }},
              {"Nu locken", actions_.lock},
-             {"Stop", actions_.quit}}) {
+             {"Stop", actions_.quit}},
+            [this](const TrayMenu::Entry& entry, const dbus::Message& call) {
+                Log::write("\"" + entry.label +
+                           "\" gekozen in het menu van het icoon, gevraagd door " +
+                           dbus::callerOf(*bus_, call));
+            }) {
     connection_ = sessionBus.bus().follow([this](dbus::Bus* bus) { busChanged(bus); });
 }
 

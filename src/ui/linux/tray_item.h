@@ -28,6 +28,8 @@ public:
     /// What bars of usual heights draw, at once and twice the density.
     static constexpr std::array sides{16, 22, 24, 32, 44, 48, 64};
 
+    /// `sessionBus`: one that owns no name that others may talk to; whoever reaches it may choose
+    /// from the menu.
     TrayItem(dbus::Connection& sessionBus, Scheduler& scheduler, TrayActions actions,
              TrayPainter painter);
     TrayItem(const TrayItem&) = delete;

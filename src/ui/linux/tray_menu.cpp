@@ -1,7 +1,7 @@
 #include "ui/linux/tray_menu.h"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
 namespace wegslot {
 namespace {
@@ -100,14 +100,20 @@ void TrayMenu::getProperty(const dbus::Message& call, dbus::Writer& answer) cons
     answer.refuse();
 }
 
+std::function<void()> TrayMenu::actionOf(Id id, std::string_view what,
+                                         const dbus::Message& call) const {
+    const Entry* const clicked = entry(id);
+    if (what != "clicked" || clicked == nullptr) return {};
+    chosen_(*clicked, call);
+    return clicked->action; // a copy: it may end this menu
+}
+
 void TrayMenu::event(const dbus::Message& call, dbus::Writer& answer) const {
     auto reader = call.read();
     const Id id = reader.integer().value_or(-1);
     const auto what = reader.text().value_or("");
     if (!has(id)) return answer.refuse();
-    if (what != "clicked" || entry(id) == nullptr) return;
-    const auto action = entry(id)->action; // a copy: it may end this menu
-    action();
+    if (const auto action = actionOf(id, what, call)) action();
 }
 
 void TrayMenu::eventGroup(const dbus::Message& call, dbus::Writer& answer) const {
@@ -119,7 +125,7 @@ void TrayMenu::eventGroup(const dbus::Message& call, dbus::Writer& answer) const
         const Id id = fields.integer().value_or(-1);
         const auto what = fields.text().value_or("");
         if (!has(id)) return unknown.push_back(id);
-        if (what == "clicked" && entry(id) != nullptr) actions.push_back(entry(id)->action);
+        if (auto action = actionOf(id, what, call)) actions.push_back(std::move(action));
     });
     if (events > 0 && unknown.size() == events) return answer.refuse();
     writeIds(answer, unknown);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace wegslot {
@@ -19,8 +20,12 @@ public:
         std::string label;
         std::function<void()> action; ///< called once for each click
     };
+    /// Told of each click before its action.
+    using Chosen = std::function<void(const Entry& entry, const dbus::Message& call)>;
 
-    explicit TrayMenu(std::vector<Entry> entries) : entries_(std::move(entries)) {}
+    TrayMenu(std::vector<Entry> entries, Chosen chosen)
+        : entries_(std::move(entries)),
+          chosen_(std::move(chosen)) {}
     TrayMenu(const TrayMenu&) = delete;
     TrayMenu& operator=(const TrayMenu&) = delete;
 
@@ -32,6 +37,9 @@ private:
 
     [[nodiscard]] bool has(Id id) const;
     [[nodiscard]] const Entry* entry(Id id) const;
+    /// What a click on an entry does, to be called when all is answered; empty for the rest.
+    [[nodiscard]] std::function<void()> actionOf(Id id, std::string_view what,
+                                                 const dbus::Message& call) const;
 
     void getLayout(const dbus::Message& call, dbus::Writer& answer) const;
     void getGroupProperties(const dbus::Message& call, dbus::Writer& answer) const;
@@ -46,6 +54,7 @@ private:
     void writeProperties(dbus::Writer& writer, Id id, const std::vector<std::string>& wanted) const;
 
     std::vector<Entry> entries_;
+    Chosen chosen_;
 };
 
 } // namespace wegslot

@@ -1,5 +1,6 @@
 #include "ui/qt/x11_tray.h"
 
+#include "model/log.h"
 #include "ui/qt/symbol_images.h"
 
 #include <QAction>
@@ -7,6 +8,7 @@
 #include <QIcon>
 #include <QPixmap>
 
+#include <string>
 #include <utility>
 
 namespace wegslot {
@@ -18,8 +20,15 @@ X11Tray::X11Tray(const SymbolImages& images, TrayActions actions)
         QObject::connect(menu_.addAction(label), &QAction::triggered, &menu_, std::move(action));
     };
     entry(QStringLiteral("Open Wegslot"), [this] { actions_.open({.at = std::nullopt}); });
-    entry(QStringLiteral("Nu locken"), actions_.lock);
-    entry(QStringLiteral("Stop"), actions_.quit);
+    // Who chooses is not told: only what can press keys on this X server can.
+    const auto logged = [](const char* label, const std::function<void()>& action) {
+        return [label, action] {
+            Log::write("\"" + std::string(label) + "\" gekozen in het menu van het icoon");
+            action();
+        };
+    };
+    entry(QStringLiteral("Nu locken"), logged("Nu locken", actions_.lock));
+    entry(QStringLiteral("Stop"), logged("Stop", actions_.quit));
     icon_.setContextMenu(&menu_);
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
                      [this](QSystemTrayIcon::ActivationReason reason) { clicked(reason); });

@@ -7,6 +7,7 @@
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/termination.h"
 #include "dbus/connection.h"
+#include "dbus/forgeries.h"
 #include "platform/linux/system_clock.h"
 #include "scanner/bluez/bluez_central.h"
 #include "scanner/bluez/hci_links.h"
@@ -81,8 +82,9 @@ int main(int argc, char** argv) {
     QCoreApplication application(argc, argv);
     const auto watching = termination.watch();
     QtScheduler scheduler;
-    dbus::Connection systemBus(dbus::Bus::openSystem, pump, scheduler);
     const SystemClock clock;
+    dbus::Forgeries forgeries(clock);
+    dbus::Connection systemBus(dbus::systemBus(forgeries), pump, scheduler);
     QtDescriptors descriptors;
     bluez::HciLinks links(descriptors, scheduler);
     BluezCentral central(systemBus, scheduler, clock, links);
