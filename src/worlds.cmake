@@ -202,8 +202,9 @@ if(WEGSLOT_UPDATES)
     FILES
       update/linux/desktop_control.cpp update/linux/desktop_control.h
       update/linux/linux_installer.cpp update/linux/linux_installer.h
-      update/linux/swap_script.h update/linux/tool.cpp update/linux/tool.h
+      update/linux/only_ours.cpp update/linux/only_ours.h
       update/linux/own_bundle.cpp update/linux/own_bundle.h
+      update/linux/swap_script.h update/linux/tool.cpp update/linux/tool.h
     USES base log replace_file update dbus spawn_linux)
 
   wegslot_module(update_qt

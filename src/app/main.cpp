@@ -2,6 +2,7 @@
 
 #include "app/arguments.h"
 #include "app/qt/application.h"
+#include "base/text.h"
 #include "update/bundle_info.h"
 
 #include <cstdio>
@@ -13,7 +14,8 @@ namespace {
 constexpr int exitUsage = 2;
 
 int complain(const std::string& message, int status) {
-    std::fprintf(stderr, "wegslot: %s\n", message.c_str());
+    // It may repeat what was typed, or what somebody had typed.
+    std::fprintf(stderr, "wegslot: %s\n", wegslot::printable(message).c_str());
     return status;
 }
 

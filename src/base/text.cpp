@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <ctime>
+#include <span>
 
 namespace wegslot {
 namespace {
@@ -27,11 +28,24 @@ constexpr std::array<Range, 25> trimmable{{
     {0xE0020, 0xE007F},
 }};
 
-bool isTrimmable(char32_t character) {
-    return std::ranges::any_of(trimmable, [character](const Range& range) {
+// Of these the controls and the format characters alone: nobody sees them, and some turn the order
+// of what is seen. Line and paragraph separators are with them.
+constexpr std::array<Range, 23> unseen{{
+    {0x0000, 0x001F},   {0x007F, 0x009F},   {0x00AD, 0x00AD},   {0x0600, 0x0605},
+    {0x061C, 0x061C},   {0x06DD, 0x06DD},   {0x070F, 0x070F},   {0x0890, 0x0891},
+    {0x08E2, 0x08E2},   {0x180E, 0x180E},   {0x200B, 0x200F},   {0x2028, 0x202E},
+    {0x2060, 0x2064},   {0x2066, 0x206F},   {0xFEFF, 0xFEFF},   {0xFFF9, 0xFFFB},
+    {0x110BD, 0x110BD}, {0x110CD, 0x110CD}, {0x13430, 0x1343F}, {0x1BCA0, 0x1BCA3},
+    {0x1D173, 0x1D17A}, {0xE0001, 0xE0001}, {0xE0020, 0xE007F},
+}};
+
+bool isIn(std::span<const Range> ranges, char32_t character) {
+    return std::ranges::any_of(ranges, [character](const Range& range) {
         return range.first <= character && character <= range.last;
     });
 }
+
+bool isTrimmable(char32_t character) { return isIn(trimmable, character); }
 
 struct Decoded {
     char32_t character = 0;
@@ -122,10 +136,7 @@ std::string printable(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
         const auto decoded = firstCharacter(text);
-        const char32_t character = decoded.character;
-        const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-        const bool separator = character == 0x2028 || character == 0x2029;
-        const bool bad = decoded.length == 0 || control || separator;
+        const bool bad = decoded.length == 0 || isIn(unseen, decoded.character);
         const std::size_t length = decoded.length == 0 ? 1 : decoded.length;
         shown += bad ? std::string_view("\uFFFD") : text.substr(0, length);
         text.remove_prefix(length);

@@ -22,8 +22,9 @@ namespace wegslot {
 
 [[nodiscard]] bool isUtf8(std::string_view bytes);
 
-/// `text` (UTF-8) for one line of a terminal: control characters and line separators, which
-/// could pretend to be something else, become U+FFFD.
+/// `text` (UTF-8) for one line of a terminal: what could pretend to be something else becomes
+/// U+FFFD, that is control and format characters, those of writing direction among them, and line
+/// separators.
 [[nodiscard]] std::string printable(std::string_view text);
 
 /// `text` (UTF-8) with blanks behind it up to `width` characters, for columns.

@@ -59,3 +59,12 @@ TEST(Text, ColumnsAreCountedInCharacters) {
 TEST(Text, ControlCharactersAreShownAndNotObeyed) {
     EXPECT_EQ(printable("Zoë\n\x1B[2J\u0085\u2028x\xFF"), "Zoë\uFFFD\uFFFD[2J\uFFFD\uFFFDx\uFFFD");
 }
+
+TEST(Text, WhatTurnsOrHidesTextIsMadeVisible) {
+    EXPECT_EQ(printable("a\u202Etxt.exe\u202C"), "a\uFFFDtxt.exe\uFFFD");
+    for (const auto* const hidden :
+         {"\u00AD", "\u061C", "\u200B", "\u200D", "\u200F", "\u2060", "\u2066", "\u2069", "\uFEFF",
+          "\uFFF9", "\U000E0001", "\U000E0041"})
+        EXPECT_EQ(printable(hidden), "\uFFFD");
+    EXPECT_EQ(printable("\u00A0\u2003\u2027\u2030é漢🔑"), "\u00A0\u2003\u2027\u2030é漢🔑");
+}

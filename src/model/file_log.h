@@ -1,27 +1,33 @@
 // The log as a file: one line a message, stamped with the local time of the call. Lines are
 // appended by a thread of the log's own, so that nobody waits for the disk, in the order of the
-// calls. Failures are swallowed: a full disk must not stop the lock.
+// calls. Failures are swallowed: a full disk must not stop the lock, nor one that hangs the end.
+// Whoever can send by radio can cause lines, so the file does not grow without end.
 #pragma once
 
 #include "base/clock.h"
+#include "base/line_threads.h"
 #include "model/log.h"
+#include "model/sighting_limit.h"
 
-#include <condition_variable>
-#include <deque>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
-#include <string>
-#include <thread>
+#include <string_view>
 
 namespace wegslot {
 
 class FileLog final : public LogDestination {
 public:
+    /// A file that has grown so large, in bytes, gives way to a new one and is kept as the one
+    /// before it: with ".1" behind its name.
+    static constexpr std::uintmax_t largest = 5'000'000;
+
     /// `clock` must outlive the log and be readable from any thread. The folder of `file` is
-    /// not made here.
+    /// not made here. The end waits until all is written, for a second at most.
     FileLog(std::filesystem::path file, const Clock& clock);
 
-    /// Writes what was still waiting.
+    /// Says how many sightings the last minute had more.
     ~FileLog() override;
 
     /// "Library/Logs/Wegslot.log" under `home`.
@@ -30,15 +36,16 @@ public:
     void write(std::string_view message) override;
 
 private:
-    void run();
+    /// Of a disk that hangs no more is kept than this, in bytes.
+    static constexpr std::size_t capacity = 1 << 20;
 
-    const std::filesystem::path file_;
+    void put(std::string_view message);
+
     const Clock& clock_;
     std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<std::string> waiting_;
-    bool ending_ = false;
-    std::thread thread_;
+    SightingLimit sightings_;
+    LineThreads threads_;
+    LineQueue lines_;
 };
 
 } // namespace wegslot

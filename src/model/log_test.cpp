@@ -136,6 +136,54 @@ TEST_F(FileLogTest, LinesOfSeveralProcessesAreNeverMixed) {
     EXPECT_TRUE(std::ranges::all_of(written, [&](const auto& line) { return line == expected; }));
 }
 
+TEST_F(FileLogTest, APipeThatNobodyReadsHoldsUpNeitherTheCallNorTheEnd) {
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    {
+        FileLog log(file, time);
+        log.write("een");
+    }
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+}
+
+TEST_F(FileLogTest, AFileThatIsFullGivesWayToANewOneAndIsKeptAsTheOneBefore) {
+    folder.write("Wegslot.log.1", "of last year\n");
+    folder.write("Wegslot.log", std::string(FileLog::largest - 1, 'x'));
+    {
+        FileLog log(file, time);
+        log.write("een");
+        log.write("twee");
+    }
+    EXPECT_EQ(folder.read("Wegslot.log"), "2025-03-01 09:05:07 twee\n");
+    EXPECT_TRUE(folder.read("Wegslot.log.1").ends_with("x2025-03-01 09:05:07 een\n"));
+}
+
+TEST_F(FileLogTest, AFloodOfNewDevicesIsTwentyLinesAMinuteAndTheirNumber) {
+    {
+        FileLog log(file, time);
+        const auto see = [&log](int count) {
+            for (int i = 0; i < count; ++i)
+                log.write("Gezien: " + std::to_string(i));
+        };
+        see(100);
+        log.write("Hervat"); // all else is written as ever
+        time.advance(60s - 1ns);
+        see(1);
+        time.advance(1ns);
+        see(20);
+        time.advance(60s);
+        see(21);
+    }
+    const auto lines = folder.lines("Wegslot.log");
+    ASSERT_EQ(lines.size(), 63U);
+    EXPECT_EQ(lines[19].substr(20), "Gezien: 19");
+    EXPECT_EQ(lines[20].substr(20), "Hervat");
+    EXPECT_EQ(lines[21].substr(20), "Gezien: nog 81 apparaten in een minuut");
+    EXPECT_EQ(lines[22].substr(20), "Gezien: 0");
+    EXPECT_EQ(lines[41].substr(20), "Gezien: 19");
+    EXPECT_EQ(lines[42].substr(20), "Gezien: 0"); // no more than may be: nothing is said
+    EXPECT_EQ(lines[62].substr(20), "Gezien: nog 1 apparaten in een minuut");
+}
+
 TEST_F(FileLogTest, OnlyTheUserMayReadIt) {
     {
         FileLog log(file, time);

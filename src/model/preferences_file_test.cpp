@@ -64,34 +64,113 @@ TEST_F(PreferencesFileTest, ChangesOfOneTurnAreWrittenOnceAtItsEnd) {
     EXPECT_EQ(time.pending(), 0U);
 }
 
-TEST_F(PreferencesFileTest, NoOtherFileStaysBehind) {
+TEST_F(PreferencesFileTest, NoOtherFileThanItsCopyStaysBehind) {
     PreferencesFile store(file, time);
     store.write("enabled", false);
-    store.flush();
+    EXPECT_EQ(store.flush(), std::nullopt);
     const std::filesystem::directory_iterator entries(file.parent_path());
-    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
+    EXPECT_EQ(folder.read("wegslot/preferences.json.good"), content());
 }
 
-TEST_F(PreferencesFileTest, ADamagedFileLoadsAsDefaultsAndIsKeptBeside) {
-    for (const auto* const name : {"preferences.json.damaged", "preferences.json.damaged.1"}) {
-        put("{\"enabled\": fal");
-        PreferencesFile store(file, time);
-        const Settings settings(store);
-        EXPECT_TRUE(settings.enabled.get());
-        EXPECT_FALSE(std::filesystem::exists(file));
-        EXPECT_EQ(folder.read("wegslot/" + std::string(name)), "{\"enabled\": fal");
-        EXPECT_EQ(log.take(), std::vector{"Voorkeuren onleesbaar, bewaard als " +
-                                          (file.parent_path() / name).string()});
+TEST_F(PreferencesFileTest, AMistypedFileIsLeftAndTheLastGoodOneCountsUntilItIsMended) {
+    put("{\n  \"awayDelay\": 9\n}\n");
+    { const PreferencesFile good(file, time); }
+    const std::string mistyped = "{\n  \"awayDelay\": 8,\n}\n";
+    put(mistyped);
+    PreferencesFile store(file, time);
+    Settings settings(store);
+    const std::string fault = "Voorkeuren onleesbaar: " + file.string() +
+                              ": regel 3, kolom 1; tot dat hersteld is gelden de vorige en wordt "
+                              "niets bewaard";
+    EXPECT_EQ(log.take(), std::vector{fault});
+    EXPECT_EQ(store.fault().get(), Failure{fault});
+    EXPECT_EQ(settings.awayDelay.get(), 9s);
+
+    settings.enabled.set(false);
+    EXPECT_EQ(store.flush(), Failure{fault});
+    EXPECT_EQ(content(), mistyped);
+    put("{\n  \"awayDelay\": 8\n}\n");
+    store.reread();
+    EXPECT_EQ(store.fault().get(), std::nullopt);
+    EXPECT_EQ(settings.awayDelay.get(), 8s);
+    time.advance(0s); // what was changed meanwhile is written now
+    EXPECT_EQ(content(), "{\n  \"awayDelay\": 8.0,\n  \"enabled\": false\n}\n");
+}
+
+TEST_F(PreferencesFileTest, AMistypedFileWithoutACopyIsLeftToo) {
+    for (const auto* const wrong : {"{\"enabled\": fal", "[1,2]", "{\"awayDelay\": 1e999}"}) {
+        put(wrong);
+        {
+            PreferencesFile store(file, time);
+            Settings settings(store);
+            EXPECT_TRUE(store.fault().get()) << wrong;
+            EXPECT_TRUE(settings.enabled.get());
+            settings.enabled.set(false);
+        }
+        EXPECT_EQ(content(), wrong);
     }
 }
 
-TEST_F(PreferencesFileTest, WhatIsNoObjectIsDamagedAndAnEmptyFileIsNot) {
-    put("[1,2]");
-    const PreferencesFile damaged(file, time);
-    EXPECT_TRUE(std::filesystem::exists(file.string() + ".damaged"));
+TEST_F(PreferencesFileTest, NestingHasABound) {
+    const auto nested = [](std::size_t depth) {
+        return "{\"x\":" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+    };
+    put(nested(PreferencesFile::deepest));
+    EXPECT_FALSE(PreferencesFile(file, time).fault().get());
+    put(nested(PreferencesFile::deepest + 1));
+    EXPECT_TRUE(PreferencesFile(file, time).fault().get());
+    put("{\"x\":" + std::string(80'000, '[') + std::string(80'000, ']') + "}");
+    EXPECT_TRUE(PreferencesFile(file, time).fault().get());
+    put("{\"x\": \"" + std::string(100, '[') + "\\\"\"}"); // a text may hold what it likes
+    EXPECT_FALSE(PreferencesFile(file, time).fault().get());
+}
+
+TEST_F(PreferencesFileTest, WhatOthersChangeIsTakenAndOursStaysWhereBothDid) {
+    put(R"({"awayDelay": 5, "lostTimeout": 15, "warningSeconds": 5, "later": 1})");
+    PreferencesFile store(file, time);
+    Settings settings(store);
+    int told = 0;
+    const auto following = settings.awayDelay.onChange([&told](Seconds) { ++told; });
+    settings.lostTimeout.set(20s);
+    put(R"({"awayDelay": 7, "lostTimeout": 30, "enabled": false})");
+    time.advance(0s); // our change is written, over what the file holds by now
+    EXPECT_EQ(settings.awayDelay.get(), 7s);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(settings.lostTimeout.get(), 20s);
+    EXPECT_FALSE(settings.enabled.get());
+    EXPECT_EQ(content(), "{\n  \"awayDelay\": 7.0,\n  \"enabled\": false,\n"
+                         "  \"lostTimeout\": 20.0\n}\n");
+    store.reread(); // our own writing is no change
+    EXPECT_EQ(told, 1);
+    put(R"({"awayDelay": 7, "enabled": false})"); // written by then, so the other one counts
+    store.reread();
+    EXPECT_EQ(settings.lostTimeout.get(), 15s);
+}
+
+TEST_F(PreferencesFileTest, AFileThatIsEmptiedOrDeletedChangesNoSetting) {
+    put(R"({"awayDelay": 7})");
+    PreferencesFile store(file, time);
+    const Settings settings(store);
     put("");
-    const PreferencesFile empty(file, time);
-    EXPECT_TRUE(std::filesystem::exists(file));
+    store.reread();
+    std::filesystem::remove(file);
+    store.reread();
+    EXPECT_EQ(settings.awayDelay.get(), 7s);
+    EXPECT_EQ(store.fault().get(), std::nullopt);
+}
+
+TEST_F(PreferencesFileTest, WhoOnlyReadsChangesNothing) {
+    put("{");
+    {
+        PreferencesFile store(file, time, PreferencesFile::Access::readOnly);
+        store.write("enabled", false);
+    }
+    EXPECT_EQ(content(), "{");
+    put("{}");
+    { const PreferencesFile store(file, time, PreferencesFile::Access::readOnly); }
+    const std::filesystem::directory_iterator entries(file.parent_path());
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1);
 }
 
 TEST_F(PreferencesFileTest, AFileThatCannotBeReadIsNeverWrittenOver) {
@@ -99,6 +178,7 @@ TEST_F(PreferencesFileTest, AFileThatCannotBeReadIsNeverWrittenOver) {
     {
         PreferencesFile store(file, time);
         store.write("enabled", false);
+        EXPECT_TRUE(store.flush());
     }
     EXPECT_TRUE(std::filesystem::is_directory(file));
     EXPECT_EQ(
@@ -112,9 +192,10 @@ TEST_F(PreferencesFileTest, AFailedWriteIsLoggedAndTheNextChangeTriesAgain) {
     std::filesystem::remove_all(file.parent_path());
     folder.write("wegslot", "in the way");
     store.write("enabled", false);
-    store.flush();
-    ASSERT_EQ(log.messages.size(), 1U);
-    EXPECT_TRUE(log.messages[0].starts_with("Voorkeuren niet bewaard: " + file.string() + ": "));
+    const auto failure = store.flush();
+    ASSERT_TRUE(failure);
+    EXPECT_TRUE(failure->message.starts_with("Voorkeuren niet bewaard: " + file.string() + ": "));
+    EXPECT_EQ(log.take(), std::vector{failure->message});
     std::filesystem::remove(file.parent_path());
     store.write("enabled", false);
     store.flush();

@@ -2,10 +2,14 @@
 // defaults. Writes are not checked; reading a value of another type gives the default.
 #pragma once
 
+#include "base/handle.h"
+
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace wegslot {
@@ -37,6 +41,9 @@ public:
     [[nodiscard]] virtual std::optional<Data> data(std::string_view name) const = 0;
 
     virtual void write(std::string_view name, PreferenceValue value) = 0;
+
+    /// Tells `listener` when values have changed that were not written here.
+    [[nodiscard]] virtual Subscription onChangeByOthers(std::function<void()> listener) = 0;
 };
 
 /// What every store does once it has the values at hand: look a name up, fall back to the
@@ -55,7 +62,15 @@ public:
     [[nodiscard]] std::optional<Data> data(std::string_view name) const override;
     void write(std::string_view name, PreferenceValue value) override;
 
+    /// Never: nobody else knows the values.
+    [[nodiscard]] Subscription onChangeByOthers(std::function<void()> /*listener*/) override {
+        return {};
+    }
+
     [[nodiscard]] const Preferences& values() const { return values_; }
+
+protected:
+    void replace(Preferences values) { values_ = std::move(values); }
 
 private:
     template <typename T>

@@ -34,23 +34,28 @@ PreferencesStore& withDefaults(PreferencesStore& store) {
 }
 
 Setting<bool> switchSetting(PreferencesStore& store, const char* name) {
-    return {store.boolean(name), [&store, name](bool value) { store.write(name, value); }};
+    return {[&store, name] { return store.boolean(name); },
+            [&store, name](bool value) { store.write(name, value); }};
 }
 
 Setting<Seconds> durationSetting(PreferencesStore& store, const char* name) {
-    return {Seconds{store.number(name)},
+    return {[&store, name] { return Seconds{store.number(name)}; },
             [&store, name](Seconds value) { store.write(name, value.count()); }};
 }
 
 Setting<LockRule> ruleSetting(PreferencesStore& store, const char* name) {
-    return {lockRule(store.text(name).value_or("")).value_or(LockRule::allAway),
+    return {[&store, name] {
+                return lockRule(store.text(name).value_or("")).value_or(LockRule::allAway);
+            },
             [&store, name](LockRule rule) { store.write(name, std::string(storedText(rule))); }};
 }
 
 Setting<std::vector<KeyDevice>> keysSetting(PreferencesStore& store, const char* name) {
-    const auto stored = store.data(name);
-    auto keys = stored ? decodeKeys(stored->bytes) : std::nullopt;
-    return {std::move(keys).value_or(std::vector<KeyDevice>{}),
+    return {[&store, name] {
+                const auto stored = store.data(name);
+                auto keys = stored ? decodeKeys(stored->bytes) : std::nullopt;
+                return std::move(keys).value_or(std::vector<KeyDevice>{});
+            },
             [&store, name](const std::vector<KeyDevice>& list) {
                 if (auto bytes = encodeKeys(list)) store.write(name, Data{*std::move(bytes)});
             }};
@@ -69,7 +74,21 @@ Settings::Settings(PreferencesStore& store)
       warningSeconds(durationSetting(store_, "warningSeconds")),
       pauseDuringMeetings(switchSetting(store_, "pauseDuringMeetings")),
       pauseWhileActive(switchSetting(store_, "pauseWhileActive")),
-      showOtherDevices(switchSetting(store_, "showOtherDevices")) {}
+      showOtherDevices(switchSetting(store_, "showOtherDevices")),
+      changesByOthers_(store_.onChangeByOthers([this] { reread(); })) {}
+
+void Settings::reread() {
+    enabled.reread();
+    keys.reread();
+    rule.reread();
+    awayDelay.reread();
+    lostTimeout.reread();
+    warningEnabled.reread();
+    warningSeconds.reread();
+    pauseDuringMeetings.reread();
+    pauseWhileActive.reread();
+    showOtherDevices.reread();
+}
 
 void Settings::addKey(const SeenDevice& device) {
     auto list = keys.get();

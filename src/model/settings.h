@@ -1,5 +1,5 @@
 // Every choice of the user, each written through to the preferences at once. One object of this
-// kind lives as long as the application; it never reloads.
+// kind lives as long as the application. What others change in the store counts from then on.
 #pragma once
 
 #include "base/observable.h"
@@ -19,8 +19,9 @@ namespace wegslot {
 template <typename T>
 class Setting {
 public:
-    Setting(T initial, std::function<void(const T&)> write)
-        : value_(std::move(initial)),
+    Setting(std::function<T()> read, std::function<void(const T&)> write)
+        : read_(std::move(read)),
+          value_(read_()),
           write_(std::move(write)) {}
 
     [[nodiscard]] const T& get() const { return value_.get(); }
@@ -28,6 +29,11 @@ public:
     void set(T value) {
         value_.set(std::move(value));
         write_(value_.get());
+    }
+
+    /// Takes over what the store says by now, if that is something else.
+    void reread() {
+        if (T now = read_(); now != value_.get()) value_.set(std::move(now));
     }
 
     [[nodiscard]] Subscription onChange(typename Observable<T>::Listener listener) const {
@@ -39,6 +45,7 @@ public:
     }
 
 private:
+    std::function<T()> read_;
     Observable<T> value_;
     std::function<void(const T&)> write_;
 };
@@ -63,6 +70,8 @@ public:
     void removeKey(const Uuid& id);
 
 private:
+    void reread();
+
     PreferencesStore& store_;
 
 public:
@@ -76,6 +85,9 @@ public:
     Setting<bool> pauseDuringMeetings;
     Setting<bool> pauseWhileActive;
     Setting<bool> showOtherDevices;
+
+private:
+    Subscription changesByOthers_;
 };
 
 } // namespace wegslot

@@ -1,5 +1,6 @@
 // wegslot-replay: runs the whole core on a recorded trace and prints what it did.
 
+#include "base/text.h"
 #include "replay/replay.h"
 
 #include <cstdio>
@@ -39,7 +40,7 @@ struct Arguments {
 
 int complain(const std::string& message, int status) {
     std::fflush(stdout);
-    std::fprintf(stderr, "wegslot-replay: %s\n", message.c_str());
+    std::fprintf(stderr, "wegslot-replay: %s\n", printable(message).c_str());
     return status;
 }
 

@@ -1,6 +1,7 @@
 #include "scanner/device_table.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace wegslot {
 namespace {
@@ -12,6 +13,7 @@ void fillFrom(DeviceTable::Record& device, const DeviceTable::Record& other) {
     if (!device.name) device.name = other.name;
     if (!device.model) device.model = other.model;
     if (!device.continuityType) device.continuityType = other.continuityType;
+    if (device.lastSeen < other.lastSeen) device.lastRSSI = other.lastRSSI;
     device.lastSeen = std::max(device.lastSeen, other.lastSeen);
     device.isHeld = device.isHeld || other.isHeld;
     device.isLogged = device.isLogged || other.isLogged;
@@ -24,6 +26,7 @@ DeviceTable::Record& DeviceTable::addSample(const Uuid& id, int rssi, TimePoint 
     entry.samples.add(now, rssi);
     entry.device.id = id;
     entry.device.lastSeen = now;
+    entry.device.lastRSSI = rssi;
     return entry.device;
 }
 
@@ -45,6 +48,7 @@ std::optional<Dbm> DeviceTable::smoothedRSSI(const Uuid& id, Nanoseconds window,
 }
 
 std::vector<Uuid> DeviceTable::forgetStale(const std::set<Uuid>& watched, TimePoint now) {
+    limit_ = mostDevices;
     std::vector<Uuid> forgotten;
     std::erase_if(entries_, [&](const auto& entry) {
         const auto& [id, record] = entry;
@@ -52,6 +56,26 @@ std::vector<Uuid> DeviceTable::forgetStale(const std::set<Uuid>& watched, TimePo
         forgotten.push_back(id);
         return true;
     });
+    return forgotten;
+}
+
+std::vector<Uuid> DeviceTable::makeRoom(const std::function<bool(const Uuid&)>& isKept) {
+    if (!isTooLarge()) return {};
+    // A good many at once, or a flood would have all of them sorted for each of its devices.
+    constexpr std::size_t room = mostDevices / 20;
+    std::vector<std::pair<TimePoint, Uuid>> candidates;
+    for (const auto& [id, entry] : entries_)
+        if (entry.device.lastRSSI < nearFrom && !isKept(id))
+            candidates.emplace_back(entry.device.lastSeen, id);
+    const std::size_t count = std::min(candidates.size(), entries_.size() - mostDevices + room);
+    std::ranges::nth_element(candidates, candidates.begin() + static_cast<std::ptrdiff_t>(count));
+    std::vector<Uuid> forgotten;
+    for (std::size_t i = 0; i < count; ++i) {
+        forgotten.push_back(candidates[i].second);
+        entries_.erase(candidates[i].second);
+    }
+    // Where they all count, the next look is after as many more.
+    limit_ = entries_.size() <= mostDevices ? mostDevices : entries_.size() + room;
     return forgotten;
 }
 

@@ -5,6 +5,8 @@
 #include "scanner/seen_device.h"
 #include "scanner/signal_history.h"
 
+#include <cstddef>
+#include <functional>
 #include <set>
 #include <unordered_map>
 #include <vector>
@@ -17,10 +19,17 @@ public:
     struct Record : SeenDevice {
         bool isHeld = false;   ///< its peripheral is
         bool isLogged = false; ///< it has been
+        int lastRSSI = -128;
     };
 
     /// An unwatched device that was not heard for longer is forgotten.
     static constexpr Nanoseconds staleAge = std::chrono::seconds{120};
+
+    /// More are not held, but for those that count: a radio nearby can make up addresses.
+    static constexpr std::size_t mostDevices = 20'000;
+
+    /// A device so strong is near its user, and what they may be looking for.
+    static constexpr int nearFrom = -69;
 
     /// The window of the published signal strengths: long enough for a phone that advertises
     /// every two seconds, short enough to notice who leaves.
@@ -39,6 +48,14 @@ public:
 
     /// Forgets the stale devices that are not in `watched` and returns their ids.
     std::vector<Uuid> forgetStale(const std::set<Uuid>& watched, TimePoint now);
+
+    [[nodiscard]] std::size_t size() const { return entries_.size(); }
+
+    [[nodiscard]] bool isTooLarge() const { return entries_.size() > limit_; }
+
+    /// Forgets those unheard for longest until there is room for some more, and returns their ids.
+    /// Never one that is near or that `isKept`.
+    std::vector<Uuid> makeRoom(const std::function<bool(const Uuid&)>& isKept);
 
     /// All records with their smoothed signal, strongest first; equal ones in order of id.
     [[nodiscard]] std::vector<SeenDevice> snapshot(TimePoint now) const;
@@ -63,6 +80,7 @@ private:
     };
 
     std::unordered_map<Uuid, Entry> entries_;
+    std::size_t limit_ = mostDevices; ///< more while there are none that can be forgotten
 };
 
 } // namespace wegslot

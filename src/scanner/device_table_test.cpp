@@ -98,3 +98,39 @@ TEST_F(DeviceTableTest, MovingToItselfOrFromNowhereChangesNothing) {
     table.move(numbered(5), numbered(6));
     EXPECT_EQ(idsOf(table.snapshot(start)), std::vector{numbered(1)});
 }
+
+TEST_F(DeviceTableTest, TooManyMakeRoomForTheNewestAndNotInPlaceOfWhatCounts) {
+    constexpr auto most = static_cast<unsigned>(DeviceTable::mostDevices);
+    table.addSample(numbered(1), -90, start);                       // kept
+    table.addSample(numbered(2), DeviceTable::nearFrom, start);     // near
+    table.addSample(numbered(3), DeviceTable::nearFrom - 1, start); // neither
+    const auto isKept = [](const Uuid& id) { return id == numbered(1); };
+    for (unsigned number = 4; number <= most; ++number)
+        table.addSample(numbered(number), -90, start + std::chrono::milliseconds{number});
+    EXPECT_FALSE(table.isTooLarge());
+    EXPECT_TRUE(table.makeRoom(isKept).empty());
+    table.addSample(numbered(most + 1), -90, start + 1h);
+    EXPECT_TRUE(table.isTooLarge());
+    const auto forgotten = table.makeRoom(isKept);
+    EXPECT_EQ(table.size() + forgotten.size(), DeviceTable::mostDevices + 1);
+    EXPECT_LE(table.size(), DeviceTable::mostDevices);
+    EXPECT_NE(table.find(numbered(1)), nullptr);
+    EXPECT_NE(table.find(numbered(2)), nullptr);
+    EXPECT_EQ(table.find(numbered(3)), nullptr);
+    EXPECT_EQ(table.find(numbered(4)), nullptr); // the longest unheard of the others
+    EXPECT_NE(table.find(numbered(most)), nullptr);
+    EXPECT_NE(table.find(numbered(most + 1)), nullptr);
+}
+
+TEST_F(DeviceTableTest, WhereAllAreNearNoneIsForgottenAndNoneLookedAtForEachOfThem) {
+    const auto isKept = [](const Uuid&) { return false; };
+    unsigned looks = 0;
+    for (unsigned number = 1; number <= DeviceTable::mostDevices + 2000; ++number) {
+        table.addSample(numbered(number), -50, start);
+        if (!table.isTooLarge()) continue;
+        ++looks;
+        EXPECT_TRUE(table.makeRoom(isKept).empty());
+    }
+    EXPECT_EQ(table.size(), DeviceTable::mostDevices + 2000);
+    EXPECT_LE(looks, 3U);
+}

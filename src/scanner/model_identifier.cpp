@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "model/log.h"
+#include "scanner/log_name.h"
 
 #include <algorithm>
 
@@ -91,8 +92,8 @@ void ModelIdentifier::store(const Uuid& id, std::string_view model) {
         device->model = model;
         if (!name.empty()) device->name = name;
     }
-    Log::write("Herkend: " + id.text() + " model=" + printable(model) +
-               " naam=" + (name.empty() ? "-" : printable(name)));
+    Log::write("Herkend: " + id.text() + " model=" + nameForLog(model) +
+               " naam=" + (name.empty() ? "-" : nameForLog(name)));
 }
 
 void ModelIdentifier::finish(const Uuid& id, Outcome outcome) {

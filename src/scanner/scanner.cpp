@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "model/log.h"
+#include "scanner/log_name.h"
 
 #include <array>
 #include <utility>
@@ -52,9 +53,20 @@ std::string Scanner::stateDescription() const {
 void Scanner::refreshSnapshot() {
     central_.catchUp();
     const TimePoint now = clock_.now();
-    for (const Uuid& id : devices_.forgetStale(watchedIDs(), now))
-        if (id != identifier_.identifying()) connections_.release(id);
+    release(devices_.forgetStale(watchedIDs(), now));
     snapshot_.set(devices_.snapshot(now));
+}
+
+void Scanner::release(const std::vector<Uuid>& forgotten) {
+    for (const Uuid& id : forgotten)
+        if (id != identifier_.identifying()) connections_.release(id);
+}
+
+void Scanner::makeRoom(const Uuid& newest) {
+    release(devices_.makeRoom([this, newest](const Uuid& id) {
+        return id == newest || watchedIDs().contains(id) || id == identifier_.identifying() ||
+               central_.peripheralState(id) == PeripheralState::connected;
+    }));
 }
 
 std::optional<TimePoint> Scanner::lastSeen(const Uuid& id) const {
@@ -93,7 +105,7 @@ void Scanner::want() {
 
 std::string Scanner::label(const Uuid& id) const {
     const SeenDevice* const device = devices_.find(id);
-    return (device == nullptr ? "?" : printable(device->displayName())) + " (" +
+    return (device == nullptr ? "?" : nameForLog(device->displayName())) + " (" +
            id.text().substr(0, 8) + ")";
 }
 
@@ -110,6 +122,7 @@ void Scanner::didDiscover(const Advertisement& advertisement) {
     if (!isMeasured(advertisement.rssi) || !isWanted(advertisement)) return;
 
     auto& device = devices_.addSample(advertisement.id, advertisement.rssi, clock_.now());
+    if (devices_.isTooLarge()) makeRoom(advertisement.id);
     if (!std::exchange(device.isHeld, true)) connections_.hold(advertisement.id);
     // What this advertisement lacks, an earlier one may have told.
     if (const auto type = advertisement.continuityType()) device.continuityType = type;
@@ -128,8 +141,11 @@ bool Scanner::isWanted(const Advertisement& advertisement) const {
 
 void Scanner::logFirstSight(DeviceTable::Record& device, int rssi) {
     if (rssi < loggedFrom || std::exchange(device.isLogged, true)) return;
+    // Who is logged once more after so many others does no harm; a list without an end does.
+    constexpr std::size_t mostLogged = 100'000;
+    if (loggedDevices_.size() >= mostLogged) loggedDevices_.clear();
     if (!loggedDevices_.insert(device.id).second) return;
-    Log::write("Gezien: " + device.id.text() + " naam=" + printable(device.name.value_or("-")) +
+    Log::write("Gezien: " + device.id.text() + " naam=" + nameForLog(device.name.value_or("-")) +
                " type=" + (device.continuityType ? hexadecimal(*device.continuityType) : "-") +
                " rssi=" + std::to_string(rssi));
 }

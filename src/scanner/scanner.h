@@ -21,7 +21,7 @@ namespace wegslot {
 class Scanner final : private CentralDelegate {
 public:
     /// A first sighting is logged from this strength on: about the same room.
-    static constexpr int loggedFrom = -69;
+    static constexpr int loggedFrom = DeviceTable::nearFrom;
 
     Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock);
     ~Scanner() override;
@@ -98,6 +98,8 @@ private:
     void keysChanged();
     void want();
     [[nodiscard]] bool isWanted(const Advertisement& advertisement) const;
+    void release(const std::vector<Uuid>& forgotten);
+    void makeRoom(const Uuid& newest);
     void logFirstSight(DeviceTable::Record& device, int rssi);
 
     BluetoothCentral& central_;

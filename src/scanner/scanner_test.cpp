@@ -255,3 +255,12 @@ TEST_F(ScannerTest, NoDeviceCanForgeALogLine) {
                                         "Herkend: " + id + " model=Model\uFFFDX naam=" + visible}));
     EXPECT_EQ(only().name, forged); // the record keeps what the device said
 }
+
+TEST_F(ScannerTest, AFloodOfAddressesIsHeldUpToABoundAndDrivesNoKeyOut) {
+    scanner.setWatchedIDs({numbered(1)});
+    world.hear(1, -95);
+    for (unsigned number = 2; number < 100'000; ++number)
+        world.hearApple(number, -80);
+    EXPECT_LE(listed(), DeviceTable::mostDevices);
+    EXPECT_TRUE(scanner.lastSeen(numbered(1)));
+}

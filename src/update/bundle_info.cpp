@@ -44,6 +44,14 @@ std::string versionLine(std::string_view version, std::int64_t build) {
     return "wegslot " + std::string(version) + " (" + std::to_string(build) + ")";
 }
 
+std::optional<std::int64_t> buildInVersionLine(std::string_view answer) {
+    const auto bracket = answer.rfind(" (");
+    if (!answer.starts_with("wegslot ") || !answer.ends_with(")\n") ||
+        answer.find('\n') != answer.size() - 1 || bracket == std::string_view::npos)
+        return std::nullopt;
+    return buildNumber(answer.substr(bracket + 2, answer.size() - 2 - (bracket + 2)));
+}
+
 BundleInfo readBundleInfo(std::string_view json) {
     BundleInfo info;
     const Json object = Json::parse(json, nullptr, false);

@@ -30,6 +30,9 @@ inline constexpr auto programFile = "wegslot";
 /// What the program answers to `--version`: "wegslot 1.4 (27)".
 [[nodiscard]] std::string versionLine(std::string_view version, std::int64_t build);
 
+/// The build in such an answer, its line feed included, whatever version stands there.
+[[nodiscard]] std::optional<std::int64_t> buildInVersionLine(std::string_view answer);
+
 /// Reads an Info.json. Never fails: what is absent or of another type counts as not there, and so
 /// does everything in a text that is no JSON object.
 [[nodiscard]] BundleInfo readBundleInfo(std::string_view json);

@@ -59,3 +59,12 @@ TEST(BuildNumber, IsAWholeDecimalNumberWithinSixtyFourBits) {
           "9223372036854775808", "-9223372036854775809", "1\n", "einz"})
         EXPECT_EQ(buildNumber(text), std::nullopt) << text;
 }
+
+TEST(BundleInfo, OnlyTheBuildOfAVersionLineIsRead) {
+    EXPECT_EQ(buildInVersionLine(versionLine("1.4", 27) + "\n"), 27);
+    EXPECT_EQ(buildInVersionLine("wegslot 1.4 (nieuw) (27)\n"), 27);
+    for (const auto* const other :
+         {"", "wegslot 1.4 (27)", "wegslot 1.4 27\n", "iets 1.4 (27)\n", "wegslot 1.4 ()\n",
+          "wegslot 1.4 (27)\n\n", "wegslot 1.4\n(27)\n", "wegslot (\n", "wegslot 1.4 (27 )\n"})
+        EXPECT_EQ(buildInVersionLine(other), std::nullopt) << other;
+}

@@ -1,7 +1,10 @@
 #include "update/release.h"
 
+#include "base/text.h"
+
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <limits>
 
 namespace wegslot {
@@ -30,6 +33,14 @@ std::optional<std::int64_t> wholeNumber(const Json& object, const char* key) {
     return value->get<std::int64_t>();
 }
 
+/// It is shown, and asked nothing.
+bool isFitVersion(std::string_view version) {
+    constexpr std::size_t longest = 64; // characters
+    const auto characters = std::ranges::count_if(
+        version, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; });
+    return static_cast<std::size_t>(characters) <= longest && printable(version) == version;
+}
+
 } // namespace
 
 Result<Release> readRelease(std::string_view feed) {
@@ -51,6 +62,7 @@ Result<Release> readRelease(std::string_view feed) {
         if (text == nullptr) return wrong(key);
         *value = text->get<std::string>();
     }
+    if (!isFitVersion(release.version)) return wrong("version");
     const auto notes = object.find("notes");
     if (notes == object.end() || notes->is_null()) return release;
     if (!notes->is_string()) return wrong("notes");

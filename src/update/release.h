@@ -11,7 +11,7 @@
 namespace wegslot {
 
 struct Release {
-    std::string version;   ///< for people, "1.4"; never compared
+    std::string version;   ///< for people, "1.4": 64 fit characters at most; never compared
     std::int64_t build;    ///< the only thing that is compared
     std::string url;       ///< of the image, absolute or relative to the feed
     std::string sha256;    ///< of the image, 64 hexadecimal digits of either case

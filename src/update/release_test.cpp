@@ -75,3 +75,11 @@ TEST(Release, WhatIsNoJsonObjectIsNoRelease) {
     const std::string text = feed.dump();
     EXPECT_TRUE(readRelease(text.substr(0, text.size() - 1) + ",\"deep\":" + deep + "}"));
 }
+
+TEST(Release, AVersionIsShortAndHidesNothing) {
+    EXPECT_TRUE(with("version", std::string(64, '1')));
+    EXPECT_TRUE(with("version", "1.4 (bèta)"));
+    for (const std::string& wrong : {std::string(65, '1'), std::string("1\n4"),
+                                     std::string("1\u202E4"), std::string("1\u200B4")})
+        EXPECT_FALSE(with("version", wrong));
+}

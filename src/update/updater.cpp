@@ -19,6 +19,9 @@ constexpr Nanoseconds checkInterval = 6h;
 /// For the whole of a feed, which is a few hundred bytes.
 constexpr Nanoseconds feedPatience = 60s;
 
+/// For the whole of an image: 512 MiB at some 300 kB a second.
+constexpr Nanoseconds imagePatience = 30min;
+
 constexpr int statusOk = 200;
 
 bool isBusy(const Updater::State& state) {
@@ -131,8 +134,9 @@ void Updater::install() {
 
 void Updater::download(const Release& release) {
     const auto url = world_.http.resolve(*feed_, release.url);
-    if (!url) return failInstall("Ongeldige downloadlink");
-    pending_ = world_.http.get({.url = *url, .most = largestImage, .patience = {}},
+    const bool leavesHttps = feed_->starts_with("https:") && url && !url->starts_with("https:");
+    if (!url || leavesHttps) return failInstall("Ongeldige downloadlink");
+    pending_ = world_.http.get({.url = *url, .most = largestImage, .patience = imagePatience},
                                [this, release](Result<HttpResponse> response) {
                                    if (!response) return failInstall(response.failure().message);
                                    if (response->status != statusOk)

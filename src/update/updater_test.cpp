@@ -151,13 +151,14 @@ TEST_F(UpdaterTest, AnEqualReleaseIsLoggedOnce) {
     EXPECT_EQ(linesOf("Update beschikbaar").size(), 3U);
 }
 
-TEST_F(UpdaterTest, AVersionStaysOnItsLine) {
+TEST_F(UpdaterTest, AVersionThatHidesALineIsRefused) {
     make();
     auto told = release();
     told.version = "1.4\\n2026-11-21 12:00:00 Gelockt";
     publish(told);
     check();
-    EXPECT_EQ(log.messages, Lines{"Update beschikbaar: 1.4\uFFFD2026-11-21 12:00:00 Gelockt (27)"});
+    EXPECT_EQ(log.messages,
+              Lines{R"(Updatecontrole mislukt: "version" ontbreekt in de feed of klopt niet)"});
 }
 
 TEST_F(UpdaterTest, AFailureThatSomebodyAskedForIsShown) {
@@ -306,7 +307,7 @@ TEST_F(UpdaterTest, AnInstallationGoesThroughItsStepsInOrder) {
                                    "Update naar 1.4 (27) wordt geïnstalleerd"}));
     EXPECT_EQ(http.requests[1].url, imageUrl);
     EXPECT_EQ(http.requests[1].most, 536'870'912U);
-    EXPECT_EQ(http.requests[1].patience, std::nullopt);
+    EXPECT_EQ(http.requests[1].patience, 30min);
 }
 
 TEST_F(UpdaterTest, AnImageMayLieAnywhere) {
@@ -326,6 +327,16 @@ TEST_F(UpdaterTest, AHashInCapitalsMatches) {
     ASSERT_NE(told, release());
     EXPECT_EQ(install(told), "");
     EXPECT_EQ(installer.calls.back(), "terminate");
+}
+
+TEST_F(UpdaterTest, AFeedByHttpsLeadsToNoImageByHttpNotEvenOfThisMachine) {
+    auto told = release();
+    for (const auto* const url : {"http://127.0.0.1/image", "http://updates.example/image"}) {
+        told.url = url;
+        http.requests.clear();
+        EXPECT_EQ(install(told), "Ongeldige downloadlink");
+        EXPECT_EQ(http.requests.size(), 1U); // that of the feed
+    }
 }
 
 TEST_F(UpdaterTest, WithoutAnAddressThereIsNoDownload) {

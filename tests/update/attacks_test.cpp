@@ -273,7 +273,9 @@ TEST_F(AttackTest, AnImageFromOffHttps) {
     release.url = "to/" + published.server.http("image.tar.gz");
     EXPECT_EQ(update(release, image), noDownload);
     release.url = "http://192.0.2.1/image.tar.gz";
-    EXPECT_EQ(update(release, image), noDownload);
+    EXPECT_EQ(update(release, image), "Ongeldige downloadlink");
+    release.url = published.server.http("image.tar.gz"); // not even from this machine
+    EXPECT_EQ(update(release, image), "Ongeldige downloadlink");
     release.url = "file:///etc/passwd";
     EXPECT_EQ(update(release, image), "Ongeldige downloadlink");
     EXPECT_EQ(published.server.requests("image.tar.gz"), 0);

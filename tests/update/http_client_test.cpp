@@ -140,6 +140,10 @@ TEST_F(HttpClientTest, SilenceAtAnyPointEndsIt) {
     EXPECT_EQ(get(server.https("feed.json")), "status 200 the feed");
 }
 
+TEST_F(HttpClientTest, AFeedThatSaysNothingIsWaitedForFifteenSeconds) {
+    EXPECT_EQ(get(server.https("silent"), 1000, 60s), "geen antwoord binnen 15 s");
+}
+
 TEST_F(HttpClientTest, ASlowDripIsNoSilenceButHasItsTime) {
     client.emplace(4s); // far longer than any machine is between two drops
     EXPECT_EQ(get(server.https("drip"), 10'000, 6s), "geen antwoord binnen 6 s");
@@ -155,6 +159,10 @@ TEST_F(HttpClientTest, NoCacheIsBelievedAndNoneOnTheWay) {
         EXPECT_EQ(get(server.https("fresh/feed.json")), "status 200 the feed");
     EXPECT_EQ(server.requests("fresh/"), 3);
     EXPECT_TRUE(server.lines().back().ends_with(" no-cache")) << server.lines().back();
+}
+
+TEST_F(HttpClientTest, NoLanguageIsTold) {
+    EXPECT_EQ(get(server.https("language")), "status 200 *");
 }
 
 TEST_F(HttpClientTest, NothingIsUnpackedOnTheWay) {

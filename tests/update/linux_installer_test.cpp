@@ -136,7 +136,7 @@ TEST_F(InstallerTest, TheUnpackedAppMustBeTheOneThatWasOffered) {
     EXPECT_EQ(examined(), "");
     EXPECT_EQ(examined({.version = "1.4", .build = 26}), unexpectedApp);
     EXPECT_EQ(examined({.version = "1.4", .build = 28}), unexpectedApp);
-    EXPECT_EQ(examined({.version = "1.5", .build = 27}), unexpectedApp);
+    EXPECT_EQ(examined({.version = "1.5", .build = 27}), ""); // a name is no more than that
     makeApplication(source / "Wegslot.app", "1.4", 27, "", "nl.wegslot.Other");
     EXPECT_EQ(examined(), unexpectedApp);
     EXPECT_EQ(log.messages.back(), "Updatebestand geweigerd: het is nl.wegslot.Other 27");
@@ -185,6 +185,38 @@ TEST_F(InstallerTest, OnlyWhatMayBeWrittenMayBeReplaced) {
     fs::permissions(app.parent_path(), fs::perms::owner_read | fs::perms::owner_exec);
     EXPECT_FALSE(installer.mayReplace());
     fs::permissions(app.parent_path(), fs::perms::owner_all);
+}
+
+TEST_F(InstallerTest, WhatOthersMayWriteIsNotReplaced) {
+    makeApplication(app, "1.3", 26);
+    const fs::path parent = app.parent_path();
+    ASSERT_TRUE(installer.mayReplace());
+    for (const fs::path& path : {parent, app, app / "Info.json"}) {
+        const auto before = fs::status(path).permissions();
+        fs::permissions(path, fs::perms::others_write, fs::perm_options::add);
+        EXPECT_FALSE(installer.mayReplace()) << path;
+        fs::permissions(path, fs::perms::sticky_bit, fs::perm_options::add);
+        EXPECT_FALSE(installer.mayReplace()) << path;
+        fs::permissions(path, before);
+        EXPECT_TRUE(installer.mayReplace());
+        if (geteuid() != 0) continue; // who cannot give it away
+        ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+        EXPECT_FALSE(installer.mayReplace()) << path;
+        ASSERT_EQ(chown(path.c_str(), 0, 0), 0);
+    }
+}
+
+TEST(OwnBundle, AnInfoThatSomebodyElseLaidThereDoesNotCount) {
+    const TemporaryFolder home;
+    const fs::path folder = home.path() / "gedeeld";
+    makeApplication(folder, "1.3", 26);
+    ASSERT_TRUE(bundleOf(folder / "wegslot"));
+    fs::permissions(folder, fs::perms::all | fs::perms::sticky_bit);
+    EXPECT_FALSE(bundleOf(folder / "wegslot"));
+    fs::permissions(folder, fs::perms::owner_all);
+    ASSERT_TRUE(bundleOf(folder / "wegslot"));
+    fs::permissions(folder / "Info.json", fs::perms::others_write, fs::perm_options::add);
+    EXPECT_FALSE(bundleOf(folder / "wegslot"));
 }
 
 TEST(OwnBundle, AProgramBesideAnInfoBelongsToABundle) {

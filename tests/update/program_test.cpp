@@ -239,8 +239,9 @@ TEST_F(ProgramOnMountTest, ADiskThatFillsUpWhileItIsCopiedBringsTheOldOneBack) {
         fs::file_size(published.app / programFile) + fs::file_size(made / programFile) / 2;
     const fs::path aside = published.home.path() / "aside";
     fs::copy(apps, aside, fs::copy_options::recursive);
-    ASSERT_EQ(mount("tmpfs", apps.c_str(), "tmpfs", 0, ("size=" + std::to_string(size)).c_str()),
-              0);
+    ASSERT_EQ(
+        mount("tmpfs", apps.c_str(), "tmpfs", 0, ("mode=700,size=" + std::to_string(size)).c_str()),
+        0);
     fs::copy(aside, apps, fs::copy_options::recursive);
     const auto program = start();
     EXPECT_EQ(program->ended(), 0) << log();

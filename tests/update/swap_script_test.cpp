@@ -117,6 +117,29 @@ TEST_F(SwapTest, PutsTheNewApplicationInPlaceStartsItAndCleansUp) {
     expectFinished();
 }
 
+TEST_F(SwapTest, NothingIsMovedIntoAFolderThatSomebodyLaidThere) {
+    write(swapScript);
+    // One that cannot be removed, as in a folder where everybody may write.
+    const fs::path trap = beside(".nieuw");
+    const std::string script = swapScript;
+    const std::string removing = "rm -rf \"$fresh\" && ";
+    const auto at = script.find(removing);
+    ASSERT_NE(at, std::string::npos);
+    fs::create_directories(trap);
+    write(std::string(script).replace(at, removing.size(), ""));
+    run();
+    EXPECT_TRUE(isOld(target));
+    EXPECT_EQ(started(), "1");
+    // And one that comes to stand at the target in the last moment.
+    Place other;
+    const std::string last = "mv -T \"$fresh\" \"$target\"";
+    const auto end = script.find(last);
+    ASSERT_NE(end, std::string::npos);
+    other.write(std::string(script).insert(end, "mkdir -p \"$target/wegslot.d\"\n    "));
+    other.run();
+    EXPECT_FALSE(fs::exists(other.target / "Wegslot.app.nieuw"));
+}
+
 TEST_F(SwapTest, WaitsForTheOldProgramToEnd) {
     write(swapScript);
     // A program of the old application, by its executable file.
@@ -221,7 +244,7 @@ TEST_F(SwapTest, ACopyThatFailsBringsTheOldApplicationBack) {
 
 TEST_F(SwapTest, ANewOneThatCannotBeMovedIntoPlaceBringsTheOldOneBack) {
     std::string script = swapScript;
-    const std::string step = "    mv \"$fresh\" \"$target\"\n";
+    const std::string step = "    mv -T \"$fresh\" \"$target\"\n";
     ASSERT_NE(script.find(step), std::string::npos);
     script.replace(script.find(step), step.size(), "    false\n");
     write(script);

@@ -7,6 +7,7 @@
 #include "platform/linux/spawn.h"
 #include "update/archive_check.h"
 #include "update/bundle_info.h"
+#include "update/linux/only_ours.h"
 #include "update/linux/swap_script.h"
 #include "update/linux/tool.h"
 
@@ -109,7 +110,8 @@ Result<Ready> LinuxInstaller::examine(const std::string& app, const Release& rel
         return Failure{unexpectedApp};
     }
     const auto answer = runTool({fs::path(app) / programFile, "--version"}, versionPatience);
-    if (answer && *answer == versionLine(release.version, release.build) + "\n") return Ready{};
+    // Whatever the feed calls it: a build has one name, its own.
+    if (answer && buildInVersionLine(*answer) == release.build) return Ready{};
     Log::write("Updatebestand geweigerd: " + (answer
                                                   ? "het programma noemt zich " + printable(*answer)
                                                   : answer.failure().message));
@@ -117,7 +119,10 @@ Result<Ready> LinuxInstaller::examine(const std::string& app, const Release& rel
 }
 
 bool LinuxInstaller::mayReplace() const {
-    return access(app_.parent_path().c_str(), W_OK | X_OK) == 0 && access(app_.c_str(), W_OK) == 0;
+    if (access(app_.parent_path().c_str(), W_OK | X_OK) != 0 || access(app_.c_str(), W_OK) != 0)
+        return false;
+    // Where others write, too, one of them may put their own in the place of what comes there.
+    return isOnlyOurs(app_.parent_path()) && isOnlyOurs(app_) && isOnlyOurs(app_ / infoFile);
 }
 
 Result<Ready> LinuxInstaller::launchSwap(const std::string& app) {

@@ -25,18 +25,20 @@ while [ "$(readlink "/proc/$process/exe")" = "$target/wegslot" ]; do
 done
 
 put_in_place() {
-    rm -rf "$fresh" && cp -RPp "$new" "$fresh" && find "$fresh" -exec sync {} + || return
+    # Made here and never filled where another stands; nothing is ever moved into a folder.
+    rm -rf "$fresh" && mkdir -m 700 "$fresh" && cp -RPpT "$new" "$fresh" &&
+        find "$fresh" -exec sync {} + || return
     if [ -e "$target" ]; then
-        rm -rf "$backup" && mv "$target" "$backup" || return
+        rm -rf "$backup" && mv -T "$target" "$backup" || return
     fi
-    mv "$fresh" "$target"
+    mv -T "$fresh" "$target"
 }
 
 if put_in_place; then
     rm -rf "$backup"
 else
     rm -rf "$fresh"
-    [ -e "$target" ] || mv "$backup" "$target"
+    [ -e "$target" ] || mv -T "$backup" "$target"
 fi
 (
     trap - HUP INT TERM

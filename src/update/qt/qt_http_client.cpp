@@ -43,6 +43,7 @@ QNetworkRequest requestFor(const QUrl& url) {
     request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     request.setRawHeader("Cache-Control", "no-cache"); // for caches on the way
     request.setRawHeader("Accept-Encoding", "identity");
+    request.setRawHeader("Accept-Language", "*"); // the user's own is nobody's business
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
