@@ -166,7 +166,12 @@ TEST_F(ControlTest, StatusAndKeysAreWhatThePanelShows) {
     EXPECT_EQ(key.at("state"), "near");
     EXPECT_NEAR(key.at("rssi").get<double>(), -50.5, 1);
     EXPECT_EQ(key.at("threshold"), -70);
-    EXPECT_EQ(Json::parse(wegslot({"keys", "--json"}).said), now.at("keys"));
+    // Asked again the median of its strength may be another.
+    Json told = now.at("keys");
+    Json again = Json::parse(wegslot({"keys", "--json"}).said);
+    for (Json* const keys : {&told, &again})
+        keys->at(0).erase("rssi");
+    EXPECT_EQ(again, told);
     EXPECT_TRUE(wegslot({"status"}).said.starts_with("Je bent in de buurt\n  Telefoon"));
     EXPECT_TRUE(wegslot({"keys"}).said.starts_with(id + "  Telefoon"));
 }
@@ -175,11 +180,14 @@ TEST_F(ControlTest, APauseHasItsEndIsLoggedWithWhoAskedAndCanBeEnded) {
     start();
     const auto asked = std::time(nullptr);
     const Ending pause = busctl("call", {"Pause", "u", "900"});
+    const auto answered = std::time(nullptr);
     EXPECT_EQ(pause.status, 0) << pause.said;
     EXPECT_TRUE(logs("Pauze van 900 s gevraagd door busctl")) << home.log();
     EXPECT_TRUE(logs("Handmatig gepauzeerd tot "));
     EXPECT_EQ(status().at("phase"), "snoozed");
-    EXPECT_NEAR(status().at("pausedUntil").get<double>(), static_cast<double>(asked) + 900, 10);
+    const auto until = status().at("pausedUntil").get<std::time_t>();
+    EXPECT_GE(until, asked + 900);
+    EXPECT_LE(until, answered + 901); // it may be rounded
     EXPECT_EQ(wegslot({"resume"}).status, 0);
     EXPECT_TRUE(logs("Hervatten gevraagd door wegslot"));
     EXPECT_EQ(status().at("phase"), "present");
