@@ -15,6 +15,8 @@
 #include <csignal>
 #include <ctime>
 
+#include <systemd/sd-bus.h>
+
 using namespace wegslot;
 using Json = nlohmann::json;
 using Words = std::vector<std::string>;
@@ -208,6 +210,17 @@ TEST_F(ControlTest, LockAsksTheSessionAndIsLogged) {
     EXPECT_TRUE(happens([this] {
         return logind.program().output().find("Lock") != std::string::npos;
     })) << logind.program().output();
+}
+
+TEST_F(ControlTest, ALockOfWhichNothingComesIsToldInANotification) {
+    LookAlike desktop(loop, "org.freedesktop.Notifications");
+    desktop.on("org.freedesktop.Notifications.Notify", [](LookAlike& self, sd_bus_message* call) {
+        self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "u", 1U); });
+    });
+    start();
+    EXPECT_EQ(wegslot({"lock"}).status, 0);
+    EXPECT_TRUE(happens([&desktop] { return desktop.calls("Notify") == 1; })) << home.log();
+    EXPECT_TRUE(happens([this] { return logs("Geen bevestiging van lock ontvangen"); }));
 }
 
 TEST_F(ControlTest, NothingElseCanBeAskedFor) {
