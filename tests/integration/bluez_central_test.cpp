@@ -424,3 +424,15 @@ TEST_F(BluezCentralTest, NothingIsToldOnceTheDelegateHasGone) {
     EXPECT_TRUE(delegate.failed.empty());
     EXPECT_EQ(delegate.states, std::vector{CentralState::poweredOn});
 }
+
+TEST_F(BluezCentralTest, ADaemonThatRefusesToListItsObjectsOnceIsAskedAgain) {
+    bluez->objectsError = "org.freedesktop.DBus.Error.NoMemory";
+    bluez->addAdapter();
+    ASSERT_TRUE(loop.runUntil([&] { return bluez->service.calls("GetManagedObjects") == 1; }));
+    bluez->objectsError.clear();
+    loop.pass(bluez::ObjectWatch::retryInterval - 1ns);
+    EXPECT_EQ(bluez->service.calls("GetManagedObjects"), 1);
+    loop.pass(1ns);
+    EXPECT_TRUE(reaches(CentralState::poweredOn));
+    EXPECT_TRUE(startsDiscovery(1));
+}
