@@ -241,8 +241,10 @@ TEST_F(BluezCentralTest, ADaemonThatStaysAwayCountsAsNoneAfterTenSeconds) {
     ASSERT_TRUE(reaches(CentralState::resetting));
     loop.pass(10s - 1ns);
     EXPECT_EQ(central.state(), CentralState::resetting);
+    EXPECT_EQ(central.stateWords(), std::nullopt);
     loop.pass(1ns);
     EXPECT_EQ(central.state(), CentralState::unsupported);
+    EXPECT_EQ(central.stateWords(), "Bluetooth draait niet op deze computer");
 }
 
 TEST_F(BluezCentralTest, WithoutAnAdapterTheRadioIsUnsupportedAfterFiveSeconds) {
