@@ -223,6 +223,14 @@ TEST_F(ControlTest, ALockOfWhichNothingComesIsToldInANotification) {
     EXPECT_TRUE(happens([this] { return logs("Geen bevestiging van lock ontvangen"); }));
 }
 
+TEST_F(ControlTest, WithoutBluetoothdItSaysThatAndNotThatTheRadioIsNoGood) {
+    bluez.vanish();
+    strength = 0;
+    application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
+    constexpr auto said = "Bluetooth-status: Bluetooth draait niet op deze computer (2)";
+    EXPECT_TRUE(happens([this] { return logs(said); })) << home.log();
+}
+
 TEST_F(ControlTest, NothingElseCanBeAskedFor) {
     start();
     const std::string before = home.preferences();
