@@ -91,6 +91,7 @@ wegslot_module(media_linux
 
 wegslot_module(hud_linux
   FILES
+    hud/linux/lasting_notification.cpp hud/linux/lasting_notification.h
     hud/linux/warning_notification.cpp hud/linux/warning_notification.h
     hud/linux/warning_sound.cpp hud/linux/warning_sound.h
   USES base hud dbus
@@ -240,7 +241,7 @@ wegslot_module(app_qt
     base log settings preferences_file scanner monitor hud hud_linux hud_qt app_model app_commands
     dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
-    ui_ports recording recording_linux replayed_world
+    ui_ports control recording recording_linux replayed_world
   LIBRARIES Qt6::Widgets)
 target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
 

@@ -18,7 +18,8 @@ struct ReasonOf {
     std::string operator()(const phase::NoKeys&) const { return "Geen sleutels"; }
     std::string operator()(const phase::WaitingForReturn&) const {
         if (change.cause == PhaseCause::screen) return "Scherm ontgrendeld";
-        if (is<phase::Locked>(change.before)) return "Geen bevestiging van lock ontvangen";
+        if (lockFailed(change.before, change.after, change.cause))
+            return "Geen bevestiging van lock ontvangen";
         return "Bewaking begint";
     }
     std::string operator()(const phase::Present&) const { return "Sleutel in de buurt"; }
@@ -39,6 +40,11 @@ struct ReasonOf {
 };
 
 } // namespace
+
+bool lockFailed(const Phase& before, const Phase& after, PhaseCause cause) {
+    return is<phase::Locked>(before) && is<phase::WaitingForReturn>(after) &&
+           cause != PhaseCause::screen;
+}
 
 std::string phaseReason(const PhaseChange& change) {
     return std::visit(ReasonOf{change}, change.after);

@@ -21,6 +21,9 @@ struct PhaseChange {
     const KeyStates& states;
 };
 
+/// Whether the change is that of a lock that was asked for and did not come.
+[[nodiscard]] bool lockFailed(const Phase& before, const Phase& after, PhaseCause cause);
+
 [[nodiscard]] std::string phaseReason(const PhaseChange& change);
 
 } // namespace wegslot

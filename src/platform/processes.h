@@ -20,7 +20,7 @@ struct ProcessId {
 
 /// Which process is meant.
 struct ProcessPattern {
-    std::string name; ///< of the program's file, without its folder
+    std::string name; ///< of the program's file, without its folder; or of the user's script
     /// The words after the program (and after its interpreter); any when there is nothing here.
     std::optional<std::vector<std::string>> arguments = std::nullopt;
 };

@@ -22,6 +22,9 @@ public:
     }
 
     [[nodiscard]] CentralState state() const override { return central_.state(); }
+    [[nodiscard]] std::optional<std::string> stateWords() const override {
+        return central_.stateWords();
+    }
 
     [[nodiscard]] CentralAuthorization authorization() const override {
         return central_.authorization();

@@ -86,6 +86,10 @@ public:
     [[nodiscard]] virtual CentralState state() const = 0;
     [[nodiscard]] virtual CentralAuthorization authorization() const = 0;
 
+    /// What an adapter can say of its state to a person, in Dutch, better than the number can;
+    /// nothing where the usual words do.
+    [[nodiscard]] virtual std::optional<std::string> stateWords() const { return std::nullopt; }
+
     /// Reports every advertisement of every device, repeated ones too, until the state leaves
     /// powered on.
     virtual void scan() = 0;

@@ -12,6 +12,9 @@ public:
 
     void setDelegate(CentralDelegate* delegate) override { central_.setDelegate(delegate); }
     [[nodiscard]] CentralState state() const override { return central_.state(); }
+    [[nodiscard]] std::optional<std::string> stateWords() const override {
+        return central_.stateWords();
+    }
     [[nodiscard]] CentralAuthorization authorization() const override {
         return central_.authorization();
     }

@@ -34,6 +34,7 @@ std::string Scanner::stateDescription() const {
     if (authorization == CentralAuthorization::restricted ||
         authorization == CentralAuthorization::denied)
         return noAccess;
+    if (auto words = central_.stateWords()) return *std::move(words);
     switch (state_.get()) {
     case CentralState::unsupported:
         return "Bluetooth LE wordt niet ondersteund";

@@ -241,8 +241,10 @@ TEST_F(BluezCentralTest, ADaemonThatStaysAwayCountsAsNoneAfterTenSeconds) {
     ASSERT_TRUE(reaches(CentralState::resetting));
     loop.pass(10s - 1ns);
     EXPECT_EQ(central.state(), CentralState::resetting);
+    EXPECT_EQ(central.stateWords(), std::nullopt);
     loop.pass(1ns);
     EXPECT_EQ(central.state(), CentralState::unsupported);
+    EXPECT_EQ(central.stateWords(), "Bluetooth draait niet op deze computer");
 }
 
 TEST_F(BluezCentralTest, WithoutAnAdapterTheRadioIsUnsupportedAfterFiveSeconds) {
@@ -423,4 +425,16 @@ TEST_F(BluezCentralTest, NothingIsToldOnceTheDelegateHasGone) {
     EXPECT_TRUE(delegate.reports.empty());
     EXPECT_TRUE(delegate.failed.empty());
     EXPECT_EQ(delegate.states, std::vector{CentralState::poweredOn});
+}
+
+TEST_F(BluezCentralTest, ADaemonThatRefusesToListItsObjectsOnceIsAskedAgain) {
+    bluez->objectsError = "org.freedesktop.DBus.Error.NoMemory";
+    bluez->addAdapter();
+    ASSERT_TRUE(loop.runUntil([&] { return bluez->service.calls("GetManagedObjects") == 1; }));
+    bluez->objectsError.clear();
+    loop.pass(bluez::ObjectWatch::retryInterval - 1ns);
+    EXPECT_EQ(bluez->service.calls("GetManagedObjects"), 1);
+    loop.pass(1ns);
+    EXPECT_TRUE(reaches(CentralState::poweredOn));
+    EXPECT_TRUE(startsDiscovery(1));
 }

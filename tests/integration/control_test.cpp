@@ -219,6 +219,25 @@ TEST_F(ControlTest, LockAsksTheSessionAndIsLogged) {
     })) << logind.program().output();
 }
 
+TEST_F(ControlTest, ALockOfWhichNothingComesIsToldInANotification) {
+    LookAlike desktop(loop, "org.freedesktop.Notifications");
+    desktop.on("org.freedesktop.Notifications.Notify", [](LookAlike& self, sd_bus_message* call) {
+        self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "u", 1U); });
+    });
+    start();
+    EXPECT_EQ(wegslot({"lock"}).status, 0);
+    EXPECT_TRUE(happens([&desktop] { return desktop.calls("Notify") == 1; })) << home.log();
+    EXPECT_TRUE(happens([this] { return logs("Geen bevestiging van lock ontvangen"); }));
+}
+
+TEST_F(ControlTest, WithoutBluetoothdItSaysThatAndNotThatTheRadioIsNoGood) {
+    bluez.vanish();
+    strength = 0;
+    application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
+    constexpr auto said = "Bluetooth-status: Bluetooth draait niet op deze computer (2)";
+    EXPECT_TRUE(happens([this] { return logs(said); })) << home.log();
+}
+
 TEST_F(ControlTest, NothingElseCanBeAskedFor) {
     start();
     const std::string before = home.preferences();

@@ -100,7 +100,7 @@ struct ForgedBluezTest : ForgedSignalsTest {
         ForgedSignalsTest::SetUp();
         bluez.addAdapter();
         bluez.addDevice(someAddress);
-        watch.emplace(*bus, reports);
+        watch.emplace(*bus, loop.time, reports);
         ASSERT_TRUE(loop.runUntil([this] { return watch->daemon() == bluez::Daemon::ready; }));
     }
 };

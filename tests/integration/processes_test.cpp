@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 
 #include <sys/stat.h>
 
@@ -32,9 +33,19 @@ public:
         folder.write(number + "/status", "Name:\t" + name + "\n" + status);
         folder.write(number + "/cmdline", words);
     }
+    /// Which file it runs; without this it cannot be read.
+    void runs(int process, const std::string& file) const {
+        fs::create_symlink(file, folder.path() / std::to_string(process) / "exe");
+    }
+    void isIn(int process, const std::string& kind, const std::string& space) const {
+        const auto spaces = folder.path() / std::to_string(process) / "ns";
+        fs::create_directory(spaces);
+        fs::create_symlink(space, spaces / kind);
+    }
     /// A process that sleeps, of the user.
     void put(int process, const std::string& name) const {
         put(process, name, "State:\tS (sleeping)\nUid:\t1000\t1000\t1000\t1000\n");
+        runs(process, "/usr/bin/" + name);
     }
 
     TemporaryFolder folder;
@@ -87,14 +98,40 @@ TEST_F(ProcessTableTest, ProcessesAreFoundByTheirName) {
 }
 
 TEST_F(ProcessTableTest, LongNamesAreCutAsTheKernelCutsThem) {
-    table.put(5, "xscreensaver-gf");
+    table.put(5, "xscreensaver-gf", "State:\tS (sleeping)\nUid:\t1000\t0\t0\t0\n");
     EXPECT_EQ(running({.name = "xscreensaver-gfx"}), Numbers{5});
+}
+
+TEST_F(ProcessTableTest, WhatAProcessRunsCountsAndNotWhatItCallsItself) {
+    const std::string ours = "State:\tS (sleeping)\nUid:\t1000\t1000\t1000\t1000\n";
+    table.put(5, "swaylock", ours); // it called itself so
+    table.runs(5, "/usr/bin/python3.11");
+    table.put(6, "swaylock:main", ours);
+    table.runs(6, "/usr/bin/swaylock");
+    table.put(7, "swaylock", ours);
+    table.runs(7, "/usr/bin/swaylock (deleted)"); // a newer one was installed since
+    table.put(8, "swaylock", ours); // hides its file, as any process of the user's can
+    EXPECT_EQ(running({.name = "swaylock"}), (Numbers{6, 7}));
+}
+
+TEST_F(ProcessTableTest, WhatIsInAWorldOfItsOwnLocksNoScreenOfOurs) {
+    const auto space = [](const char* kind) {
+        return fs::read_symlink(fs::path("/proc/self/ns") / kind).string();
+    };
+    for (const int process : {5, 6, 7, 8})
+        table.put(process, "swaylock");
+    table.isIn(5, "pid", space("pid"));
+    table.isIn(5, "mnt", space("mnt"));
+    table.isIn(6, "pid", "pid:[1]");
+    table.isIn(7, "mnt", "mnt:[1]");
+    EXPECT_EQ(running({.name = "swaylock"}), (Numbers{5, 8}));
 }
 
 TEST_F(ProcessTableTest, WhoStartedItCountsAndNotWhatRightsItHas) {
     table.put(5, "slock", "State:\tS (sleeping)\nUid:\t1000\t0\t0\t0\n");
     table.put(6, "slock", "State:\tS (sleeping)\nUid:\t1001\t1001\t1001\t1001\n");
     table.put(7, "slock", "State:\tS (sleeping)\nUid:\t10001\t1000\t1000\t1000\n");
+    table.runs(7, "/usr/bin/slock");
     EXPECT_EQ(running({.name = "slock"}), Numbers{5});
 }
 
@@ -117,11 +154,16 @@ TEST_F(ProcessTableTest, ArgumentsAreComparedAtTheEndForScriptsHaveAnInterpreter
     const std::string alive = "State:\tS (sleeping)\nUid:\t1000\t1000\t1000\t1000\n";
     using std::string_literals::operator""s;
     table.put(5, "mylock", alive, "/bin/sh\0/home/me/mylock\0-x\0"s);
+    table.runs(5, "/usr/bin/dash");
     table.put(6, "mylock", alive, "/home/me/mylock\0-y\0"s);
+    table.runs(6, "/home/me/mylock");
     table.put(7, "mylock", alive, "-x\0"s); // it was renamed: these are all of its words
+    table.runs(7, "/home/me/mylock");
+    table.put(8, "mylock", alive, "/bin/sh\0/home/me/other\0-x\0"s); // calls itself so
+    table.runs(8, "/usr/bin/dash");
     EXPECT_EQ(running({.name = "mylock", .arguments = {{"-x"}}}), Numbers{5});
     EXPECT_EQ(running({.name = "mylock", .arguments = {{}}}), (Numbers{5, 6, 7}));
-    EXPECT_EQ(running({.name = "mylock"}), (Numbers{5, 6, 7}));
+    EXPECT_EQ(running({.name = "mylock"}), (Numbers{6, 7}));
 }
 
 TEST_F(ProcessTableTest, WithoutATableNobodyRuns) {
@@ -146,6 +188,20 @@ TEST_F(ProcessesTest, ARealProcessIsFoundAndItsEndTold) {
     EXPECT_EQ(ends, 1);
     EXPECT_EQ(program.ended(), 128 + SIGKILL); // another's child is not laid to rest
     EXPECT_TRUE(processes.running(patterns).empty());
+}
+
+TEST_F(ProcessesTest, AProcessThatTakesALockersNameIsNone) {
+    Program program(
+        {.words = {"/usr/bin/python3", "-c",
+                   "import signal; open('/proc/self/comm', 'w').write('swaylock-proef')\n"
+                   "signal.pause()"}});
+    const auto comm = fs::path("/proc") / std::to_string(program.process()) / "comm";
+    ASSERT_TRUE(becomesTrue([&comm] {
+        std::string name;
+        std::ifstream(comm) >> name;
+        return name == "swaylock-proef";
+    }));
+    EXPECT_TRUE(processes.running({{.name = "swaylock-proef"}}).empty());
 }
 
 TEST_F(ProcessesTest, AProcessThatIsNoMoreCannotBeFollowed) {

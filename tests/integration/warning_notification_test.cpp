@@ -2,6 +2,7 @@
 
 #include "hud/linux/warning_notification.h"
 
+#include "hud/linux/lasting_notification.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/look_alike.h"
 
@@ -32,6 +33,7 @@ struct Shown {
     std::vector<std::string> actions;
     std::map<std::string, std::string> hints;
     int expires = -1;
+    std::uint32_t replaces = 0;
 };
 
 std::string hint(sd_bus_message* message) {
@@ -52,8 +54,7 @@ std::string hint(sd_bus_message* message) {
 Shown read(sd_bus_message* call) {
     Shown shown;
     static_cast<void>(text(call)); // the application
-    std::uint32_t replaced = 0;
-    sd_bus_message_read(call, "u", &replaced);
+    sd_bus_message_read(call, "u", &shown.replaces);
     static_cast<void>(text(call)); // its icon
     shown.title = text(call);
     shown.body = text(call);
@@ -275,4 +276,29 @@ TEST_F(WarningNotificationTest, ABusThatGoesTakesItAlong) {
     warning->show(loop.time.now(), Seconds{5}, "een", [] {});
     warning->hide();
     EXPECT_TRUE(closed.empty());
+}
+
+TEST(LastingNotificationTest, StaysAndGivesItsPlaceToTheNext) {
+    BusLoop loop;
+    LookAlike desktop(loop, service);
+    std::vector<Shown> all;
+    desktop.on(std::string(service) + ".Notify", [&all](LookAlike& self, sd_bus_message* call) {
+        all.push_back(read(call));
+        self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "u", 7U); });
+    });
+    dbus::Connection session(loop.opener(), loop.attacher(), loop.time);
+    LastingNotification notification(session);
+    notification.tell("Titel", "Eerste"); // there is no bus yet
+    ASSERT_TRUE(loop.runUntil([&] { return all.size() == 1; }));
+    loop.settle();
+    notification.tell("Titel", "Tweede");
+    ASSERT_TRUE(loop.runUntil([&] { return all.size() == 2; }));
+    EXPECT_EQ(all[0].title, "Titel");
+    EXPECT_EQ(all[0].body, "Eerste");
+    EXPECT_EQ(all[0].expires, 0);
+    EXPECT_EQ(all[0].hints["urgency"], "y 2");
+    EXPECT_FALSE(all[0].hints.contains("transient"));
+    EXPECT_EQ(all[0].replaces, 0U);
+    EXPECT_EQ(all[1].body, "Tweede");
+    EXPECT_EQ(all[1].replaces, 7U);
 }

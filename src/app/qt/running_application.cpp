@@ -3,6 +3,7 @@
 #include "app/linux/folders.h"
 #include "app/qt/display.h"
 #include "app/qt/warning.h"
+#include "control/phase_reason.h"
 #include "model/log.h"
 #include "recording/linux/descriptor_sink.h"
 #include "recording/linux/random_uuid.h"
@@ -59,7 +60,10 @@ RunningApplication::RunningApplication(const Setting& setting)
                 .updateNow = [this] { model_.updateNow(); },
                 .record = [this](int file, bool anonymous) { return record(file, anonymous); },
                 .stopRecording = [this] { recorder_.stop(); }}),
-      activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }) {
+      activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }),
+      notification_(world_.sessionBus) {
+    lockFailures_ =
+        model_.monitor().phase().onChange([this](const Phase& next) { phaseChanged(next); });
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
 }
 
@@ -73,6 +77,14 @@ std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous
 void RunningApplication::openLog() {
     const auto failure = opener_.open(setting_.log);
     if (failure) Log::write("Logboek openen mislukt: " + failure->message);
+}
+
+void RunningApplication::phaseChanged(const Phase& next) {
+    const Monitor& monitor = model_.monitor();
+    if (lockFailed(monitor.phase().get(), next, monitor.cause()))
+        notification_.tell("Je Mac is niet gelockt",
+                           "Wegslot vroeg om een lock, maar niets bevestigde dat hij er kwam. "
+                           "Wat er mis is, zegt: wegslot --check --lock");
 }
 
 /// Where nobody shows the icon, a new user would never see Wegslot.

@@ -9,6 +9,7 @@
 #include "app/qt/real_world.h"
 #include "app/qt/status_icon.h"
 #include "control/linux/control_service.h"
+#include "hud/linux/lasting_notification.h"
 #include "model/lock_command.h"
 #include "model/preferences_store.h"
 #include "recording/central_tap.h"
@@ -44,6 +45,7 @@ private:
     [[nodiscard]] std::optional<Failure> record(int descriptor, bool anonymous);
     void openLog();
     void openWithoutIcon();
+    void phaseChanged(const Phase& next);
 
     Setting setting_;
     RealWorld world_;
@@ -61,6 +63,8 @@ private:
     ClockTime clockTime_;
     ControlService control_;
     Activation activation_; ///< after what is to be found by its name
+    LastingNotification notification_;
+    Subscription lockFailures_;
     Timer withoutIcon_;
 };
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -18,8 +19,30 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool matches(const fs::path& process, const std::string& name, const ProcessPattern& pattern) {
-    if (name != pattern.name.substr(0, process_table::longestName)) return false;
+/// What tells which program a process is.
+struct Identity {
+    std::optional<std::string> executable;
+    std::string name;
+};
+
+bool names(const std::vector<std::string>& words, const std::string& program) {
+    return std::ranges::any_of(words, [&program](const std::string& word) {
+        return fs::path(word).filename() == program;
+    });
+}
+
+/// Any process can call itself anything; which file it runs it does not choose so freely.
+bool isProgram(const fs::path& process, const Identity& identity, const ProcessPattern& pattern) {
+    if (identity.executable == pattern.name) return true;
+    if (identity.name != pattern.name.substr(0, process_table::longestName)) return false;
+    // One that took root's rights hides its file, and nobody without those can do as if.
+    if (!identity.executable) return process_table::effectiveUserOf(process) == 0U;
+    // The user's own command may be a script: its file is the interpreter's.
+    return pattern.arguments && names(process_table::wordsOf(process), pattern.name);
+}
+
+bool matches(const fs::path& process, const Identity& identity, const ProcessPattern& pattern) {
+    if (!isProgram(process, identity, pattern)) return false;
     if (!pattern.arguments) return true;
     const auto words = process_table::wordsOf(process);
     const auto& expected = *pattern.arguments;
@@ -43,11 +66,14 @@ std::vector<ProcessId> LinuxProcesses::running(const std::vector<ProcessPattern>
     std::vector<ProcessId> found;
     for (const pid_t number : process_table::processes(proc_)) {
         const fs::path process = proc_ / std::to_string(number);
-        const std::string name = process_table::nameOf(process);
+        const Identity identity{process_table::executableOf(process),
+                                process_table::nameOf(process)};
         const bool wanted = std::ranges::any_of(patterns, [&](const ProcessPattern& pattern) {
-            return matches(process, name, pattern);
+            return matches(process, identity, pattern);
         });
-        if (wanted && process_table::userOf(process) == user_) found.push_back({number});
+        if (wanted && process_table::userOf(process) == user_ &&
+            process_table::sharesOurWorld(process))
+            found.push_back({number});
     }
     return found;
 }

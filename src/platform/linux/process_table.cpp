@@ -23,6 +23,25 @@ std::string contentOf(const fs::path& file) {
     return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
 }
 
+/// The real user is the first number, the effective one the second.
+std::optional<uid_t> numberedUser(const fs::path& process, int place) {
+    const std::string status = contentOf(process / "status");
+    constexpr std::string_view label = "\nUid:\t";
+    const auto at = status.find(label);
+    if (at == std::string::npos || status.find("\nState:\tZ") != std::string::npos)
+        return std::nullopt;
+    const char* digits = status.data() + at + label.size();
+    const char* const end = status.data() + status.size();
+    for (uid_t user = 0; place >= 0; --place) {
+        const auto parsed = std::from_chars(digits, end, user);
+        if (parsed.ec != std::errc()) return std::nullopt;
+        if (place == 0) return user;
+        digits = parsed.ptr + 1; // past the tab
+        if (digits >= end) return std::nullopt;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<pid_t> processes(const fs::path& table) {
@@ -45,16 +64,29 @@ std::string nameOf(const fs::path& process) {
     return name;
 }
 
-std::optional<uid_t> userOf(const fs::path& process) {
-    const std::string status = contentOf(process / "status");
-    constexpr std::string_view label = "\nUid:\t";
-    const auto at = status.find(label);
-    if (at == std::string::npos || status.find("\nState:\tZ") != std::string::npos)
-        return std::nullopt;
-    uid_t user = 0;
-    const char* const digits = status.data() + at + label.size(); // the real one is the first
-    const auto [end, error] = std::from_chars(digits, status.data() + status.size(), user);
-    return error == std::errc() ? std::optional(user) : std::nullopt;
+std::optional<uid_t> userOf(const fs::path& process) { return numberedUser(process, 0); }
+
+std::optional<uid_t> effectiveUserOf(const fs::path& process) { return numberedUser(process, 1); }
+
+std::optional<std::string> executableOf(const fs::path& process) {
+    std::error_code unreadable;
+    const fs::path file = fs::read_symlink(process / "exe", unreadable);
+    if (unreadable) return std::nullopt;
+    std::string name = file.filename().string();
+    constexpr std::string_view replaced = " (deleted)"; // as the kernel marks it
+    if (name.ends_with(replaced)) name.resize(name.size() - replaced.size());
+    return name;
+}
+
+bool sharesOurWorld(const fs::path& process) {
+    for (const char* const kind : {"pid", "mnt"}) {
+        std::error_code unreadable;
+        const fs::path theirs = fs::read_symlink(process / "ns" / kind, unreadable);
+        if (unreadable) continue;
+        const fs::path ours = fs::read_symlink(fs::path("/proc/self/ns") / kind, unreadable);
+        if (!unreadable && theirs != ours) return false;
+    }
+    return true;
 }
 
 std::vector<std::string> wordsOf(const fs::path& process) {

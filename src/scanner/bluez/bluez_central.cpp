@@ -31,7 +31,7 @@ void BluezCentral::busChanged(dbus::Bus* bus) {
     bus_ = bus;
     if (bus != nullptr) {
         bluez::WatchListener& listener = *this;
-        watch_ = std::make_unique<bluez::ObjectWatch>(*bus, listener);
+        watch_ = std::make_unique<bluez::ObjectWatch>(*bus, scheduler_, listener);
         sleep_ = bus->onSignal("org.freedesktop.login1",
                                {.interface = "org.freedesktop.login1.Manager",
                                 .member = "PrepareForSleep",

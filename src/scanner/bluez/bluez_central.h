@@ -54,6 +54,9 @@ public:
     [[nodiscard]] CentralAuthorization authorization() const override {
         return CentralAuthorization::allowedAlways;
     }
+    [[nodiscard]] std::optional<std::string> stateWords() const override {
+        return bluez::wordsIn(surroundings_);
+    }
     void scan() override;
     void want(const Wanted& wanted) override;
     void catchUp() override;

@@ -46,6 +46,11 @@ CentralState stateIn(const Surroundings& surroundings) {
     return surroundings.hadAdapter ? CentralState::poweredOff : CentralState::resetting;
 }
 
+std::optional<std::string> wordsIn(const Surroundings& surroundings) {
+    if (surroundings.daemon != Daemon::absent || !surroundings.graceIsOver) return std::nullopt;
+    return "Bluetooth draait niet op deze computer";
+}
+
 std::optional<Nanoseconds> graceFor(const Surroundings& surroundings) {
     if (surroundings.daemon == Daemon::absent) return daemonGrace;
     if (surroundings.daemon == Daemon::ready && !surroundings.adapter) return adapterGrace;

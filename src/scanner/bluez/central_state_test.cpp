@@ -40,6 +40,14 @@ TEST(BluezState, WhatIsMissingCountsAsNoneOnlyAfterAWhile) {
               CentralState::unsupported);
 }
 
+TEST(BluezState, OnlyADaemonThatStaysAwayHasWordsOfItsOwn) {
+    EXPECT_EQ(wordsIn({.daemon = Daemon::absent, .graceIsOver = true}),
+              "Bluetooth draait niet op deze computer");
+    EXPECT_EQ(wordsIn({.daemon = Daemon::absent}), std::nullopt);
+    EXPECT_EQ(wordsIn({.daemon = Daemon::ready, .graceIsOver = true}), std::nullopt);
+    EXPECT_EQ(wordsIn({.daemon = Daemon::loading, .graceIsOver = true}), std::nullopt);
+}
+
 TEST(BluezState, OnlyWhatIsMissingHasAGrace) {
     EXPECT_EQ(graceFor({.daemon = Daemon::absent}), daemonGrace);
     EXPECT_EQ(graceFor({.daemon = Daemon::ready}), adapterGrace);

@@ -30,7 +30,10 @@ dbus::SignalMatch objectManager(std::string_view member) {
 
 } // namespace
 
-ObjectWatch::ObjectWatch(dbus::Bus& bus, WatchListener& listener) : bus_(bus), listener_(listener) {
+ObjectWatch::ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener)
+    : bus_(bus),
+      scheduler_(scheduler),
+      listener_(listener) {
     // Signals first: what changes while the objects are read arrives after them or is repeated.
     const auto changed = [this](const dbus::Message& message) { propertiesChanged(message); };
     for (const auto interface : {deviceInterface, bearerInterface, adapterInterface})
@@ -55,20 +58,27 @@ void ObjectWatch::ownerChanged(const std::optional<std::string>& owner) {
     objects_.clear();
     gatt_.clear();
     reading_.reset();
+    retry_.reset();
     daemon_ = owner ? Daemon::loading : Daemon::absent;
-    if (owner)
-        reading_ = bus_.call({.destination = service,
-                              .path = "/",
-                              .interface = "org.freedesktop.DBus.ObjectManager",
-                              .member = "GetManagedObjects"},
-                             [this](const dbus::Message& answer) { objectsRead(answer); });
+    if (owner) readObjects();
     listener_.surroundingsChanged();
+}
+
+void ObjectWatch::readObjects() {
+    reading_ = bus_.call({.destination = service,
+                          .path = "/",
+                          .interface = "org.freedesktop.DBus.ObjectManager",
+                          .member = "GetManagedObjects"},
+                         [this](const dbus::Message& answer) { objectsRead(answer); });
 }
 
 void ObjectWatch::objectsRead(const dbus::Message& answer) {
     const auto error = answer.error();
-    // Any other failure is the daemon's going or hanging; its name's next change tries again.
-    if (error && *error != "org.freedesktop.DBus.Error.AccessDenied") return;
+    // Any other failure is the daemon's going or hanging, or a trouble that passes.
+    if (error && *error != "org.freedesktop.DBus.Error.AccessDenied") {
+        retry_ = scheduler_.after(retryInterval, [this] { readObjects(); });
+        return;
+    }
     daemon_ = error ? Daemon::denied : Daemon::ready;
     answer.read().objects([this](std::string_view path, dbus::Reader& interfaces) {
         interfaces.interfaces([&](std::string_view interface, dbus::Reader& properties) {

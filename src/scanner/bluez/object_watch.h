@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/handle.h"
+#include "base/scheduler.h"
 #include "dbus/bus.h"
 #include "scanner/bluez/gatt_tree.h"
 #include "scanner/bluez/object_tree.h"
@@ -50,8 +51,12 @@ public:
 
 class ObjectWatch {
 public:
-    /// `bus` and `listener` must outlive the watch. Calls come from the bus's processing only.
-    ObjectWatch(dbus::Bus& bus, WatchListener& listener);
+    /// A daemon that is starting, or in trouble, may refuse; it is asked again for as long as it
+    /// lives.
+    static constexpr Nanoseconds retryInterval = std::chrono::seconds{2};
+
+    /// All must outlive the watch. Calls come from the bus's processing only.
+    ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener);
 
     ObjectWatch(const ObjectWatch&) = delete;
     ObjectWatch& operator=(const ObjectWatch&) = delete;
@@ -62,6 +67,7 @@ public:
 
 private:
     void ownerChanged(const std::optional<std::string>& owner);
+    void readObjects();
     void objectsRead(const dbus::Message& answer);
     void interfacesAdded(const dbus::Message& message);
     void interfacesRemoved(const dbus::Message& message);
@@ -72,6 +78,7 @@ private:
     void removed(std::string_view path, std::string_view interface);
 
     dbus::Bus& bus_;
+    Scheduler& scheduler_;
     WatchListener& listener_;
     Daemon daemon_ = Daemon::unknown;
     ObjectTree objects_;
@@ -79,6 +86,7 @@ private:
     std::vector<Subscription> signals_;
     Subscription owner_;
     Subscription reading_;
+    Timer retry_;
 };
 
 } // namespace wegslot::bluez
