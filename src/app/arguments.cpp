@@ -89,14 +89,35 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         if (adds) return std::optional<Command>(command::AddKey{*id});
         return std::optional<Command>(command::RemoveKey{*id});
     }
+    if (control::isRequest(word))
+        return Failure{std::string(word) + " hoort als eerste woord (zie --help)"};
     return Failure{(word.starts_with('-') ? "onbekende schakelaar " : "onbekend woord ") +
                    std::string(word) + " (zie --help)"};
 }
 
+Failure conflict(std::string_view word, std::string_view other) {
+    if (word == other) return Failure{std::string(word) + " staat er twee keer"};
+    return Failure{std::string(word) + " gaat niet samen met " + std::string(other)};
+}
+
+/// `words` with a request's word before what may stand behind it, wherever that was typed.
+std::vector<std::string_view> requestFirst(std::vector<std::string_view> words) {
+    const auto isOption = [](std::string_view word) {
+        return word == "--json" || word == "--follow";
+    };
+    const auto request = std::ranges::find_if_not(words, isOption);
+    if (request != words.end() && control::isRequest(*request))
+        std::rotate(words.begin(), request, request + 1);
+    return words;
+}
+
 } // namespace
 
-Result<Command> parseArguments(const std::vector<std::string_view>& words) {
-    if (contains(words, "--help")) return Command{command::Help{}};
+Result<Command> parseArguments(const std::vector<std::string_view>& typed) {
+    const auto words = requestFirst(typed);
+    const bool asksForHelp = contains(words, "--help") || contains(words, "-h") ||
+                             (!words.empty() && words.front() == "help");
+    if (asksForHelp) return Command{command::Help{}};
     if (contains(words, "--version")) return Command{command::Version{}};
     if (!words.empty() && control::isRequest(words.front())) {
         const auto request = control::parseRequest(words);
@@ -105,14 +126,16 @@ Result<Command> parseArguments(const std::vector<std::string_view>& words) {
     }
 
     std::optional<Command> chosen;
+    std::string_view chosenBy;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string_view word = words[i];
         const auto asked = commandOf(words, i);
         if (!asked) return asked.failure();
         if (!*asked) continue;
-        if (chosen && !join(*chosen, **asked))
-            return Failure{std::string(word) + " gaat niet samen met een andere opdracht"};
-        if (!chosen) chosen = **asked;
+        if (chosen && !join(*chosen, **asked)) return conflict(word, chosenBy);
+        if (chosen) continue;
+        chosen = **asked;
+        chosenBy = word;
     }
     for (const auto& [word, command, apply] : additions) {
         if (!contains(words, word)) continue;
@@ -150,8 +173,8 @@ Een draaiend Wegslot iets vragen:
                         stop met Ctrl-C
   keys [--json]         toon de sleutels met id, toestand, signaal en drempel
   lock                  lock nu
-  pause DUUR            pauzeer: 15m, 90s, 2h, of een aantal seconden; van 1 s
-                        tot 4 uur
+  pause DUUR            pauzeer: 15m, 90s, 1,5u, 2h, of een aantal seconden;
+                        van 1 s tot 4 uur
   resume                hervat
 
 Bijwerken:
@@ -174,7 +197,7 @@ Overig:
   --demo                speel een vertrek en terugkomst na op een ingebouwde
                         radio, in ongeveer 40 s, met icoon, paneel en
                         aftelling; er wordt niets gelockt
-  --help                toon deze tekst
+  --help                toon deze tekst; ook -h
   --version             toon de versie
 
 Voorkeuren: $XDG_CONFIG_HOME/wegslot/preferences.json
