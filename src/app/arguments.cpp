@@ -29,10 +29,11 @@ bool setOption(Command& command) {
     return kind != nullptr;
 }
 
-bool setAnonymous(Command& command) {
+template <bool command::Recording::*option>
+bool setOfRecording(Command& command) {
     auto* const run = std::get_if<command::Run>(&command);
     if (run == nullptr || !run->recording) return false;
-    run->recording->anonymous = true;
+    (*run->recording).*option = true;
     return true;
 }
 
@@ -40,7 +41,8 @@ constexpr std::array additions{
     Addition{"--others", "--devices", setOption<command::Devices, &command::Devices::others>},
     Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
     Addition{"--json", "--check", setOption<command::Check, &command::Check::json>},
-    Addition{"--anonymous", "--record", setAnonymous}};
+    Addition{"--anonymous", "--record", setOfRecording<&command::Recording::anonymous>},
+    Addition{"--force", "--record", setOfRecording<&command::Recording::force>}};
 
 bool contains(const std::vector<std::string_view>& words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
@@ -150,7 +152,7 @@ std::string_view helpText() {
 
 Zonder opdracht start Wegslot: het lockt de sessie als je sleutels weg zijn.
 
-Een sleutel kiezen (terwijl Wegslot niet draait):
+Een sleutel kiezen (terwijl Wegslot niet draait; --keys mag altijd):
   --devices [--others]  toon elke seconde de apparaten in de buurt: id, naam,
                         soort en signaal in dBm; --others ook die van andere
                         makers; stop met Ctrl-C
@@ -183,11 +185,12 @@ Bijwerken:
                         het ervoor
 
 Opnemen:
-  --record BESTAND [--anonymous]
+  --record BESTAND [--anonymous] [--force]
                         schrijf alles wat Wegslot van buiten bereikt naar het
                         bestand, voor wegslot-replay; draait Wegslot al, dan
                         dat, tot Ctrl-C, en anders start het ervoor;
-                        --anonymous vervangt de namen en ids
+                        --anonymous vervangt de namen en ids; --force de inhoud
+                        van een bestand dat er al is
 
 Overig:
   --snapshot BESTAND [--tall]

@@ -19,6 +19,7 @@ namespace command {
 struct Recording {
     std::string path;
     bool anonymous = false; ///< without names and ids
+    bool force = false;     ///< over what is in the file
 };
 
 /// The application itself.

@@ -108,6 +108,9 @@ TEST(Arguments, ARecordingRunsTheApplicationAndMayBeAnonymous) {
     EXPECT_TRUE(run({"--record", "x.jsonl", "--anonymous"}).recording->anonymous);
     EXPECT_TRUE(run({"--anonymous", "--record", "x.jsonl"}).recording->anonymous);
     EXPECT_FALSE(run({"--record", "x.jsonl"}).updateNow);
+    EXPECT_FALSE(run({"--record", "x.jsonl"}).recording->force);
+    EXPECT_TRUE(run({"--record", "x.jsonl", "--force"}).recording->force);
+    EXPECT_EQ(fault({"--force"}), "--force hoort bij --record");
 }
 
 TEST(Arguments, ARecordingMayStartWithAnUpdate) {
