@@ -91,8 +91,8 @@ wegslot_module(media_linux
 
 wegslot_module(hud_linux
   FILES
-    hud/linux/lasting_notification.cpp hud/linux/lasting_notification.h
-    hud/linux/warning_notification.cpp hud/linux/warning_notification.h
+    hud/linux/notice.cpp hud/linux/notice.h hud/linux/warning_notification.cpp
+    hud/linux/warning_notification.h
     hud/linux/warning_sound.cpp hud/linux/warning_sound.h
   USES base hud dbus
   LIBRARIES PkgConfig::CANBERRA Threads::Threads)
@@ -176,23 +176,29 @@ wegslot_module(desktop_qt
 
 wegslot_module(app_linux
   FILES
-    app/linux/activation.cpp app/linux/activation.h app/linux/folders.cpp app/linux/folders.h
-    app/linux/instance_lock.cpp app/linux/instance_lock.h
+    app/linux/activation.cpp app/linux/activation.h app/linux/file_watch.cpp
+    app/linux/file_watch.h app/linux/folders.cpp app/linux/folders.h
+    app/linux/instance_lock.cpp app/linux/instance_lock.h app/linux/standard_output.cpp
+    app/linux/standard_output.h
   TESTS app/linux/instance_lock_test.cpp
-  USES base dbus)
+  USES base dbus line_threads)
+
+wegslot_module(foreign_descriptor
+  FILES recording/linux/foreign_descriptor.cpp recording/linux/foreign_descriptor.h
+  LIBRARIES Threads::Threads)
 
 wegslot_module(recording_linux
   FILES
     recording/linux/descriptor_sink.cpp recording/linux/descriptor_sink.h
     recording/linux/random_uuid.cpp recording/linux/random_uuid.h
   TESTS recording/linux/descriptor_sink_test.cpp
-  USES base)
+  USES base foreign_descriptor line_threads replace_file)
 
 wegslot_module(control_linux
   FILES
     control/linux/control_client.cpp control/linux/control_client.h
     control/linux/control_service.cpp control/linux/control_service.h
-  USES base log control dbus app_linux)
+  USES base log control dbus app_linux foreign_descriptor)
 
 # Updates of the program itself: the disk, the network, and what joins them. Packages for a package
 # manager leave all three out.
@@ -238,15 +244,15 @@ wegslot_module(app_qt
     app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
-    base log settings preferences_file scanner monitor hud hud_linux hud_qt app_model app_commands
-    dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
+    base log line_threads settings preferences_file replace_file scanner monitor hud hud_linux
+    hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
-    ui_ports control recording recording_linux replayed_world
+    ui_ports control foreign_descriptor recording recording_linux replayed_world
   LIBRARIES Qt6::Widgets)
 target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
 
 wegslot_program(wegslot
   OUTPUT wegslot
   FILES app/main.cpp
-  USES app_commands app_qt update
+  USES base app_commands app_qt update
   LIBRARIES Qt6::Core)

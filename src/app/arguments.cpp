@@ -29,10 +29,11 @@ bool setOption(Command& command) {
     return kind != nullptr;
 }
 
-bool setAnonymous(Command& command) {
+template <bool command::Recording::*option>
+bool setOfRecording(Command& command) {
     auto* const run = std::get_if<command::Run>(&command);
     if (run == nullptr || !run->recording) return false;
-    run->recording->anonymous = true;
+    (*run->recording).*option = true;
     return true;
 }
 
@@ -40,7 +41,8 @@ constexpr std::array additions{
     Addition{"--others", "--devices", setOption<command::Devices, &command::Devices::others>},
     Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
     Addition{"--json", "--check", setOption<command::Check, &command::Check::json>},
-    Addition{"--anonymous", "--record", setAnonymous}};
+    Addition{"--anonymous", "--record", setOfRecording<&command::Recording::anonymous>},
+    Addition{"--force", "--record", setOfRecording<&command::Recording::force>}};
 
 bool contains(const std::vector<std::string_view>& words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
@@ -89,14 +91,35 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         if (adds) return std::optional<Command>(command::AddKey{*id});
         return std::optional<Command>(command::RemoveKey{*id});
     }
+    if (control::isRequest(word))
+        return Failure{std::string(word) + " hoort als eerste woord (zie --help)"};
     return Failure{(word.starts_with('-') ? "onbekende schakelaar " : "onbekend woord ") +
                    std::string(word) + " (zie --help)"};
 }
 
+Failure conflict(std::string_view word, std::string_view other) {
+    if (word == other) return Failure{std::string(word) + " staat er twee keer"};
+    return Failure{std::string(word) + " gaat niet samen met " + std::string(other)};
+}
+
+/// `words` with a request's word before what may stand behind it, wherever that was typed.
+std::vector<std::string_view> requestFirst(std::vector<std::string_view> words) {
+    const auto isOption = [](std::string_view word) {
+        return word == "--json" || word == "--follow";
+    };
+    const auto request = std::ranges::find_if_not(words, isOption);
+    if (request != words.end() && control::isRequest(*request))
+        std::rotate(words.begin(), request, request + 1);
+    return words;
+}
+
 } // namespace
 
-Result<Command> parseArguments(const std::vector<std::string_view>& words) {
-    if (contains(words, "--help")) return Command{command::Help{}};
+Result<Command> parseArguments(const std::vector<std::string_view>& typed) {
+    const auto words = requestFirst(typed);
+    const bool asksForHelp = contains(words, "--help") || contains(words, "-h") ||
+                             (!words.empty() && words.front() == "help");
+    if (asksForHelp) return Command{command::Help{}};
     if (contains(words, "--version")) return Command{command::Version{}};
     if (!words.empty() && control::isRequest(words.front())) {
         const auto request = control::parseRequest(words);
@@ -105,14 +128,16 @@ Result<Command> parseArguments(const std::vector<std::string_view>& words) {
     }
 
     std::optional<Command> chosen;
+    std::string_view chosenBy;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string_view word = words[i];
         const auto asked = commandOf(words, i);
         if (!asked) return asked.failure();
         if (!*asked) continue;
-        if (chosen && !join(*chosen, **asked))
-            return Failure{std::string(word) + " gaat niet samen met een andere opdracht"};
-        if (!chosen) chosen = **asked;
+        if (chosen && !join(*chosen, **asked)) return conflict(word, chosenBy);
+        if (chosen) continue;
+        chosen = **asked;
+        chosenBy = word;
     }
     for (const auto& [word, command, apply] : additions) {
         if (!contains(words, word)) continue;
@@ -127,7 +152,7 @@ std::string_view helpText() {
 
 Zonder opdracht start Wegslot: het lockt de sessie als je sleutels weg zijn.
 
-Een sleutel kiezen (terwijl Wegslot niet draait):
+Een sleutel kiezen (terwijl Wegslot niet draait; --keys mag altijd):
   --devices [--others]  toon elke seconde de apparaten in de buurt: id, naam,
                         soort en signaal in dBm; --others ook die van andere
                         makers; stop met Ctrl-C
@@ -150,8 +175,8 @@ Een draaiend Wegslot iets vragen:
                         stop met Ctrl-C
   keys [--json]         toon de sleutels met id, toestand, signaal en drempel
   lock                  lock nu
-  pause DUUR            pauzeer: 15m, 90s, 2h, of een aantal seconden; van 1 s
-                        tot 4 uur
+  pause DUUR            pauzeer: 15m, 90s, 1,5u, 2h, of een aantal seconden;
+                        van 1 s tot 4 uur
   resume                hervat
 
 Bijwerken:
@@ -160,11 +185,12 @@ Bijwerken:
                         het ervoor
 
 Opnemen:
-  --record BESTAND [--anonymous]
+  --record BESTAND [--anonymous] [--force]
                         schrijf alles wat Wegslot van buiten bereikt naar het
                         bestand, voor wegslot-replay; draait Wegslot al, dan
                         dat, tot Ctrl-C, en anders start het ervoor;
-                        --anonymous vervangt de namen en ids
+                        --anonymous vervangt de namen en ids; --force de inhoud
+                        van een bestand dat er al is
 
 Overig:
   --snapshot BESTAND [--tall]
@@ -174,7 +200,7 @@ Overig:
   --demo                speel een vertrek en terugkomst na op een ingebouwde
                         radio, in ongeveer 40 s, met icoon, paneel en
                         aftelling; er wordt niets gelockt
-  --help                toon deze tekst
+  --help                toon deze tekst; ook -h
   --version             toon de versie
 
 Voorkeuren: $XDG_CONFIG_HOME/wegslot/preferences.json

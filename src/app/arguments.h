@@ -19,6 +19,7 @@ namespace command {
 struct Recording {
     std::string path;
     bool anonymous = false; ///< without names and ids
+    bool force = false;     ///< over what is in the file
 };
 
 /// The application itself.
@@ -62,7 +63,7 @@ using Command = std::variant<command::Run, command::Demo, command::Help, command
                              command::RemoveKey, command::Ask, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
-Result<Command> parseArguments(const std::vector<std::string_view>& words);
+Result<Command> parseArguments(const std::vector<std::string_view>& typed);
 
 /// What `--help` prints.
 [[nodiscard]] std::string_view helpText();

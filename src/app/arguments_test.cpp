@@ -53,13 +53,25 @@ TEST(Arguments, ARequestToTheOneThatRunsIsAWordAndComesFirst) {
     const auto asked = std::get<command::Ask>(*parseArguments({"pause", "15m"})).request;
     EXPECT_EQ(std::get<control::request::Pause>(asked).seconds, 900U);
     EXPECT_TRUE(asksFor<command::Ask>({"status", "--json", "--follow"}));
-    EXPECT_EQ(fault({"pause", "nu"}), "pause: geen geldige duur: nu (bijvoorbeeld 15m, 90s of 2h)");
-    EXPECT_EQ(fault({"--others", "status"}), "onbekend woord status (zie --help)");
+    EXPECT_EQ(fault({"pause", "nu"}),
+              "pause: geen geldige duur: nu (bijvoorbeeld 15m, 90s, 1,5u of 2h)");
+    EXPECT_EQ(fault({"--others", "status"}), "status hoort als eerste woord (zie --help)");
+    EXPECT_TRUE(std::get<control::request::Status>(
+                    std::get<command::Ask>(*parseArguments({"--json", "status"})).request)
+                    .json);
+    EXPECT_EQ(fault({"--json", "lock"}), "lock: onbekend woord --json (zie --help)");
+    EXPECT_EQ(std::get<command::Run>(*parseArguments({"--record", "status"})).recording->path,
+              "status");
     EXPECT_TRUE(asksFor<command::Help>({"status", "--help"}));
 }
 
 TEST(Arguments, HelpAndVersionAnswerWhateverElseIsSaid) {
     EXPECT_TRUE(asksFor<command::Help>({"--devices", "--onzin", "--help"}));
+    EXPECT_TRUE(asksFor<command::Help>({"-h"}));
+    EXPECT_TRUE(asksFor<command::Help>({"status", "-h"}));
+    EXPECT_TRUE(asksFor<command::Help>({"help"}));
+    EXPECT_EQ(std::get<command::Run>(*parseArguments({"--record", "help"})).recording->path,
+              "help");
     EXPECT_TRUE(asksFor<command::Version>({"--demo", "--version"}));
 }
 
@@ -78,8 +90,7 @@ TEST(Arguments, ASnapshotHasThePathBehindItAndMayBeTall) {
     EXPECT_TRUE(snapshot({"--tall", "--snapshot", "x.png"}).tall);
     EXPECT_EQ(snapshot({"--snapshot", "x.png", "--tall"}).path, "x.png");
     EXPECT_TRUE(snapshot({"--snapshot", "x.png", "--tall"}).tall);
-    EXPECT_EQ(fault({"--snapshot", "x.png", "--keys"}),
-              "--keys gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--snapshot", "x.png", "--keys"}), "--keys gaat niet samen met --snapshot");
 }
 
 TEST(Arguments, AnUpdateNowRunsTheApplication) {
@@ -97,6 +108,9 @@ TEST(Arguments, ARecordingRunsTheApplicationAndMayBeAnonymous) {
     EXPECT_TRUE(run({"--record", "x.jsonl", "--anonymous"}).recording->anonymous);
     EXPECT_TRUE(run({"--anonymous", "--record", "x.jsonl"}).recording->anonymous);
     EXPECT_FALSE(run({"--record", "x.jsonl"}).updateNow);
+    EXPECT_FALSE(run({"--record", "x.jsonl"}).recording->force);
+    EXPECT_TRUE(run({"--record", "x.jsonl", "--force"}).recording->force);
+    EXPECT_EQ(fault({"--force"}), "--force hoort bij --record");
 }
 
 TEST(Arguments, ARecordingMayStartWithAnUpdate) {
@@ -117,11 +131,9 @@ TEST(Arguments, ARecordingNeedsAFileAndGoesWithNoOtherCommand) {
     EXPECT_EQ(fault({"--anonymous"}), "--anonymous hoort bij --record");
     EXPECT_EQ(fault({"--anonymous", "--update-now"}), "--anonymous hoort bij --record");
     EXPECT_EQ(fault({"--anonymous", "--keys"}), "--anonymous hoort bij --record");
-    EXPECT_EQ(fault({"--record", "x", "--record", "y"}),
-              "--record gaat niet samen met een andere opdracht");
-    EXPECT_EQ(fault({"--record", "x", "--keys"}), "--keys gaat niet samen met een andere opdracht");
-    EXPECT_EQ(fault({"--update-now", "--update-now"}),
-              "--update-now gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--record", "x", "--record", "y"}), "--record staat er twee keer");
+    EXPECT_EQ(fault({"--record", "x", "--keys"}), "--keys gaat niet samen met --record");
+    EXPECT_EQ(fault({"--update-now", "--update-now"}), "--update-now staat er twee keer");
 }
 
 TEST(Arguments, AnythingElseIsNamedInOneLine) {
@@ -130,7 +142,7 @@ TEST(Arguments, AnythingElseIsNamedInOneLine) {
     EXPECT_EQ(fault({""}), "onbekend woord  (zie --help)");
     EXPECT_EQ(fault({"--add-key"}), "--add-key verwacht een id (zie --devices)");
     EXPECT_EQ(fault({"--add-key", "telefoon"}), "--add-key: geen geldig id: telefoon");
-    EXPECT_EQ(fault({"--keys", "--demo"}), "--demo gaat niet samen met een andere opdracht");
+    EXPECT_EQ(fault({"--keys", "--demo"}), "--demo gaat niet samen met --keys");
     EXPECT_EQ(fault({"--others"}), "--others hoort bij --devices");
     EXPECT_EQ(fault({"--lock"}), "--lock hoort bij --check");
     EXPECT_EQ(fault({"--demo", "--json"}), "--json hoort bij --check");

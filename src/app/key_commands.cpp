@@ -54,11 +54,10 @@ void DeviceListing::refresh() {
         print_(row(device, scanner_.changesAddress(device.id)));
 }
 
-KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,
-                   std::function<void(Outcome)> done)
+KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep keep, Done done)
     : model_(model),
       id_(id),
-      print_(std::move(print)),
+      keep_(std::move(keep)),
       done_(std::move(done)) {
     if (isKey(model.settings(), id)) {
         looking_ = scheduler.after(Nanoseconds{0}, [this] {
@@ -86,6 +85,7 @@ void KeyAdder::look() {
         return finish(Outcome::refused,
                       "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
     model_.settings().addKey(*device);
+    if (const auto failure = keep_()) return finish(Outcome::notKept, failure->message);
     const KeyDevice& key = model_.settings().keys.get().back();
     finish(Outcome::added, "Sleutel toegevoegd: " + printable(key.name) + ", drempel " +
                                decimal(key.threshold.value) + " dBm");
@@ -94,8 +94,7 @@ void KeyAdder::look() {
 void KeyAdder::finish(Outcome outcome, const std::string& message) {
     looking_.reset();
     patience_.reset();
-    print_(message);
-    done_(outcome);
+    done_(outcome, message);
 }
 
 void printKeys(const Settings& settings, const PrintLine& print) {
@@ -104,14 +103,11 @@ void printKeys(const Settings& settings, const PrintLine& print) {
         print(row(key));
 }
 
-bool removeKey(Settings& settings, const Uuid& id, const PrintLine& print) {
-    if (!isKey(settings, id)) {
-        print("Geen sleutel met id " + id.text());
-        return false;
-    }
+Result<std::string> removeKey(Settings& settings, const Uuid& id, const Keep& keep) {
+    if (!isKey(settings, id)) return Failure{"Geen sleutel met id " + id.text()};
     settings.removeKey(id);
-    print("Sleutel verwijderd: " + id.text());
-    return true;
+    if (const auto failure = keep()) return *failure;
+    return "Sleutel verwijderd: " + id.text();
 }
 
 } // namespace wegslot

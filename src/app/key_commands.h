@@ -3,9 +3,11 @@
 #pragma once
 
 #include "app/app_model.h"
+#include "base/result.h"
 #include "base/scheduler.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,6 +15,9 @@ namespace wegslot {
 
 /// Prints one line, without its line feed.
 using PrintLine = std::function<void(std::string_view)>;
+
+/// Has the changed settings written at once; why they could not be.
+using Keep = std::function<std::optional<Failure>()>;
 
 /// Prints the published list once a second, and the state of the radio when it is not on. While
 /// it does, models are identified as for anybody who looks at the list.
@@ -34,11 +39,13 @@ public:
     /// A phone in a pocket may advertise only every few seconds, and one that sleeps not for ten.
     static constexpr Nanoseconds patience = std::chrono::seconds{30};
 
-    enum class Outcome { added, alreadyAKey, notHeard, refused };
+    enum class Outcome { added, alreadyAKey, notHeard, refused, notKept };
+
+    /// What came of it, and what is to be said of it.
+    using Done = std::function<void(Outcome outcome, const std::string& message)>;
 
     /// `done` is called once, from the scheduler.
-    KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, PrintLine print,
-             std::function<void(Outcome)> done);
+    KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep keep, Done done);
 
 private:
     void look();
@@ -46,8 +53,8 @@ private:
 
     AppModel& model_;
     Uuid id_;
-    PrintLine print_;
-    std::function<void(Outcome)> done_;
+    Keep keep_;
+    Done done_;
     Timer looking_;
     Timer patience_;
 };
@@ -55,7 +62,7 @@ private:
 /// Prints the keys, or that there are none.
 void printKeys(const Settings& settings, const PrintLine& print);
 
-/// Removes a key and says so; false when there is no such key.
-bool removeKey(Settings& settings, const Uuid& id, const PrintLine& print);
+/// Removes a key, for good; what is to be said of it.
+[[nodiscard]] Result<std::string> removeKey(Settings& settings, const Uuid& id, const Keep& keep);
 
 } // namespace wegslot

@@ -14,13 +14,17 @@ struct KeyCommandsTest : testing::Test {
     AppModel model{world.surroundings()};
     Lines lines;
     std::optional<KeyAdder::Outcome> outcome;
+    std::optional<Failure> kept; ///< why the settings are not
 
     [[nodiscard]] PrintLine print() {
         return [this](std::string_view line) { lines.emplace_back(line); };
     }
     [[nodiscard]] KeyAdder adder(unsigned number) {
-        return {model, world.time, numbered(number), print(),
-                [this](KeyAdder::Outcome result) { outcome = result; }};
+        return {model, world.time, numbered(number), [this] { return kept; },
+                [this](KeyAdder::Outcome result, const std::string& message) {
+                    outcome = result;
+                    lines.push_back(message);
+                }};
     }
     [[nodiscard]] Lines take() { return std::exchange(lines, {}); }
 };
@@ -140,9 +144,22 @@ TEST_F(KeyCommandsTest, KeysAreListedAndRemoved) {
     printKeys(model.settings(), print());
     EXPECT_EQ(take(), Lines{"00000000-0000-0000-0000-000000000003  Tag                       "
                             "Apple Watch         drempel -75 dBm"});
-    EXPECT_FALSE(removeKey(model.settings(), numbered(9), print()));
-    EXPECT_EQ(take(), Lines{"Geen sleutel met id 00000000-0000-0000-0000-000000000009"});
-    EXPECT_TRUE(removeKey(model.settings(), numbered(3), print()));
-    EXPECT_EQ(take(), Lines{"Sleutel verwijderd: 00000000-0000-0000-0000-000000000003"});
+    const auto keep = [] { return std::optional<Failure>(); };
+    EXPECT_EQ(removeKey(model.settings(), numbered(9), keep).failure().message,
+              "Geen sleutel met id 00000000-0000-0000-0000-000000000009");
+    EXPECT_EQ(*removeKey(model.settings(), numbered(3), keep),
+              "Sleutel verwijderd: 00000000-0000-0000-0000-000000000003");
     EXPECT_TRUE(model.settings().keys.get().empty());
+}
+
+TEST_F(KeyCommandsTest, WhatCannotBeKeptIsNoSuccess) {
+    kept = Failure{"de schijf is vol"};
+    const auto adding = adder(3);
+    world.central.setState(CentralState::poweredOn);
+    world.hear(3, -40);
+    world.pass(1s);
+    EXPECT_EQ(outcome, KeyAdder::Outcome::notKept);
+    EXPECT_EQ(take(), Lines{"de schijf is vol"});
+    EXPECT_EQ(removeKey(model.settings(), numbered(3), [this] { return kept; }).failure(),
+              Failure{"de schijf is vol"});
 }

@@ -2,9 +2,10 @@
 
 #include "control/phase_reason.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <limits>
+#include <cmath>
 
 namespace wegslot::control {
 namespace {
@@ -18,9 +19,9 @@ std::optional<std::int64_t> pausedUntil(const Phase& phase, const Clock& clock) 
 }
 
 std::optional<std::uint32_t> secondsIn(std::string_view unit) {
-    if (unit.empty() || unit == "s") return 1;
-    if (unit == "m") return 60;
-    if (unit == "h" || unit == "u") return 3600;
+    if (unit.empty() || unit == "s" || unit == "sec") return 1;
+    if (unit == "m" || unit == "min") return 60;
+    if (unit == "h" || unit == "u" || unit == "uur") return 3600;
     return std::nullopt;
 }
 
@@ -57,19 +58,25 @@ Change change(const Sources& sources, const Phase& next) {
 }
 
 Result<std::uint32_t> pauseDuration(std::string_view text) {
-    std::uint32_t number = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [rest, fault] = std::from_chars(text.data(), end, number);
-    const auto unit = secondsIn({rest, end});
-    if (rest == text.data() || !unit)
+    std::string written(text);
+    std::ranges::replace(written, ',', '.');
+    double number = 0;
+    const char* const begin = written.data();
+    const char* const end = begin + written.size();
+    const bool isNumber = !written.empty() && written.front() >= '0' && written.front() <= '9';
+    const auto [rest, fault] = std::from_chars(begin, end, number, std::chars_format::fixed);
+    std::string_view unitText(rest, end);
+    while (unitText.starts_with(' '))
+        unitText.remove_prefix(1);
+    const auto unit = secondsIn(unitText);
+    if (!isNumber || !unit)
         return Failure{"geen geldige duur: " + std::string(text) +
-                       " (bijvoorbeeld 15m, 90s of 2h)"};
+                       " (bijvoorbeeld 15m, 90s, 1,5u of 2h)"};
     // What does not fit in the number is too long whatever the unit.
-    const bool fits =
-        fault == std::errc{} && number <= std::numeric_limits<std::uint32_t>::max() / *unit;
-    const std::uint32_t seconds = fits ? number * *unit : longestPause + 1;
-    if (const auto failure = pauseFault(seconds)) return *failure;
-    return seconds;
+    const double seconds = fault == std::errc{} ? std::round(number * *unit) : longestPause + 1.0;
+    const auto whole = static_cast<std::uint32_t>(std::min(seconds, longestPause + 1.0));
+    if (const auto failure = pauseFault(whole)) return *failure;
+    return whole;
 }
 
 std::optional<Failure> pauseFault(std::uint32_t seconds) {

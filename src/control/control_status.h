@@ -66,7 +66,7 @@ struct Sources {
 /// From within a listener of the monitor's phase, which is told `next`.
 [[nodiscard]] Change change(const Sources& sources, const Phase& next);
 
-/// Reads "15m", "90s", "2h", "2u" or a number of seconds: 1 second to `longestPause`.
+/// Reads "15m", "15 min", "90s", "1.5h", "1,5u" or a number of seconds: 1 second to `longestPause`.
 [[nodiscard]] Result<std::uint32_t> pauseDuration(std::string_view text);
 
 /// What is wrong with a pause of that many seconds; nothing when it may be asked for.

@@ -47,8 +47,14 @@ Result<Request> parseKeys(Words words) {
     return Request{keys};
 }
 
+bool isLetter(char sign) { return sign >= 'a' && sign <= 'z'; }
+
 Result<Request> parsePause(Words words) {
     if (words.empty()) return Failure{"pause verwacht een duur (bijvoorbeeld 15m)"};
+    // "15 m", as people write it.
+    if (words.size() == 2 && !words[1].empty() && isLetter(words[1].front()))
+        if (const auto seconds = pauseDuration(std::string(words[0]) + ' ' + std::string(words[1])))
+            return Request{request::Pause{*seconds}};
     if (const auto fault = readOptions("pause", words.subspan(1), std::array<Option, 0>{}))
         return *fault;
     const auto seconds = pauseDuration(words.front());

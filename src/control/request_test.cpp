@@ -60,10 +60,14 @@ TEST(ControlRequest, AnythingElseIsNamed) {
     EXPECT_EQ(fault({"status", "--snel"}), "status: onbekend woord --snel (zie --help)");
     EXPECT_EQ(fault({"keys", "--follow"}), "keys: onbekend woord --follow (zie --help)");
     EXPECT_EQ(fault({"lock", "nu"}), "lock: onbekend woord nu (zie --help)");
+    EXPECT_EQ(parsed<request::Pause>({"pause", "15", "m"}).seconds, 900U);
+    EXPECT_EQ(parsed<request::Pause>({"pause", "1,5", "uur"}).seconds, 5400U);
+    EXPECT_EQ(fault({"pause", "15", "30"}), "pause: onbekend woord 30 (zie --help)");
+    EXPECT_EQ(fault({"pause", "15", "weken"}), "pause: onbekend woord weken (zie --help)");
     EXPECT_EQ(fault({"pause"}), "pause verwacht een duur (bijvoorbeeld 15m)");
     EXPECT_EQ(fault({"pause", "15m", "30m"}), "pause: onbekend woord 30m (zie --help)");
     EXPECT_EQ(fault({"pause", "lang"}),
-              "pause: geen geldige duur: lang (bijvoorbeeld 15m, 90s of 2h)");
+              "pause: geen geldige duur: lang (bijvoorbeeld 15m, 90s, 1,5u of 2h)");
 }
 
 TEST(ControlRequest, ADurationIsANumberWithAUnit) {
@@ -72,7 +76,15 @@ TEST(ControlRequest, ADurationIsANumberWithAUnit) {
     EXPECT_EQ(seconds("2h"), 7200U);
     EXPECT_EQ(seconds("2u"), 7200U);
     EXPECT_EQ(seconds("600"), 600U);
-    for (const char* const text : {"", "m", "-5m", "+5m", "1.5h", "5 m", "5mm", "5M", "0x10"})
+    EXPECT_EQ(seconds("15min"), 900U);
+    EXPECT_EQ(seconds("15 m"), 900U);
+    EXPECT_EQ(seconds("90sec"), 90U);
+    EXPECT_EQ(seconds("2uur"), 7200U);
+    EXPECT_EQ(seconds("1.5h"), 5400U);
+    EXPECT_EQ(seconds("1,5u"), 5400U);
+    EXPECT_EQ(seconds("0.5m"), 30U);
+    for (const char* const text : {"", "m", "-5m", "+5m", "5 m 3", "5mm", "5M", "0x10", ".5h",
+                                   "nan", "inf", "1e3", "1..5h", "1.5.5h", "15m "})
         EXPECT_NE(durationFault(text).find("geen geldige duur"), std::string::npos) << text;
 }
 
@@ -83,6 +95,8 @@ TEST(ControlRequest, APauseIsOneSecondToFourHours) {
     EXPECT_EQ(seconds("14399s"), 14399U);
     EXPECT_EQ(seconds("4h"), 14400U);
     EXPECT_EQ(durationFault("14401"), outOfRange);
+    EXPECT_EQ(durationFault("0.4"), outOfRange);
+    EXPECT_EQ(seconds("0.5"), 1U);
     EXPECT_EQ(durationFault("241m"), outOfRange);
     // Neither what does not fit in a number nor what would not after its unit is taken for less.
     EXPECT_EQ(durationFault("99999999999999999999"), outOfRange);

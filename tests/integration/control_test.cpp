@@ -322,8 +322,8 @@ TEST_F(ControlTest, ARecordingBeginsInTheRunningOneAndEndsWithWhoAskedForIt) {
     start();
     const std::string file = (home.path() / "opname.jsonl").string();
     home.write("opname.jsonl", "before\n");
-    Program recorder(
-        {.words = {WEGSLOT_PROGRAM, "--record", file, "--anonymous"}, .environment = variables});
+    Program recorder({.words = {WEGSLOT_PROGRAM, "--record", file, "--anonymous", "--force"},
+                      .environment = variables});
     ASSERT_TRUE(happens([&] { return !recorder.output().empty(); }));
     EXPECT_EQ(recorder.output(), "Opname loopt; stop met Ctrl-C\n");
     EXPECT_TRUE(logs("Opname gevraagd door wegslot"));
@@ -357,7 +357,8 @@ TEST_F(ControlTest, ARecordingBeginsInTheRunningOneAndEndsWithWhoAskedForIt) {
     EXPECT_EQ(text().find(id), std::string::npos);
     EXPECT_EQ(run({REPLAY_PROGRAM, file}).status, 0);
     // The next one is welcome.
-    Program third({.words = {WEGSLOT_PROGRAM, "--record", file}, .environment = variables});
+    Program third(
+        {.words = {WEGSLOT_PROGRAM, "--record", file, "--force"}, .environment = variables});
     EXPECT_TRUE(happens([&] { return text().find("Telefoon") != std::string::npos; }));
 }
 

@@ -27,6 +27,8 @@
 #include <string>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace wegslot;
@@ -266,12 +268,31 @@ TEST_F(RecordingRunTest, AnAnonymousOneNamesNobody) {
     EXPECT_TRUE(isNear);
 }
 
-TEST_F(RecordingRunTest, AFullDiskEndsTheRecordingAndNotWegslot) {
-    program = std::make_unique<Program>(Program::Start{
-        .words = {WEGSLOT_PROGRAM, "--record", "/dev/full"}, .environment = environment});
+TEST_F(RecordingRunTest, AReaderThatGoesEndsTheRecordingAndNotWegslot) {
+    const std::string fifo = trace();
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const int reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    start();
+    close(reader);
     ASSERT_TRUE(loop.runUntil([this] {
-        return read() && times("Opname gestopt: No space left on device") == 1;
+        bluez.report(someAddress, -50);
+        return read() && times("Opname gestopt: Broken pipe") == 1;
     })) << program->output();
-    ASSERT_TRUE(loop.runUntil([this] { return bluez.service.calls("StartDiscovery") > 0; }));
     EXPECT_TRUE(program->isRunning());
+}
+
+TEST_F(RecordingRunTest, APipeThatIsFullHoldsUpNeitherTheJudgementNorTheEnd) {
+    const std::string fifo = trace();
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const int reader = open(fifo.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    const std::string block(4096, 'x');
+    while (write(reader, block.data(), block.size()) > 0) {
+    }
+    start();
+    hearUntil(-50, "Sleutel in de buurt, bewaking actief");
+    program->signal(SIGTERM);
+    EXPECT_EQ(program->ended(), 0);
+    close(reader);
 }

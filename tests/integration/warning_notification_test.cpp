@@ -2,7 +2,7 @@
 
 #include "hud/linux/warning_notification.h"
 
-#include "hud/linux/lasting_notification.h"
+#include "hud/linux/notice.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/look_alike.h"
 
@@ -278,27 +278,32 @@ TEST_F(WarningNotificationTest, ABusThatGoesTakesItAlong) {
     EXPECT_TRUE(closed.empty());
 }
 
-TEST(LastingNotificationTest, StaysAndGivesItsPlaceToTheNext) {
+TEST(NoticeTest, StaysUntilItIsSoNoLonger) {
     BusLoop loop;
     LookAlike desktop(loop, service);
     std::vector<Shown> all;
+    std::vector<std::uint32_t> gone;
     desktop.on(std::string(service) + ".Notify", [&all](LookAlike& self, sd_bus_message* call) {
         all.push_back(read(call));
         self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "u", 7U); });
     });
+    desktop.on(std::string(service) + ".CloseNotification",
+               [&gone](LookAlike& self, sd_bus_message* call) {
+                   sd_bus_message_read(call, "u", &gone.emplace_back());
+                   self.reply(call, [](sd_bus_message*) {});
+               });
     dbus::Connection session(loop.opener(), loop.attacher(), loop.time);
-    LastingNotification notification(session);
-    notification.tell("Titel", "Eerste"); // there is no bus yet
+    std::optional<Notice> notice;
+    notice.emplace(session, "Titel", "Met <b> & zo"); // there is no bus yet
     ASSERT_TRUE(loop.runUntil([&] { return all.size() == 1; }));
     loop.settle();
-    notification.tell("Titel", "Tweede");
-    ASSERT_TRUE(loop.runUntil([&] { return all.size() == 2; }));
     EXPECT_EQ(all[0].title, "Titel");
-    EXPECT_EQ(all[0].body, "Eerste");
+    EXPECT_EQ(all[0].body, "Met _b_ _ zo");
     EXPECT_EQ(all[0].expires, 0);
     EXPECT_EQ(all[0].hints["urgency"], "y 2");
     EXPECT_FALSE(all[0].hints.contains("transient"));
-    EXPECT_EQ(all[0].replaces, 0U);
-    EXPECT_EQ(all[1].body, "Tweede");
-    EXPECT_EQ(all[1].replaces, 7U);
+    EXPECT_TRUE(gone.empty());
+    notice.reset();
+    ASSERT_TRUE(loop.runUntil([&] { return gone.size() == 1; }));
+    EXPECT_EQ(gone[0], 7U);
 }

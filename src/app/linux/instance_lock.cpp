@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <string>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,18 +9,32 @@
 
 namespace wegslot {
 
-Result<InstanceLock> InstanceLock::take(const std::filesystem::path& folder) {
+InstanceLock InstanceLock::take(const std::vector<std::filesystem::path>& folders) {
+    InstanceLock lock;
+    for (const auto& folder : folders) {
+        lock.takeIn(folder);
+        if (lock.outcome_ != Outcome::impossible) break;
+    }
+    return lock;
+}
+
+void InstanceLock::takeIn(const std::filesystem::path& folder) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     const auto file = folder / "lock";
     constexpr mode_t ownerOnly = 0600;
     const int handle = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, ownerOnly);
-    if (handle < 0) return Failure{file.string() + ": " + std::strerror(errno)};
-    if (flock(handle, LOCK_EX | LOCK_NB) == 0) return InstanceLock{handle};
+    if (handle >= 0 && flock(handle, LOCK_EX | LOCK_NB) == 0) {
+        outcome_ = Outcome::held;
+        handle_ = handle;
+        return;
+    }
     const int reason = errno;
-    close(handle);
-    if (reason == EWOULDBLOCK) return Failure{"Wegslot draait al; stop het eerst"};
-    return Failure{file.string() + ": " + std::strerror(reason)};
+    if (handle >= 0) close(handle);
+    if (handle >= 0 && reason == EWOULDBLOCK)
+        outcome_ = Outcome::heldByAnother;
+    else if (trouble_.empty())
+        trouble_ = file.string() + ": " + std::strerror(reason);
 }
 
 InstanceLock::~InstanceLock() {

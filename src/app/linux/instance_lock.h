@@ -3,28 +3,46 @@
 // ends.
 #pragma once
 
-#include "base/result.h"
-
 #include <filesystem>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace wegslot {
 
 class InstanceLock {
 public:
-    /// Takes the lock of the preferences in `folder`, which is made when missing. Fails when
-    /// another process has it, or when the folder cannot be used.
-    static Result<InstanceLock> take(const std::filesystem::path& folder);
+    enum class Outcome {
+        held,
+        heldByAnother,
+        impossible ///< no folder can be used, so nobody has it
+    };
 
-    InstanceLock(InstanceLock&& other) noexcept : handle_(std::exchange(other.handle_, -1)) {}
+    /// Takes the lock in the first of `folders` that can be used: a missing one is made. Everybody
+    /// must name the same.
+    static InstanceLock take(const std::vector<std::filesystem::path>& folders);
+
+    [[nodiscard]] Outcome outcome() const { return outcome_; }
+
+    /// Why the first folder, that of the preferences, could not be used; empty where it could.
+    [[nodiscard]] const std::string& trouble() const { return trouble_; }
+
+    InstanceLock(InstanceLock&& other) noexcept
+        : outcome_(other.outcome_),
+          trouble_(std::move(other.trouble_)),
+          handle_(std::exchange(other.handle_, -1)) {}
     InstanceLock& operator=(InstanceLock&&) = delete;
     InstanceLock(const InstanceLock&) = delete;
     InstanceLock& operator=(const InstanceLock&) = delete;
     ~InstanceLock();
 
 private:
-    explicit InstanceLock(int handle) : handle_(handle) {}
-    int handle_;
+    InstanceLock() = default;
+    void takeIn(const std::filesystem::path& folder);
+
+    Outcome outcome_ = Outcome::impossible;
+    std::string trouble_;
+    int handle_ = -1;
 };
 
 } // namespace wegslot

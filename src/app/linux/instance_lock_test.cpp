@@ -4,26 +4,31 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-
 using namespace wegslot;
+using Outcome = InstanceLock::Outcome;
 
 TEST(InstanceLock, ASecondOneIsRefusedUntilTheFirstHasGone) {
     const TemporaryFolder folder;
+    const auto file = folder.path() / "wegslot";
     {
-        const auto first = InstanceLock::take(folder.path() / "wegslot");
-        ASSERT_TRUE(first);
-        const auto second = InstanceLock::take(folder.path() / "wegslot");
-        ASSERT_FALSE(second);
-        EXPECT_EQ(second.failure().message, "Wegslot draait al; stop het eerst");
+        const auto first = InstanceLock::take({file});
+        ASSERT_EQ(first.outcome(), Outcome::held);
+        EXPECT_EQ(first.trouble(), "");
+        EXPECT_EQ(InstanceLock::take({file}).outcome(), Outcome::heldByAnother);
     }
-    EXPECT_TRUE(InstanceLock::take(folder.path() / "wegslot"));
+    EXPECT_EQ(InstanceLock::take({file}).outcome(), Outcome::held);
 }
 
-TEST(InstanceLock, AFolderThatCannotBeUsedIsNamed) {
+TEST(InstanceLock, WhereAFolderCannotBeUsedTheNextOneIsAndItIsNamed) {
     const TemporaryFolder folder;
     folder.write("wegslot", "in the way");
-    const auto lock = InstanceLock::take(folder.path() / "wegslot");
-    ASSERT_FALSE(lock);
-    EXPECT_TRUE(lock.failure().message.starts_with((folder.path() / "wegslot" / "lock").string()));
+    const auto usual = folder.path() / "wegslot";
+    const auto other = folder.path() / "runtime";
+    const auto first = InstanceLock::take({usual, other});
+    EXPECT_EQ(first.outcome(), Outcome::held);
+    EXPECT_TRUE(first.trouble().starts_with((usual / "lock").string() + ": "));
+    EXPECT_EQ(InstanceLock::take({usual, other}).outcome(), Outcome::heldByAnother);
+    const auto none = InstanceLock::take({usual});
+    EXPECT_EQ(none.outcome(), Outcome::impossible);
+    EXPECT_EQ(none.trouble(), first.trouble());
 }

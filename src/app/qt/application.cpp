@@ -6,6 +6,7 @@
 #include "app/linux/activation.h"
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
+#include "app/linux/standard_output.h"
 #include "app/qt/bus_pump.h"
 #include "app/qt/check.h"
 #include "app/qt/demo_windows.h"
@@ -16,6 +17,7 @@
 #include "app/qt/snapshot.h"
 #include "app/qt/termination.h"
 #include "app/qt/warning.h"
+#include "base/text.h"
 #include "control/linux/control_client.h"
 #include "dbus/forgeries.h"
 #include "hud/hidden_hud.h"
@@ -55,8 +57,15 @@ void printLine(std::string_view line) {
 }
 
 int complain(const std::string& message) {
-    std::fprintf(stderr, "wegslot: %s\n", message.c_str());
+    std::fprintf(stderr, "wegslot: %s\n", printable(message).c_str());
     return EXIT_FAILURE;
+}
+
+/// What came of a command, for who gave it; the exit status.
+int said(const Result<std::string>& outcome) {
+    if (!outcome) return complain(outcome.failure().message);
+    printLine(*outcome);
+    return EXIT_SUCCESS;
 }
 
 /// Writes to the log file and, for who watches in a terminal, there too.
@@ -64,17 +73,19 @@ class TeeLog final : public LogDestination {
 public:
     TeeLog(const fs::path& file, const Clock& clock)
         : file_(file, clock),
-          before_(Log::setDestination(this)) {}
+          before_(Log::setDestination(this)) {
+        if (isatty(STDOUT_FILENO) == 1) terminal_.emplace();
+    }
     ~TeeLog() override { Log::setDestination(before_); }
 
     void write(std::string_view message) override {
         file_.write(message);
-        if (watched_) printLine(message);
+        if (terminal_) terminal_->print(message);
     }
 
 private:
     FileLog file_;
-    const bool watched_ = isatty(STDOUT_FILENO) == 1;
+    std::optional<StandardOutput> terminal_;
     LogDestination* before_;
 };
 
@@ -90,6 +101,19 @@ private:
     LogDestination* before_;
 };
 
+/// What is printed until somebody ends it, or nobody reads it any more.
+class GoingOn {
+public:
+    [[nodiscard]] PrintLine printer() {
+        return [this](std::string_view line) {
+            if (!output_.print(line)) QCoreApplication::exit(EXIT_FAILURE);
+        };
+    }
+
+private:
+    StandardOutput output_;
+};
+
 LockCommand ownLockCommand(const PreferencesStore& preferences) {
     const auto words = lockCommand(preferences);
     if (words) return *words;
@@ -103,31 +127,38 @@ AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
             [] { return std::make_unique<HiddenHud>(); }};
 }
 
+int playDemo(Scheduler& scheduler, const Clock& clock) {
+    Demo demo(
+        scheduler, clock, printLine, [] { QCoreApplication::quit(); },
+        panelWithSound(clock, scheduler));
+    if (!hasDisplay(displayEnvironment())) return QCoreApplication::exec();
+    const DemoWindows windows(demo.model(), scheduler, clock);
+    return QCoreApplication::exec();
+}
+
 // Each command on the running loop.
 struct Execute {
     Scheduler& scheduler;
     const Clock& clock;
-    PreferencesStore& preferences;
+    PreferencesFile& preferences;
     const BundleInfo& program;
-    std::optional<Recorder::Request> recording{}; ///< of a run
+    std::filesystem::path preferencesPath{};
+    std::string lockTrouble{};                    ///< of a run
+    LineThreads* recordings = nullptr;            ///< of a run
+    std::optional<Recorder::Request> recording{}; ///< of a run, from its start on
 
     int operator()(const command::Run& run) const {
         const RunningApplication application({.scheduler = scheduler,
                                               .clock = clock,
                                               .preferences = preferences,
+                                              .preferencesPath = preferencesPath,
                                               .lock = ownLockCommand(preferences),
                                               .log = FileLog::pathUnder(folders::home()),
+                                              .lockTrouble = lockTrouble,
                                               .program = program,
+                                              .recordings = *recordings,
                                               .updateNow = run.updateNow,
                                               .recording = recording});
-        return QCoreApplication::exec();
-    }
-    int operator()(const command::Demo&) const {
-        Demo demo(
-            scheduler, clock, printLine, [] { QCoreApplication::quit(); },
-            panelWithSound(clock, scheduler));
-        if (!hasDisplay(displayEnvironment())) return QCoreApplication::exec();
-        const DemoWindows windows(demo.model(), scheduler, clock);
         return QCoreApplication::exec();
     }
     int operator()(const command::Snapshot& picture) const {
@@ -149,21 +180,25 @@ struct Execute {
     int operator()(const command::Devices& devices) const {
         RealWorld world(scheduler, clock, LockCommand{});
         AppModel model(around(preferences, world));
-        const DeviceListing listing(model, scheduler, devices.others, printLine);
+        GoingOn output;
+        const DeviceListing listing(model, scheduler, devices.others, output.printer());
         return QCoreApplication::exec();
     }
     int operator()(const command::AddKey& command) const {
         RealWorld world(scheduler, clock, LockCommand{});
         AppModel model(around(preferences, world));
-        const KeyAdder adder(model, scheduler, command.id, printLine,
-                             [](KeyAdder::Outcome outcome) {
-                                 const bool isKey = outcome == KeyAdder::Outcome::added ||
-                                                    outcome == KeyAdder::Outcome::alreadyAKey;
-                                 QCoreApplication::exit(isKey ? EXIT_SUCCESS : EXIT_FAILURE);
-                             });
+        const KeyAdder adder(
+            model, scheduler, command.id, [this] { return preferences.flush(); },
+            [](KeyAdder::Outcome outcome, const std::string& message) {
+                const bool isKey = outcome == KeyAdder::Outcome::added ||
+                                   outcome == KeyAdder::Outcome::alreadyAKey;
+                QCoreApplication::exit(said(isKey ? Result<std::string>(message)
+                                                  : Result<std::string>(Failure{message})));
+            });
         return QCoreApplication::exec();
     }
     int operator()(const command::Keys&) const {
+        if (const auto& fault = preferences.fault().get()) return complain(fault->message);
         printKeys(Settings(preferences), printLine);
         return EXIT_SUCCESS;
     }
@@ -179,7 +214,7 @@ struct Execute {
     }
     int operator()(const command::RemoveKey& command) const {
         Settings settings(preferences);
-        return removeKey(settings, command.id, printLine) ? EXIT_SUCCESS : EXIT_FAILURE;
+        return said(removeKey(settings, command.id, [this] { return preferences.flush(); }));
     }
     // Answered before there is a loop.
     int operator()(const auto&) const { return EXIT_SUCCESS; }
@@ -216,13 +251,18 @@ int ask(control::Request request, const Clock& clock,
         return absence.status;
     }
     const Handle driving = pump(**bus, [] { QCoreApplication::exit(EXIT_FAILURE); });
+    GoingOn output;
     const ControlClient client(
         **bus, clock, std::move(request),
-        {.print = printLine,
+        {.print = output.printer(),
          .complain = [](std::string_view line) { complain(std::string(line)); },
          .end = [](int status) { QCoreApplication::exit(status); }},
         absence);
     return QCoreApplication::exec();
+}
+
+Result<int> fileOf(const command::Recording& recording) {
+    return recordingFile(recording.path, recording.force ? Existing::replaced : Existing::kept);
 }
 
 /// What is asked of the Wegslot that runs already, for one that was to start; nothing when that is
@@ -231,8 +271,18 @@ std::optional<control::Request> handedOver(const command::Run& run) {
     if (run.updateNow) return control::request::UpdateNow{};
     if (!run.recording) return std::nullopt;
     return control::request::Record{
-        .open = [path = run.recording->path] { return recordingFile(path); },
+        .open = [recording = *run.recording] { return fileOf(recording); },
         .anonymous = run.recording->anonymous};
+}
+
+constexpr auto alreadyRuns = "Wegslot draait al; stop het eerst";
+
+/// That of the preferences, and where that cannot be used the one that ends with the session.
+std::vector<fs::path> lockFolders(const fs::path& preferences) {
+    std::vector<fs::path> places{preferences.parent_path()};
+    const std::string runtime = folders::variable("XDG_RUNTIME_DIR");
+    if (runtime.starts_with('/')) places.push_back(fs::path(runtime) / "wegslot");
+    return places;
 }
 
 /// The application object that the command needs: for a picture there need be no screen.
@@ -258,8 +308,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const SystemClock clock;
 
     if (std::holds_alternative<command::Demo>(command)) {
-        MemoryStore nothing;
-        return ended(Execute{scheduler, clock, nothing, program}(command::Demo{}));
+        return ended(playDemo(scheduler, clock));
     }
 
     if (const auto* const asked = std::get_if<command::Ask>(&command))
@@ -268,6 +317,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
     // These look on, beside a Wegslot that runs.
     if (std::holds_alternative<command::Check>(command) ||
+        std::holds_alternative<command::Keys>(command) ||
         std::holds_alternative<command::Snapshot>(command)) {
         std::optional<ComplainingLog> complaints;
         if (std::holds_alternative<command::Check>(command)) complaints.emplace();
@@ -275,21 +325,29 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         return ended(std::visit(Execute{scheduler, clock, preferences, program}, command));
     }
     const auto* const run = std::get_if<command::Run>(&command);
-    const auto lock = InstanceLock::take(preferencesPath.parent_path());
-    if (!lock && run != nullptr) {
+    const auto lock = InstanceLock::take(lockFolders(preferencesPath));
+    if (lock.outcome() == InstanceLock::Outcome::heldByAnother) {
+        if (run == nullptr) return complain(alreadyRuns);
         if (run->updateNow && run->recording)
             return complain("Wegslot draait al: vraag --update-now en --record apart");
         if (auto request = handedOver(*run))
-            return ended(ask(*std::move(request), clock, {lock.failure().message, EXIT_FAILURE}));
+            return ended(ask(*std::move(request), clock, {alreadyRuns, EXIT_FAILURE}));
+        return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns);
+    }
+    if (lock.outcome() == InstanceLock::Outcome::impossible) {
+        if (run == nullptr) return complain(lock.trouble());
+        // A guard that does not start is worse than two; its name on the bus is the lock then.
         if (showsItself(scheduler, clock)) return EXIT_SUCCESS;
     }
-    if (!lock) return complain(lock.failure().message);
 
+    LineThreads recordings;
     std::optional<Recorder::Request> recording;
     if (run != nullptr && run->recording) {
-        const auto file = recordingFile(run->recording->path);
+        const auto file = fileOf(*run->recording);
         if (!file) return complain(file.failure().message);
-        recording = {.sink = emptiedSink(*file), .anonymous = run->recording->anonymous};
+        auto sink = descriptorSink(recordings, *file);
+        if (!sink) return complain(sink.failure().message);
+        recording = {.sink = *std::move(sink), .anonymous = run->recording->anonymous};
     }
     std::unique_ptr<TeeLog> log;
     if (run != nullptr) {
@@ -298,9 +356,16 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         fs::create_directories(logPath.parent_path(), ignored);
         log = std::make_unique<TeeLog>(logPath, clock);
     }
+    if (run != nullptr && !lock.trouble().empty())
+        Log::write("Slot op de voorkeuren niet te openen: " + printable(lock.trouble()));
     PreferencesFile preferences(preferencesPath, scheduler);
-    return ended(
-        std::visit(Execute{scheduler, clock, preferences, program, std::move(recording)}, command));
+    const bool writes = std::holds_alternative<command::AddKey>(command) ||
+                        std::holds_alternative<command::RemoveKey>(command);
+    if (const auto& fault = preferences.fault().get(); fault && writes)
+        return complain(fault->message);
+    return ended(std::visit(Execute{scheduler, clock, preferences, program, preferencesPath,
+                                    lock.trouble(), &recordings, std::move(recording)},
+                            command));
 }
 
 } // namespace wegslot

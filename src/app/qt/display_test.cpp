@@ -1,4 +1,5 @@
 #include "app/qt/display.h"
+#include "app/qt/warning.h"
 
 #include <gtest/gtest.h>
 
@@ -19,4 +20,12 @@ TEST(Display, WithoutADisplayNothingIsShown) {
     const DisplayEnvironment none{.runtimeFolder = "/run/user/1000", .sessionType = "wayland"};
     EXPECT_FALSE(hasDisplay(none));
     EXPECT_EQ(qtPlatforms(none), "offscreen");
+}
+
+TEST(WarningParts, ThereIsANotificationWhereThePanelMayBeCovered) {
+    EXPECT_EQ(warningParts(true, true), (WarningParts{.panel = true, .sound = true}));
+    EXPECT_EQ(warningParts(true, false),
+              (WarningParts{.panel = true, .sound = true, .notification = true}));
+    EXPECT_EQ(warningParts(false, true), WarningParts{});
+    EXPECT_EQ(warningParts(false, false), WarningParts{});
 }

@@ -3,9 +3,11 @@
 #include "app/linux/folders.h"
 #include "app/qt/display.h"
 #include "app/qt/warning.h"
+#include "base/text.h"
 #include "control/phase_reason.h"
 #include "model/log.h"
 #include "recording/linux/descriptor_sink.h"
+#include "recording/linux/foreign_descriptor.h"
 #include "recording/linux/random_uuid.h"
 #include "ui/qt/local_clock_time.h"
 
@@ -61,17 +63,37 @@ RunningApplication::RunningApplication(const Setting& setting)
                 .record = [this](int file, bool anonymous) { return record(file, anonymous); },
                 .stopRecording = [this] { recorder_.stop(); }}),
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }),
-      notification_(world_.sessionBus) {
+      preferencesWatch_(world_.descriptors, setting.preferencesPath,
+                        [this] { setting_.preferences.reread(); }) {
+    tellTroubles();
     lockFailures_ =
         model_.monitor().phase().onChange([this](const Phase& next) { phaseChanged(next); });
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
 }
 
 std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous) {
-    // What was in the file goes only when something comes in its place.
-    DescriptorSink sink =
-        recorder_.isRecording() ? descriptorSink(descriptor) : emptiedSink(descriptor);
-    return recorder_.record({.sink = std::move(sink), .anonymous = anonymous});
+    if (recorder_.isRecording()) {
+        closeElsewhere(descriptor);
+        return Failure{"er loopt al een opname"};
+    }
+    auto sink = descriptorSink(setting_.recordings, descriptor);
+    if (!sink) return sink.failure();
+    return recorder_.record({.sink = *std::move(sink), .anonymous = anonymous});
+}
+
+/// In the log alone nobody sees them who has just logged in.
+void RunningApplication::tellTroubles() {
+    if (!setting_.lockTrouble.empty())
+        lockNotice_.emplace(world_.sessionBus, "Wegslot kan niet alles bewaren",
+                            printable(setting_.lockTrouble) +
+                                ". Wegslot bewaakt wel; maak dit bestand schrijfbaar en start "
+                                "Wegslot opnieuw.");
+    preferencesFault_ = setting_.preferences.fault().follow([this](const auto& fault) {
+        preferencesNotice_.reset();
+        if (fault)
+            preferencesNotice_.emplace(world_.sessionBus, "Wegslot kan je voorkeuren niet lezen",
+                                       printable(fault->message));
+    });
 }
 
 void RunningApplication::openLog() {
@@ -82,14 +104,15 @@ void RunningApplication::openLog() {
 void RunningApplication::phaseChanged(const Phase& next) {
     const Monitor& monitor = model_.monitor();
     if (lockFailed(monitor.phase().get(), next, monitor.cause()))
-        notification_.tell("Je Mac is niet gelockt",
-                           "Wegslot vroeg om een lock, maar niets bevestigde dat hij er kwam. "
-                           "Wat er mis is, zegt: wegslot --check --lock");
+        notLockedNotice_.emplace(
+            world_.sessionBus, "Je Mac is niet gelockt",
+            "Wegslot vroeg om een lock, maar niets bevestigde dat hij er kwam. "
+            "Wat er mis is, zegt: wegslot --check --lock");
 }
 
 /// Where nobody shows the icon, a new user would never see Wegslot.
 void RunningApplication::openWithoutIcon() {
-    const bool isNew = model_.settings().keys.get().empty();
+    const bool isNew = model_.settings().keys.get().empty() && !setting_.preferences.fault().get();
     if (isNew && !icon_.isShown() && hasDisplay(displayEnvironment())) panel_.open();
 }
 

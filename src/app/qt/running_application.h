@@ -3,21 +3,25 @@
 
 #include "app/app_model.h"
 #include "app/linux/activation.h"
+#include "app/linux/file_watch.h"
 #include "app/qt/appearance.h"
 #include "app/qt/menu_panel.h"
 #include "app/qt/real_updates.h"
 #include "app/qt/real_world.h"
 #include "app/qt/status_icon.h"
+#include "base/line_threads.h"
 #include "control/linux/control_service.h"
-#include "hud/linux/lasting_notification.h"
+#include "hud/linux/notice.h"
 #include "model/lock_command.h"
-#include "model/preferences_store.h"
+#include "model/preferences_file.h"
 #include "recording/central_tap.h"
 #include "recording/recorder.h"
 #include "ui/linux/autostart_item.h"
 #include "ui/linux/desktop_opener.h"
 
 #include <filesystem>
+#include <optional>
+#include <string>
 
 namespace wegslot {
 
@@ -26,10 +30,13 @@ public:
     struct Setting {
         Scheduler& scheduler;
         const Clock& clock;
-        PreferencesStore& preferences;
+        PreferencesFile& preferences;
+        std::filesystem::path preferencesPath;
         LockCommand lock;
         std::filesystem::path log;
-        BundleInfo program; ///< what it is where no folder says so
+        std::string lockTrouble; ///< why the lock of the preferences is another; empty if it is not
+        BundleInfo program;      ///< what it is where no folder says so
+        LineThreads& recordings;
         bool updateNow = false;
         std::optional<Recorder::Request> recording{}; ///< from the start on
     };
@@ -41,11 +48,13 @@ private:
     static constexpr Nanoseconds iconPatience = std::chrono::seconds{5};
 
     /// Records what reaches Wegslot from here on. `descriptor` is where to; it is taken over, and
-    /// closed when the recording ends, or at once if it is refused: while there is another.
+    /// closed when the recording ends, or at once if it is refused: while there is another, and
+    /// where it is neither file nor pipe.
     [[nodiscard]] std::optional<Failure> record(int descriptor, bool anonymous);
     void openLog();
     void openWithoutIcon();
     void phaseChanged(const Phase& next);
+    void tellTroubles();
 
     Setting setting_;
     RealWorld world_;
@@ -63,9 +72,13 @@ private:
     ClockTime clockTime_;
     ControlService control_;
     Activation activation_; ///< after what is to be found by its name
-    LastingNotification notification_;
-    Subscription lockFailures_;
     Timer withoutIcon_;
+    std::optional<Notice> lockNotice_;
+    std::optional<Notice> preferencesNotice_;
+    std::optional<Notice> notLockedNotice_;
+    Subscription lockFailures_;
+    FileWatch preferencesWatch_;
+    Subscription preferencesFault_;
 };
 
 } // namespace wegslot

@@ -1,10 +1,16 @@
 #include "app/qt/snapshot.h"
 
+#include "model/own_file.h"
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QImage>
 
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace wegslot {
 
@@ -36,7 +42,18 @@ void Snapshot::take() {
 
 void Snapshot::write(QWidget& view, const std::string& path) {
     const QImage picture = view.grab().toImage();
-    if (!picture.isNull()) picture.save(QFile::decodeName(path.c_str()), "PNG");
+    if (picture.isNull()) return;
+    constexpr mode_t ownerOnly = 0600; // it names who is near
+    const int descriptor = openOwn(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, ownerOnly);
+    if (descriptor < 0) return;
+    // One that was there may have been another's or for everybody, and a pipe has no mode.
+    struct stat facts {};
+    const bool isFile = fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode);
+    QFile file;
+    if (isFile && (fchmod(descriptor, ownerOnly) != 0 || ftruncate(descriptor, 0) != 0))
+        close(descriptor);
+    else if (file.open(descriptor, QIODevice::WriteOnly, QFileDevice::AutoCloseHandle))
+        picture.save(&file, "PNG");
 }
 
 } // namespace wegslot

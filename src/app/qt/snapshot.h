@@ -21,8 +21,8 @@ public:
     Snapshot(MenuPanel::Parts parts, Scheduler& scheduler, std::string path, bool isTall,
              std::function<void()> done);
 
-    /// Writes what `view` looks like as a PNG over what is there. A failure writes nothing and is
-    /// not told.
+    /// Writes what `view` looks like as a PNG over what is there, for its owner's eyes only. A
+    /// failure writes nothing and is not told.
     static void write(QWidget& view, const std::string& path);
 
 private:

@@ -11,6 +11,18 @@
 
 namespace wegslot {
 
+/// What a warning consists of.
+struct WarningParts {
+    bool panel = false;
+    bool sound = false;
+    bool notification = false;
+
+    friend bool operator==(const WarningParts&, const WarningParts&) = default;
+};
+
+/// `placesWindows`: whether the panel is put in front of everything.
+[[nodiscard]] WarningParts warningParts(bool hasDisplay, bool placesWindows);
+
 [[nodiscard]] std::unique_ptr<WarningHUD> panelWithSound(const Clock& clock, Scheduler& scheduler);
 
 [[nodiscard]] std::unique_ptr<WarningHUD> warning(dbus::Connection& sessionBus, const Clock& clock,

@@ -4,11 +4,10 @@
 #include "base/text.h"
 #include "dbus/caller.h"
 #include "model/log.h"
+#include "recording/linux/foreign_descriptor.h"
 
 #include <optional>
 #include <utility>
-
-#include <fcntl.h>
 
 namespace wegslot {
 namespace {
@@ -133,12 +132,13 @@ void ControlService::pass(const std::function<void()>& action) {
 
 void ControlService::record(const dbus::Message& call, dbus::Writer& answer) {
     auto reader = call.read();
-    const int file = fcntl(reader.descriptor().value_or(-1), F_DUPFD_CLOEXEC, 0);
+    // Before anything of it is touched: who gave it may have it hang.
+    logRequest("Opname", call);
+    const int file = takenOver(reader.descriptor().value_or(-1));
     const bool anonymous = reader.boolean().value_or(false);
     if (file < 0) return answer.refuse("geen bestand om in op te nemen");
     const std::string caller(call.sender());
     if (const auto fault = actions_.record(file, anonymous)) return answer.refuse(fault->message);
-    logRequest("Opname", call);
     recordingFor_ = bus_->followOwner(caller, [this](const std::optional<std::string>& owner) {
         if (!owner) stopRecording();
     });

@@ -1,11 +1,12 @@
 #include "recording/linux/descriptor_sink.h"
 
+#include "model/own_file.h"
+#include "recording/linux/foreign_descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstring>
-#include <ctime>
 #include <memory>
 #include <string>
 
@@ -17,51 +18,29 @@
 namespace wegslot {
 namespace {
 
-/// Keeps the signals away that a write may raise: a reader that went and a limit on the size of
-/// files are errors here, not the end of the program.
-class WithoutSignals {
+/// A recording of a thousand advertisements a second gets through a disk's bad moment.
+constexpr std::size_t capacity = 4 << 20;
+constexpr std::size_t mostThreads = 4;
+
+/// Used on the recording's own thread alone, where it may hang.
+class Destination {
 public:
-    WithoutSignals() {
-        sigemptyset(&raised_);
-        sigaddset(&raised_, SIGPIPE);
-        sigaddset(&raised_, SIGXFSZ);
-        pthread_sigmask(SIG_BLOCK, &raised_, &before_);
-    }
+    explicit Destination(int descriptor) : descriptor_(descriptor) {}
 
-    ~WithoutSignals() {
-        const int error = errno;
-        const timespec atOnce{};
-        while (sigtimedwait(&raised_, nullptr, &atOnce) > 0) {
-        }
-        pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-        errno = error;
-    }
+    ~Destination() { close(descriptor_); }
 
-    WithoutSignals(const WithoutSignals&) = delete;
-    WithoutSignals& operator=(const WithoutSignals&) = delete;
+    Destination(const Destination&) = delete;
+    Destination& operator=(const Destination&) = delete;
 
-private:
-    sigset_t raised_{};
-    sigset_t before_{};
-};
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-
-    ~Descriptor() { close(number_); }
-
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] std::optional<Failure> write(std::string_view line) const {
-        const WithoutSignals quiet;
+    std::optional<Failure> write(std::string_view line) {
+        empty();
         while (!line.empty()) {
-            if (!takesMore()) return Failure{"de lezer houdt het niet bij"};
+            pollfd asked{.fd = descriptor_, .events = POLLOUT, .revents = 0};
+            poll(&asked, 1, -1); // what is wrong with it the write says
             // So much at most that a pipe that takes anything takes all of it.
             const std::size_t size = std::min<std::size_t>(line.size(), PIPE_BUF);
-            const ssize_t written = ::write(number_, line.data(), size);
-            if (written < 0 && errno == EINTR) continue;
+            const ssize_t written = ::write(descriptor_, line.data(), size);
+            if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
             if (written < 0) return Failure{std::strerror(errno)};
             line.remove_prefix(static_cast<std::size_t>(written));
         }
@@ -69,40 +48,55 @@ public:
     }
 
 private:
-    [[nodiscard]] bool takesMore() const {
-        pollfd asked{.fd = number_, .events = POLLOUT, .revents = 0};
-        return poll(&asked, 1, 0) != 0; // what is wrong with it the write says
+    /// What was in it goes only when something comes in its place.
+    void empty() {
+        if (isEmptied_) return;
+        isEmptied_ = true;
+        [[maybe_unused]] const int result = ftruncate(descriptor_, 0); // a pipe holds nothing
     }
 
-    int number_;
+    int descriptor_;
+    bool isEmptied_ = false;
 };
 
 } // namespace
 
-DescriptorSink descriptorSink(int descriptor) {
-    return [owned = std::make_shared<const Descriptor>(descriptor)](std::string_view line) {
-        return owned->write(line);
-    };
+Result<DescriptorSink> descriptorSink(LineThreads& threads, int descriptor) {
+    const char* refusal = nullptr;
+    if (!isFileOrPipe(descriptor)) refusal = "opnemen kan alleen in een bestand of een pijp";
+    if (threads.count() >= mostThreads) refusal = "eerdere opnames worden nog weggeschreven";
+    if (refusal != nullptr) {
+        closeElsewhere(descriptor);
+        return Failure{refusal};
+    }
+    const auto lines = std::make_shared<LineQueue>(
+        threads.start([destination = std::make_shared<Destination>(descriptor)](
+                          std::string_view line) { return destination->write(line); },
+                      capacity));
+    return DescriptorSink{[lines](std::string_view line) -> std::optional<Failure> {
+        if (lines->put(std::string(line))) return std::nullopt;
+        return lines->failure().value_or(Failure{"de lezer houdt het niet bij"});
+    }};
 }
 
-Result<int> recordingFile(const std::string& path) {
+Result<int> recordingFile(const std::string& path, Existing existing) {
     constexpr mode_t ownerOnly = 0600; // who is near is nobody else's business
     // Without waiting, or a pipe that nobody reads would hold up the start.
     const int descriptor =
-        open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, ownerOnly);
+        openOwn(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, ownerOnly);
+    const auto failed = [&](const std::string& reason) {
+        if (descriptor >= 0) close(descriptor);
+        return Failure{"kan " + path + " niet schrijven: " + reason};
+    };
+    if (descriptor < 0 && errno == ELOOP) return failed("een verwijzing van iemand anders");
     struct stat facts {};
+    if (descriptor < 0 || fstat(descriptor, &facts) != 0) return failed(std::strerror(errno));
+    if (!S_ISREG(facts.st_mode)) return descriptor;
+    if (facts.st_size > 0 && existing == Existing::kept)
+        return failed("er staat al iets in (--force vervangt het)");
     // One that was there already may have been for everybody.
-    if (descriptor >= 0 && fstat(descriptor, &facts) == 0 &&
-        (!S_ISREG(facts.st_mode) || fchmod(descriptor, ownerOnly) == 0))
-        return descriptor;
-    const int reason = errno;
-    if (descriptor >= 0) close(descriptor);
-    return Failure{"kan " + path + " niet schrijven: " + std::strerror(reason)};
-}
-
-DescriptorSink emptiedSink(int descriptor) {
-    [[maybe_unused]] const int result = ftruncate(descriptor, 0); // a pipe holds nothing
-    return descriptorSink(descriptor);
+    if (fchmod(descriptor, ownerOnly) != 0) return failed(std::strerror(errno));
+    return descriptor;
 }
 
 } // namespace wegslot

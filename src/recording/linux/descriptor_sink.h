@@ -1,7 +1,8 @@
-// Where the lines of a recording go: a file, or whatever else a descriptor stands for. Each line is
-// written at once and whole, so that what ends the program ends no line but the last.
+// Where the lines of a recording go: a file or a pipe that somebody handed over. It may hang for as
+// long as they like, so each has a thread that alone touches it and that nobody waits for.
 #pragma once
 
+#include "base/line_threads.h"
 #include "base/result.h"
 
 #include <functional>
@@ -11,18 +12,20 @@
 
 namespace wegslot {
 
-/// Takes one line; why it could not, if it could not. Never waits: a reader at the other end of a
-/// pipe that does not keep up is a failure too. The copies of one sink share its descriptor.
+/// Takes one line; why it could not, or an earlier one could not, if that is so. Never waits: what
+/// does not keep up is a failure too. The copies of one sink share its descriptor.
 using DescriptorSink = std::function<std::optional<Failure>(std::string_view line)>;
 
-/// Owns `descriptor` from here on, and closes it when the last copy has gone.
-[[nodiscard]] DescriptorSink descriptorSink(int descriptor);
+/// Takes `descriptor` over, empties its file and closes it when the last copy has gone and all is
+/// written. Refused where it is neither file nor pipe, or too many before it hang.
+[[nodiscard]] Result<DescriptorSink> descriptorSink(LineThreads& threads, int descriptor);
 
-/// The same, of a file whose content goes.
-[[nodiscard]] DescriptorSink emptiedSink(int descriptor);
+/// What becomes of what is in a file already.
+enum class Existing { kept, replaced };
 
-/// Opens the file `path` for a recording, for its owner's eyes only. What is in it stays until the
-/// recording begins.
-[[nodiscard]] Result<int> recordingFile(const std::string& path);
+/// Opens the file `path` for a recording, for its owner's eyes only; refuses one with something in
+/// it that is to be kept, and a link of somebody else's. What is in it stays until the recording
+/// begins.
+[[nodiscard]] Result<int> recordingFile(const std::string& path, Existing existing);
 
 } // namespace wegslot
