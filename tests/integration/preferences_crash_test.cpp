@@ -57,7 +57,7 @@ TEST(PreferencesCrash, AKillAtAnyMomentLeavesTheLastChangeOrTheOneBefore) {
         close(announcements[1]);
         // By what it has come to and not by a time; the turns left to it put the kill anywhere in
         // that.
-        const int wanted = dice.between(1, changes / 2);
+        const int wanted = dice.between(1, 20);
         int last = 0;
         while (last < wanted && (last = nextOf(announcements[0])) != 0) {
         }

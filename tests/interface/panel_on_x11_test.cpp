@@ -81,6 +81,23 @@ protected:
         ASSERT_TRUE(happens([this] { return isOpen(); }));
     }
 
+    /// The same as fast as it goes: Qt may learn only afterwards that the panel before is gone.
+    void reopenAtOnce() {
+        const auto bus = loop.connect();
+        const auto attached = loop.attach(*bus);
+        loop.settle();
+        type({"Escape"});
+        ASSERT_TRUE(happens([this] { return !isOpen(); }));
+        bool answered = false;
+        const auto opening = bus->call({.destination = "nl.wegslot.Wegslot",
+                                        .path = "/nl/wegslot/Wegslot",
+                                        .interface = "org.freedesktop.Application",
+                                        .member = "Activate",
+                                        .arguments = {dbus::Dictionary{}}},
+                                       [&](const dbus::Message&) { answered = true; });
+        ASSERT_TRUE(happens([&] { return answered; }));
+    }
+
     [[nodiscard]] bool logs(const std::string& text) {
         return happens([&] { return home.log().find(text) != std::string::npos; });
     }
@@ -116,10 +133,7 @@ TEST_F(PanelOnX11Test, IsDrivenByKeysAndMouseFromTheFirstStartToTheEnd) {
     EXPECT_TRUE(prefers("\"Telefoon\"")) << home.log();
     EXPECT_TRUE(logs("Sleutel in de buurt, bewaking actief"));
 
-    reopen();
-    // Somebody else who is given the focus neither closes it nor takes the keys.
-    const Program film({.words = {WEGSLOT_FULL_SCREEN_WINDOW}, .environment = variables});
-    ASSERT_TRUE(happens([&] { return film.output().find("focus") != std::string::npos; }));
+    reopenAtOnce();
     const double before = threshold();
     // The switch, the cross of the key, and its slider.
     type({"Tab", "Tab", "Tab", "Right", "Right", "Right"});

@@ -103,9 +103,9 @@ void PanelWindow::hideEvent(QHideEvent*) {
 }
 
 void PanelWindow::closeEvent(QCloseEvent* event) {
-    // Qt closes all popups while it goes over to the application's not being the active one. This
-    // one has the keyboard all the same, and a window manager that is busy may only now have come
-    // to the end of the panel before it.
+    // Qt closes all popups while it goes over to the application's not being the active one. That
+    // it does a tenth of a second after a panel has gone, when there may be another, which has the
+    // keyboard all the same.
     event->setAccepted(QGuiApplication::applicationState() == applicationState_);
 }
 
