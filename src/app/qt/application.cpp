@@ -358,7 +358,10 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     }
     if (run != nullptr && !lock.trouble().empty())
         Log::write("Slot op de voorkeuren niet te openen: " + printable(lock.trouble()));
-    PreferencesFile preferences(preferencesPath, scheduler);
+    const bool looks = std::holds_alternative<command::Devices>(command);
+    PreferencesFile preferences(preferencesPath, scheduler,
+                                looks ? PreferencesFile::Access::readOnly
+                                      : PreferencesFile::Access::whole);
     const bool writes = std::holds_alternative<command::AddKey>(command) ||
                         std::holds_alternative<command::RemoveKey>(command);
     if (const auto& fault = preferences.fault().get(); fault && writes)
