@@ -17,8 +17,8 @@ using namespace wegslot;
 
 namespace {
 
-constexpr auto service = "org.freedesktop.Notifications";
-constexpr auto path = "/org/freedesktop/Notifications";
+constexpr auto desktopName = "org.freedesktop.Notifications";
+constexpr auto desktopPath = "/org/freedesktop/Notifications";
 
 std::string text(sd_bus_message* message) {
     const char* value = "";
@@ -77,7 +77,7 @@ struct WarningNotificationTest : testing::Test {
     CapturedLog log;
     BusLoop loop;
     dbus::Connection connection{loop.opener(), loop.attacher(), loop.time};
-    std::optional<LookAlike> desktop{std::in_place, loop, service};
+    std::optional<LookAlike> desktop{std::in_place, loop, desktopName};
     std::optional<WarningNotification> warning{std::in_place, connection};
 
     std::vector<std::string> capabilities{"body", "actions", "body-markup"};
@@ -134,7 +134,7 @@ struct WarningNotificationTest : testing::Test {
             loop.settle();
     }
     void invoke(std::uint32_t id, const std::string& action = "ik-ben-er-nog") {
-        desktop->signal(path, service, "ActionInvoked", [&](sd_bus_message* message) {
+        desktop->signal(desktopPath, desktopName, "ActionInvoked", [&](sd_bus_message* message) {
             sd_bus_message_append(message, "us", id, action.c_str());
         });
         settle();
@@ -219,7 +219,7 @@ TEST_F(WarningNotificationTest, OneThatIsHiddenBeforeTheDesktopWasAskedIsNeverSh
 
 TEST_F(WarningNotificationTest, OneThatItsUserClosedIsNotClosedAgain) {
     show();
-    desktop->signal(path, service, "NotificationClosed",
+    desktop->signal(desktopPath, desktopName, "NotificationClosed",
                     [](sd_bus_message* message) { sd_bus_message_append(message, "uu", 1U, 2U); });
     settle();
     EXPECT_EQ(cancelled, 0); // who waves it away has not said to be there
@@ -247,11 +247,11 @@ TEST_F(WarningNotificationTest, NonsenseIsSkipped) {
         self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "s", "één"); });
     });
     show();
-    desktop->signal(path, service, "ActionInvoked");
-    desktop->signal(path, service, "ActionInvoked", [](sd_bus_message* message) {
+    desktop->signal(desktopPath, desktopName, "ActionInvoked");
+    desktop->signal(desktopPath, desktopName, "ActionInvoked", [](sd_bus_message* message) {
         sd_bus_message_append(message, "su", "ik-ben-er-nog", 1U);
     });
-    desktop->signal(path, service, "NotificationClosed");
+    desktop->signal(desktopPath, desktopName, "NotificationClosed");
     settle();
     invoke(0);
     EXPECT_EQ(cancelled, 0);
@@ -280,14 +280,14 @@ TEST_F(WarningNotificationTest, ABusThatGoesTakesItAlong) {
 
 TEST(NoticeTest, StaysUntilItIsSoNoLonger) {
     BusLoop loop;
-    LookAlike desktop(loop, service);
+    LookAlike desktop(loop, desktopName);
     std::vector<Shown> all;
     std::vector<std::uint32_t> gone;
-    desktop.on(std::string(service) + ".Notify", [&all](LookAlike& self, sd_bus_message* call) {
+    desktop.on(std::string(desktopName) + ".Notify", [&all](LookAlike& self, sd_bus_message* call) {
         all.push_back(read(call));
         self.reply(call, [](sd_bus_message* answer) { sd_bus_message_append(answer, "u", 7U); });
     });
-    desktop.on(std::string(service) + ".CloseNotification",
+    desktop.on(std::string(desktopName) + ".CloseNotification",
                [&gone](LookAlike& self, sd_bus_message* call) {
                    sd_bus_message_read(call, "u", &gone.emplace_back());
                    self.reply(call, [](sd_bus_message*) {});
