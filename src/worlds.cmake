@@ -187,7 +187,7 @@ wegslot_module(foreign_descriptor
   FILES recording/linux/foreign_descriptor.cpp recording/linux/foreign_descriptor.h
   LIBRARIES Threads::Threads)
 
-wegslot_module(recording_linux
+wegslot_module(recording_linux THREADED
   FILES
     recording/linux/descriptor_sink.cpp recording/linux/descriptor_sink.h
     recording/linux/random_uuid.cpp recording/linux/random_uuid.h

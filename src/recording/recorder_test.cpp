@@ -257,8 +257,8 @@ TEST_F(RecorderTest, ATouchThatATickFindsIsToldBeforeIt) {
 }
 
 TEST_F(RecorderTest, WhatComesInWhileATickIsHeldUpIsToldBeforeIt) {
-    world.settings().keys.set({keyNamed("Telefoon", 1)});
     start();
+    world.settings().keys.set({keyNamed("Telefoon", 1)});
     world.central.setState(CentralState::poweredOn);
     world.pass(999ms);
     lines.clear();

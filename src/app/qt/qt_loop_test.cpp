@@ -25,6 +25,11 @@ struct QtLoopTest : testing::Test {
     QCoreApplication application{argc, static_cast<char**>(argv)};
     QtScheduler scheduler;
     QEventLoop loop;
+
+    /// What was to be deleted by the loop would outlive it.
+    void TearDown() override {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
 };
 
 } // namespace
