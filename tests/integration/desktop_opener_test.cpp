@@ -25,10 +25,11 @@ struct DesktopOpenerTest : testing::Test {
     Environment path{{{"PATH", folder.path().string() + ":" + std::getenv("PATH")}}};
 
     DesktopOpenerTest() {
-        // Its number, its words, and then `then`.
-        folder.write("xdg-open", "#!/bin/sh\necho \"$$ $# $1\" >> '" +
-                                     (folder.path() / "said").string() + "'\n. '" +
-                                     (folder.path() / "then").string() + "'\n");
+        // Its number, its words, and then `then`, as that was before it said them: a test that
+        // has heard it may write another.
+        folder.write("xdg-open", "#!/bin/sh\nthen=$(cat '" + (folder.path() / "then").string() +
+                                     "')\necho \"$$ $# $1\" >> '" +
+                                     (folder.path() / "said").string() + "'\neval \"$then\"\n");
         folder.write("then", "");
         fs::permissions(folder.path() / "xdg-open", fs::perms::owner_all);
     }
