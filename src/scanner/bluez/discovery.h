@@ -6,6 +6,7 @@
 #include "base/scheduler.h"
 #include "dbus/bus.h"
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -21,6 +22,11 @@ public:
     static constexpr int quickRetries = 12;
     /// Then doubled, up to this: an adapter that refuses for good costs two calls a minute.
     static constexpr Nanoseconds longestRetry = std::chrono::seconds{30};
+
+    /// Weaker than anything that is heard, so that either excludes nobody; a change from one to the
+    /// other has the scan started anew.
+    static constexpr std::int16_t firstStrength = -127;
+    static constexpr std::int16_t otherStrength = -126;
 
     class Listener {
     public:
@@ -52,27 +58,39 @@ public:
     /// Ends the session and begins another.
     void renew();
 
-    [[nodiscard]] bool isOn() const { return on_; }
+    [[nodiscard]] bool isOn() const { return state_ == State::on || state_ == State::rescanning; }
 
 private:
+    enum class State {
+        off,
+        beginning, ///< a call that leads to a session is under way
+        on,
+        rescanning, ///< on, and the other filter is being set
+        ending,
+        refused, ///< until `retry_`
+    };
+    /// What is to happen to the session, the stronger one where both are asked for. A session that
+    /// begins fulfils either.
+    enum class Wish { none, restart, renew };
+
     void proceed();
     void begin();
-    void setFilter(std::function<void()> then);
+    void rescan();
     void end();
-    void call(const std::string& member, std::vector<dbus::Argument> arguments,
+    void setFilter(State meanwhile, std::function<void(const dbus::Message&)> answer);
+    void call(State meanwhile, const std::string& member, std::vector<dbus::Argument> arguments,
               std::function<void(const dbus::Message&)> answer);
+    void settle(State state);
     void refused(const std::string& error);
 
     dbus::Bus& bus_;
     Scheduler& scheduler_;
     std::string adapter_;
     Listener& listener_;
+    State state_ = State::off;
     bool wanted_ = false;
-    bool on_ = false;
-    bool busy_ = false; ///< a call is under way
-    bool restartWanted_ = false;
-    bool renewWanted_ = false;
-    bool otherStrength_ = false; ///< which of the two equivalent filters is set
+    Wish wish_ = Wish::none;
+    std::int16_t strength_ = firstStrength; ///< of the two equivalent filters' the one that is set
     std::optional<std::vector<std::string>> understood_;
     int refusals_ = 0; ///< since it last began
     Nanoseconds nextRetry_ = firstRetry;
