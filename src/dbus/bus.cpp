@@ -128,7 +128,14 @@ Bus::~Bus() {
 }
 
 Subscription Bus::call(const Call& call, Listener answer) {
-    const auto message = formed(bus_, call);
+    auto message = formed(bus_, call);
+    // Whoever waits for an answer gets one in its turn, as for every other call: the bus's own, to
+    // a call that it does not know.
+    if (!message)
+        message = formed(bus_, {.destination = driver,
+                                .path = "/org/freedesktop/DBus",
+                                .interface = driver,
+                                .member = "CallThatCannotBeFormed"});
     if (!message) return {};
     auto listener =
         std::make_unique<std::shared_ptr<Listener>>(std::make_shared<Listener>(std::move(answer)));

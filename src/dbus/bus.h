@@ -75,8 +75,10 @@ public:
     Bus& operator=(const Bus&) = delete;
     ~Bus();
 
-    /// Sends `call`; `answer` gets the reply or the error, also when time runs out. The call is
-    /// forgotten, though not taken back, when the handle ends.
+    /// Sends `call`; `answer` gets the reply or the error, also when time runs out and when the
+    /// call cannot be formed (a name that is none, a text that is not UTF-8). The call is
+    /// forgotten, though not taken back, when the handle ends. Nobody answers once the connection
+    /// is lost.
     [[nodiscard]] Subscription call(const Call& call, Listener answer);
 
     /// Sends `call` and waits for the answer, no longer than its timeout: for whoever cannot go on

@@ -1,5 +1,5 @@
 // A question on the bus that is waited for: what it gives, how long it takes, and what becomes of
-// what else comes in.
+// what else comes in. And one that cannot be put.
 
 #include "tests/integration/answering_service.h"
 #include "tests/support/bus_loop.h"
@@ -124,6 +124,21 @@ TEST_F(BusAskTest, BusThatIsGoneOrNotYetThereGivesNothing) {
     EXPECT_EQ(ask(), 7);
     loop.daemon.stop();
     EXPECT_EQ(ask(), std::nullopt);
+}
+
+TEST_F(BusAskTest, CallThatCannotBeFormedFailsItsCallerLikeAnyOther) {
+    int errors = 0;
+    const auto count = [&errors](const dbus::Message& answer) { errors += answer.error() ? 1 : 0; };
+    const auto badPath = bus->call(
+        {.destination = name, .path = "nowhere", .interface = name, .member = "Number"}, count);
+    const auto badText = bus->call({.destination = name,
+                                    .path = path,
+                                    .interface = name,
+                                    .member = "Number",
+                                    .arguments = {std::string("\xff")}},
+                                   count);
+    EXPECT_EQ(errors, 0); // not while the caller still holds nothing
+    EXPECT_TRUE(loop.runUntil([&] { return errors == 2; }));
 }
 
 } // namespace
