@@ -212,6 +212,7 @@ if(WEGSLOT_UPDATES)
       update/linux/only_ours.cpp update/linux/only_ours.h
       update/linux/own_bundle.cpp update/linux/own_bundle.h
       update/linux/swap_script.h update/linux/tool.cpp update/linux/tool.h
+      update/linux/unpacked_folder.cpp update/linux/unpacked_folder.h
     USES base log replace_file update dbus spawn_linux)
 
   wegslot_module(update_qt

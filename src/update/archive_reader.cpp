@@ -1,4 +1,4 @@
-#include "update/archive_check.h"
+#include "update/archive_reader.h"
 
 #include "base/text.h"
 #include "update/gunzip.h"
@@ -109,7 +109,10 @@ public:
 
     [[nodiscard]] bool any() const { return !seen_.empty(); }
 
-    /// How many bytes of content follow the header looked at last.
+    /// What the header looked at last tells.
+    [[nodiscard]] const ArchiveMember& last() const { return member_; }
+
+    /// How many bytes of content follow it.
     [[nodiscard]] std::uint64_t size() const { return size_; }
 
 private:
@@ -126,7 +129,11 @@ private:
         // A folder's name may end in a slash.
         std::string path = name_;
         if (type == '5' && path.ends_with('/')) path.pop_back();
-        const auto parts = partsOf(path);
+        member_ = {.kind = ArchiveMember::Kind::file,
+                   .path = partsOf(path),
+                   .mode = static_cast<unsigned>(*mode),
+                   .target = {}};
+        const auto& parts = member_.path;
         if (!isUtf8(path) || printable(path) != path || !isPlain(parts) ||
             parts.front() != bundleFolder)
             return "naam buiten de app";
@@ -136,9 +143,12 @@ private:
         if (seen_.size() > mostMembers) return "te veel bestanden";
         if (type == '0') return std::nullopt;
         if (size_ != 0) return "inhoud die er niet hoort";
+        member_.kind = ArchiveMember::Kind::folder;
         if (type == '5') return std::nullopt;
-        if (type == '2') return objectionToLink(path, parts, textOf(header, linkField));
-        return "geen gewoon bestand";
+        if (type != '2') return "geen gewoon bestand";
+        member_.kind = ArchiveMember::Kind::link;
+        member_.target = textOf(header, linkField);
+        return objectionToLink(path, parts, member_.target);
     }
 
     [[nodiscard]] std::optional<std::string> objectionToLink(const std::string& path,
@@ -170,15 +180,25 @@ private:
 
     std::uint64_t most_;
     std::string name_ = "het begin";
+    ArchiveMember member_{};
     std::uint64_t size_ = 0;
     std::uint64_t total_ = 0;
     std::set<std::string> seen_;
     std::set<std::string> links_;
 };
 
+/// For whoever only wants to know whether there is an objection.
+struct Nobody final : ArchiveReceiver {
+    std::optional<std::string> member(const ArchiveMember&) override { return std::nullopt; }
+    std::optional<std::string> content(std::span<const std::uint8_t>) override {
+        return std::nullopt;
+    }
+};
+
 } // namespace
 
-std::optional<std::string> objectionTo(std::span<const std::uint8_t> image, std::uint64_t most) {
+std::optional<std::string> readArchive(std::span<const std::uint8_t> image,
+                                       ArchiveReceiver& receiver, std::uint64_t most) {
     Gunzip unpacked(image);
     Members members(most);
     Block block;
@@ -189,9 +209,13 @@ std::optional<std::string> objectionTo(std::span<const std::uint8_t> image, std:
     };
     while (next() && !isEmpty(block)) {
         if (auto objection = members.objectionTo(block)) return objection;
-        const auto blocks = (members.size() + blockSize - 1) / blockSize;
-        for (std::uint64_t i = 0; i < blocks; ++i)
+        if (auto failure = receiver.member(members.last())) return failure;
+        for (std::uint64_t left = members.size(); left > 0;) {
             if (!next()) return "het archief is niet heel";
+            const auto part = std::min<std::uint64_t>(left, block.size());
+            if (auto failure = receiver.content(std::span(block).first(part))) return failure;
+            left -= part;
+        }
     }
     // The end is an empty block. Whatever else came after it, some would read on.
     if (got != block.size()) return "het archief is niet heel";
@@ -200,6 +224,11 @@ std::optional<std::string> objectionTo(std::span<const std::uint8_t> image, std:
         if (!isEmpty(block) || ++padding > mostPadding) return "inhoud na het einde";
     if (got != 0 || !unpacked.isComplete()) return "het archief is niet heel";
     return members.any() ? std::nullopt : std::optional<std::string>("het archief is leeg");
+}
+
+std::optional<std::string> objectionTo(std::span<const std::uint8_t> image, std::uint64_t most) {
+    Nobody nobody;
+    return readArchive(image, nobody, most);
 }
 
 } // namespace wegslot

@@ -1,4 +1,4 @@
-#include "update/archive_check.h"
+#include "update/archive_reader.h"
 
 #include "tests/support/tar_archive.h"
 

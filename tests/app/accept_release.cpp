@@ -2,7 +2,7 @@
 // tools/release made: accept_release INFO FEED IMAGE. Ends with 1 and the objection, if there is
 // one.
 
-#include "update/archive_check.h"
+#include "update/archive_reader.h"
 #include "update/bundle_info.h"
 #include "update/release.h"
 #include "update/verify.h"

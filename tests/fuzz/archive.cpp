@@ -2,7 +2,7 @@
 // reaches its members; the zip itself is flipped bit by bit in the unit tests.
 
 #include "tests/fuzz/expect.h"
-#include "update/archive_check.h"
+#include "update/archive_reader.h"
 
 #include <cstdint>
 #include <vector>

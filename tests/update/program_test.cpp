@@ -256,7 +256,7 @@ TEST_F(ProgramOnMountTest, AFullDiskForTemporaryFilesSaysSoAndLeavesNothing) {
     ASSERT_EQ(mount("tmpfs", published.temporary.c_str(), "tmpfs", 0, "size=65536"), 0);
     const auto program = start();
     EXPECT_TRUE(becomesTrue([this] {
-        return logs("Update mislukt: update.tar.gz: No space left on device");
+        return logs("Update mislukt: wegslot: No space left on device");
     })) << log();
     EXPECT_EQ(published.leftovers(), Lines{});
     EXPECT_TRUE(program->isRunning());

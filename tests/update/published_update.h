@@ -7,7 +7,7 @@
 #include "tests/support/signing.h"
 #include "tests/support/tar_archive.h"
 #include "tests/update/web_server.h"
-#include "update/archive_check.h"
+#include "update/archive_reader.h"
 #include "update/release.h"
 #include "update/verify.h"
 

@@ -5,11 +5,11 @@
 #include "model/log.h"
 #include "model/replace_file.h"
 #include "platform/linux/spawn.h"
-#include "update/archive_check.h"
 #include "update/bundle_info.h"
 #include "update/linux/only_ours.h"
 #include "update/linux/swap_script.h"
 #include "update/linux/tool.h"
+#include "update/linux/unpacked_folder.h"
 
 #include <cerrno>
 #include <cstring>
@@ -58,15 +58,10 @@ Result<Ready> writeFile(const fs::path& path, std::string_view content) {
 }
 
 Result<Ready> unpackInto(const fs::path& folder, std::span<const std::uint8_t> image) {
-    const fs::path archive = folder / "update.tar.gz";
-    const std::string_view bytes(reinterpret_cast<const char*>(image.data()), image.size());
-    if (auto written = writeFile(archive, bytes); !written) return written;
-    const auto unpacked =
-        runTool({"/usr/bin/tar", "--extract", "--gzip", "--no-same-owner", "--no-same-permissions",
-                 "--file", archive, "--directory", folder});
-    std::error_code ignored;
-    fs::remove(archive, ignored);
-    if (!unpacked) return unpacked.failure();
+    UnpackedFolder unpacked(folder);
+    auto failure = readArchive(image, unpacked);
+    if (!failure) failure = unpacked.finish();
+    if (failure) return Failure{*failure};
     return Ready{};
 }
 

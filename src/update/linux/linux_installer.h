@@ -1,5 +1,5 @@
 // Updates on a Linux file system: the image is a gzipped tar archive of the folder that the
-// application is, unpacked by the system's tar in a folder of our own for temporary files.
+// application is, unpacked in a folder of our own for temporary files.
 #pragma once
 
 #include "update/installer.h"
