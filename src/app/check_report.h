@@ -1,5 +1,5 @@
-// What `wegslot --check` says: from what was found on this machine, one finding a line, and
-// whether Wegslot can lock with it. Pure; who looks is elsewhere.
+// The report of `wegslot --check`: one line for each finding, and whether Wegslot could lock this
+// machine. Only puts it into words; app/qt/check looks.
 #pragma once
 
 #include "base/time.h"

@@ -1,5 +1,5 @@
-// Choosing keys from the command line: lists of devices and keys, and adding one. Works on the
-// same settings and scanner as the application, without judging anything.
+// Choosing keys from the command line: lists devices and keys, adds and removes keys. Uses the
+// application's settings and scanner, but judges nothing.
 #pragma once
 
 #include "app/app_model.h"

@@ -1,5 +1,5 @@
-// The port through which the core learns the time. There are two readings, because a person
-// may set the clock on the wall while nobody has moved.
+// The port through which the core learns the time. There are two readings, because the wall clock
+// may be set while nobody has moved.
 #pragma once
 
 #include "base/time.h"

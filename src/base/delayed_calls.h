@@ -1,5 +1,5 @@
-// One-shot calls that nobody waits for: each runs after its delay unless this object has gone.
-// For a single timer that may be replaced or cancelled, keep a `Timer` instead.
+// One-shot calls that nobody keeps a handle of: each runs after its delay unless this object is
+// gone by then. For a single timer that may be replaced or cancelled, keep a `Timer` instead.
 #pragma once
 
 #include "base/scheduler.h"

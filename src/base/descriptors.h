@@ -1,5 +1,5 @@
-// The port through which an adapter learns that a file descriptor can be read, on the one thread
-// that everything runs on. For sources that are no bus: those are driven whole.
+// The port through which an adapter learns that a file descriptor is readable, on the one thread
+// that everything runs on. Not for buses, which are driven as a whole.
 #pragma once
 
 #include "base/handle.h"

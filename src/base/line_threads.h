@@ -1,6 +1,6 @@
-// Lines for what may hang: a terminal that was stopped, a pipe that nobody reads, a file system of
-// somebody else's. Each destination has a thread of its own, so that who has a line never waits;
-// what is not taken in time is lost, and at the end a thread that hangs is left behind.
+// Writes lines to destinations that may hang: a stopped terminal, a pipe that nobody reads,
+// somebody else's file system. Each destination has a thread of its own, so callers never wait;
+// lines that are not taken in time are dropped, and at the end a thread that hangs is abandoned.
 #pragma once
 
 #include "base/result.h"

@@ -1,5 +1,6 @@
-// What a running Wegslot tells others on the session's bus of itself, as values. They may look,
-// lock and pause; nothing they can ask for unlocks, removes a key or changes a setting.
+// What a running Wegslot tells others on the session bus about itself, as plain values. They may
+// look, lock and pause; nothing they can ask for unlocks the screen, removes a key or changes a
+// setting.
 #pragma once
 
 #include "base/clock.h"

@@ -1,5 +1,6 @@
-// How long programs may keep Wegslot paused, taken together: whatever they ask, and however often,
-// no pause reaches beyond four hours after the first, until a person does something themselves.
+// Limits how long programs can keep Wegslot paused in total: whatever they ask for, and however
+// often, no pause reaches beyond four hours after the first, until a person does something
+// themselves.
 #pragma once
 
 #include "base/time.h"

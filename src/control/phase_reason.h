@@ -1,4 +1,4 @@
-// Why a phase was entered, in one short Dutch sentence: for scripts and people that follow Wegslot
+// Why a phase was entered, in one short Dutch sentence, for scripts and people who follow Wegslot
 // from outside.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What one Wegslot asks of another that runs already, and how the command line says it.
+// What one Wegslot can ask of another that is already running, and how the command line spells it.
 #pragma once
 
 #include "base/result.h"

@@ -1,5 +1,5 @@
-// Who calls a method of ours, for the log: what the system knows of the program, beside the name
-// that it gave itself.
+// Says who called a method of ours, for the log: what the system knows about the program, beside
+// the name that it gave itself.
 #pragma once
 
 #include "dbus/bus.h"

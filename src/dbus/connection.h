@@ -1,5 +1,5 @@
-// A bus that may not be there yet, or may go away: connects as soon as it can, tells who wants
-// to know, and tries again for as long as it lives.
+// A bus that may not be there yet, or may go away: connects as soon as it can, tells its users, and
+// keeps trying for as long as it lives.
 #pragma once
 
 #include "base/observable.h"

@@ -1,6 +1,5 @@
-// Signals that were sent under the name of somebody else: tells the log who sent them, so often
-// that it is noticed and so seldom that nobody fills a disk with it. One for all buses of a
-// program.
+// Signals that were sent in somebody else's name: logs who sent them, often enough to be noticed
+// and seldom enough that nobody fills a disk with it. One for all buses of a program.
 #pragma once
 
 #include "base/clock.h"

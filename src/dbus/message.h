@@ -1,6 +1,6 @@
-// Reading side of the D-Bus seam: values of a message that came in, taken one after the other.
-// What has another type than asked for is left alone, so that nonsense from a peer is skipped
-// and never fatal. Valid only while the callback that got it runs.
+// The reading side of the D-Bus seam: takes the values out of a received message one after the
+// other. A value of another type than was asked for is skipped, so that nonsense from a peer is
+// never fatal. Valid only while the callback that received the message runs.
 #pragma once
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-// An object of ours on a bus: one interface with properties that are read when somebody asks,
-// methods that are answered at once, and signals. Introspection, property calls and the object
-// manager come with it.
+// An object of ours on a bus: one interface with properties that are read on demand, methods that
+// are answered at once, and signals. Introspection, property calls and the object manager come with
+// it.
 #pragma once
 
 #include "base/handle.h"

@@ -1,6 +1,6 @@
-// Writing side of the D-Bus seam: values appended to a message one after the other, containers by
-// a function that fills them. Types are D-Bus signatures; what does not fit (a text that is not
-// UTF-8, a path that is none) spoils the message, which is then not to be sent.
+// The writing side of the D-Bus seam: appends values to a message one after the other, containers
+// through a function that fills them. Types are D-Bus signatures; a value that does not fit (text
+// that is not UTF-8, an invalid path) spoils the message, which must then not be sent.
 #pragma once
 
 #include <cstdint>

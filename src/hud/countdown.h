@@ -1,5 +1,5 @@
-// What the warning panel shows of a countdown at one instant: how much of the ring is left and
-// which number stands in it. Knows no clock and nothing of how it is drawn.
+// What the warning panel shows of a countdown at one instant: how much of the ring is left, and the
+// number in it. Knows neither a clock nor how it is drawn.
 #pragma once
 
 #include "base/time.h"

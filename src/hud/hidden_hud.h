@@ -1,4 +1,4 @@
-// A warning panel that nobody sees: where there is no screen to put it on.
+// A warning that nobody sees, for when there is no screen to put it on.
 #pragma once
 
 #include "hud/warning_hud.h"

@@ -1,5 +1,5 @@
-// Several ways to warn at once, taken for one: a panel, a sound, a notification. Each may report
-// the cancel; which of them did is not told.
+// Several ways to warn, used as one: a panel, a sound, a notification. Any of them may report the
+// cancel; which one did is not passed on.
 #pragma once
 
 #include "hud/warning_hud.h"

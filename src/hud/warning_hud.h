@@ -1,5 +1,5 @@
-// The port to the floating countdown that warns before a lock. It only shows and reports the
-// cancel; when to show, hide and lock is the monitor's business.
+// The port to the warning that precedes a lock. It only shows the countdown and reports the cancel;
+// when to show, hide and lock is up to the monitor.
 #pragma once
 
 #include "base/time.h"

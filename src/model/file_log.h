@@ -1,7 +1,7 @@
-// The log as a file: one line a message, stamped with the local time of the call. Lines are
-// appended by a thread of the log's own, so that nobody waits for the disk, in the order of the
-// calls. Failures are swallowed: a full disk must not stop the lock, nor one that hangs the end.
-// Whoever can send by radio can cause lines, so the file does not grow without end.
+// The log as a file: one line for each message, stamped with the local time of the call. A thread
+// of the log's own appends the lines in the order of the calls, so that nobody waits for the disk.
+// Failures are swallowed: a full disk must not stop the lock, nor a hanging one the end. Anyone in
+// radio range can cause lines, so the file is bounded.
 #pragma once
 
 #include "base/clock.h"

@@ -1,6 +1,5 @@
-// The user's own command for locking the screen, "lockCommand" in the preferences: a list of
-// words, run without a shell. Only written by hand, for sessions whose locker Wegslot does not
-// know.
+// The user's own command for locking the screen, "lockCommand" in the preferences: a list of words,
+// run without a shell. Edited by hand only, for sessions whose locker Wegslot does not know.
 #pragma once
 
 #include "base/result.h"

@@ -1,5 +1,5 @@
-// Opens a file that its user named, in a folder where others may have been before. A link there may
-// be a trap of somebody else's, that has the user write over a file of their own.
+// Opens a file that the user named, in a folder where others may have been first. A link found
+// there may be a trap, set to have the user overwrite a file of their own.
 #pragma once
 
 #include <string>

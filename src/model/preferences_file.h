@@ -1,7 +1,7 @@
-// The preferences as one JSON file that its user can read and only its user may read. Changes are
-// gathered for one turn of the event loop and then replace the file whole, so that a slider
-// that is dragged does not write a hundred times, and a crash never leaves half a file. What its
-// user typed into it meanwhile is taken over; what they mistyped is left for them to mend.
+// The preferences as one JSON file that only its user can read. Changes are collected for one turn
+// of the event loop and then replace the whole file, so that dragging a slider does not write a
+// hundred times and a crash never leaves half a file. What the user edits by hand meanwhile is
+// merged in; a file with a mistake in it is left for them to mend.
 #pragma once
 
 #include "base/observable.h"

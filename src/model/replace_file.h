@@ -1,5 +1,5 @@
-// Puts a file's new content in the place of its old one so that whoever reads it, and whatever
-// happens meanwhile, there is the one or the other and never a part.
+// Replaces a file's content in one step: readers find the old content or the new, never a part of
+// either, whatever happens in between.
 #pragma once
 
 #include <filesystem>

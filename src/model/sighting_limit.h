@@ -1,5 +1,5 @@
-// How many devices a minute the log names that were seen for the first time. A radio nearby can
-// make up thousands; of those above the limit their number is enough.
+// Limits how many newly seen devices the log names in a minute. A radio nearby can invent
+// thousands; beyond the limit only their number is logged.
 #pragma once
 
 #include "base/time.h"

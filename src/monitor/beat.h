@@ -1,7 +1,6 @@
-// The beat of a clock that ticks each second: the instant for which a tick was meant, however much
-// later within its second a busy machine runs it. Judged by those instants, five seconds are five
-// ticks on every machine; judged by when each tick was run they would be five or, as the chance
-// falls, six.
+// The beat of a clock that ticks once a second: the instant each tick was meant for, however late
+// within its second a busy machine runs it. Judged by those instants, five seconds are five ticks
+// on every machine; judged by when each tick ran, they would be five or six by chance.
 #pragma once
 
 #include "base/time.h"

@@ -1,5 +1,5 @@
-// The port to the facts about the screen: it is locked now, it is unlocked now. Facts, not
-// requests: somebody asking for a lock is no event here.
+// The port to the facts about the screen: it is now locked, it is now unlocked. Facts, not
+// requests: a request to lock is no event here.
 #pragma once
 
 #include "base/handle.h"

@@ -1,5 +1,5 @@
 // What a person can ask of the monitor, as a value: for those who want to know that it was asked,
-// whoever passed it on.
+// whichever way it came.
 #pragma once
 
 #include "base/time.h"

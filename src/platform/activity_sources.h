@@ -1,6 +1,6 @@
-// What can be asked about the user's activity, one kind of service at a time, and the detector
-// that asks them. A source knows whether its service is there; one that is there and does not
-// answer in time answers nothing.
+// What can be asked about the user's activity, one kind of service for each question, and the
+// detector that asks them. A source knows whether its service is there; a service that does not
+// answer in time counts as having no answer.
 #pragma once
 
 #include "platform/activity_detector.h"

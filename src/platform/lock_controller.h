@@ -1,5 +1,5 @@
-// The port through which the core has the session locked, now, without waiting and without an
-// answer: whether it happened is told by SessionEvents.
+// The port through which the core has the session locked at once, without waiting for an answer:
+// `SessionEvents` tells whether it happened.
 #pragma once
 
 namespace wegslot {

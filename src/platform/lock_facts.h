@@ -1,5 +1,5 @@
-// Combines what several sources say about the screen into one fact that changes only when it
-// changes: logind's hint, the screen savers, a locker program. Pure; the sources are elsewhere.
+// Combines what several sources say about the screen (logind's hint, the screen savers, a locker
+// program) into one fact, reported only when it changes. Pure: the sources are adapters.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// Asks for the session to be locked, one way after the other: where one is refused, or nothing
-// comes of it, the next is asked, each once.
+// Has the session locked by trying one way after the other: when one is refused, or nothing comes
+// of it, the next is asked, each once.
 #pragma once
 
 #include "base/scheduler.h"

@@ -1,5 +1,5 @@
 // The locker programs that are known by name, for sessions whose desktop has no lock of its own:
-// which one to start, and by which processes a lock is seen.
+// which one to start, and which processes show that the screen is locked.
 #pragma once
 
 #include "platform/processes.h"

@@ -1,6 +1,6 @@
-// Knows by its process that a locker has locked the screen, whoever started it. Looks through the
-// processes only while a lock is expected; a locker that was found is followed to its end, which
-// is the unlock.
+// Sees by its process that a locker has locked the screen, whoever started it. Looks through the
+// processes only while a lock is expected; a locker it has found is followed to its end, which is
+// the unlock.
 #pragma once
 
 #include "base/observable.h"

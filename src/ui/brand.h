@@ -1,5 +1,5 @@
-// Wegslot's colours and fonts as plain values. Every view takes them from here; how they become
-// what is drawn is for the world that draws.
+// Wegslot's colours and fonts as plain values. Every view takes them from here; each toolkit turns
+// them into its own.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Keeps a list still under somebody's pointer: who was shown keeps the place, whatever came since
-// stands behind. For lists whose order would otherwise follow what is learned from the air.
+// Keeps a list still under somebody's pointer: rows that are shown keep their places, and newcomers
+// go behind them. For lists whose order would otherwise follow what is learned from the air.
 #pragma once
 
 #include "base/uuid.h"

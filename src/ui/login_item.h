@@ -1,5 +1,5 @@
-// The port through which the panel learns whether Wegslot starts when the user logs in, and changes
-// that. Whoever else may change it does not tell: it is asked whenever it matters.
+// The port through which the panel learns whether Wegslot starts at login, and changes that. Others
+// may change it without telling, so it is asked each time it matters.
 #pragma once
 
 #include "base/result.h"

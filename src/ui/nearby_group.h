@@ -1,6 +1,6 @@
-// The devices nearby that could become keys: whom the list shows, in which order and how. Devices
-// of the maker come first, by name; those without a name of their own are folded away, and those
-// of other makers are shown on request.
+// The devices nearby that could become keys: which ones the list shows, in which order and how.
+// Devices of the maker come first, by name; devices without a name of their own are folded away,
+// and those of other makers are shown on request.
 #pragma once
 
 #include "scanner/seen_device.h"

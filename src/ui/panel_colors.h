@@ -1,5 +1,5 @@
-// The colours of the panel that no part of it names: text, controls and lines, light and dark.
-// Every text reaches a contrast of 4.5 on the ground it stands on.
+// The panel's colours that the brand does not name: text, controls and lines, light and dark. Every
+// text reaches a contrast of 4.5 on its ground.
 #pragma once
 
 #include "ui/brand.h"

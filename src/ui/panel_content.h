@@ -1,6 +1,6 @@
-// Everything that the menu panel shows, as one value: who draws it decides nothing any more. Made
+// Everything the menu panel shows, as one value that leaves nothing for the view to decide. Made
 // anew from the settings, the scanner, the monitor and the updater whenever one of them changes;
-// what can be done with it is PanelModel's.
+// `PanelModel` has what can be done with it.
 #pragma once
 
 #include "model/settings.h"

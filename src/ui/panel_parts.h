@@ -1,6 +1,6 @@
-// What the panel is put together from, as plain values: the text, the tooltip, whether it can be
-// used, and which value it shows. Texts are UTF-8 and plain, never markup; an empty one stands for
-// none. How a part is drawn, and in which font, is for the world that draws.
+// The parts that the panel is made of, as plain values: the text, the tooltip, whether the part can
+// be used, and the value it shows. Texts are UTF-8 and plain, never markup; an empty one stands for
+// none. How a part is drawn, and in which font, is up to the toolkit.
 #pragma once
 
 #include "base/time.h"

@@ -1,5 +1,5 @@
 // How each phase is shown: one symbol, one colour and one line of text. The status icon and the
-// head of the panel take them from here and from nowhere else.
+// head of the panel both take them from here.
 #pragma once
 
 #include "base/time.h"

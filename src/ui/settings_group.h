@@ -1,5 +1,5 @@
-// The settings in the panel: steppers and checkboxes in their order, and the version at the end.
-// The list has always the same parts in the same places; what is not shown says so.
+// The settings in the panel: steppers and checkboxes in their order, with the version at the end.
+// The list always has the same parts in the same places; parts that are not shown say so.
 #pragma once
 
 #include "model/settings.h"

@@ -1,5 +1,5 @@
-// The names of the pictures that the interface draws. Each is a file `icons/NAME.svg`; how it
-// becomes pixels is for the world that draws.
+// The names of the pictures that the interface draws. Each is a file `icons/NAME.svg`; the toolkit
+// turns it into pixels.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-// What a person can do with the status icon, and what is told of it.
+// What a person can do with the status icon, and who is told.
 #pragma once
 
 #include <functional>

@@ -1,5 +1,5 @@
-// What the status icon shows: nothing but the phase's symbol, and its text for who points at it.
-// The symbol has no colour of its own; it is drawn so that it stands out from the desktop's bar.
+// What the status icon shows: the phase's symbol alone, and its text for the tooltip. The symbol
+// has no colour of its own; it is drawn so that it stands out from the desktop's bar.
 #pragma once
 
 #include "base/observable.h"

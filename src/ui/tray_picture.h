@@ -1,4 +1,5 @@
-// A picture of the status icon as desktops take it over the bus, and who can paint one.
+// A picture of the status icon in the form that desktops take over the bus, and the port to
+// whatever can paint one.
 #pragma once
 
 #include "ui/brand.h"

@@ -1,4 +1,4 @@
-// The port through which an update acts on the running application and its desktop.
+// The port through which an update acts on the running application and the desktop.
 #pragma once
 
 #include <string>

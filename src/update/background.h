@@ -1,4 +1,4 @@
-// The port through which long work leaves the main thread: hashing, unpacking.
+// The port through which long work, such as hashing and unpacking, leaves the main thread.
 #pragma once
 
 #include "base/handle.h"

@@ -1,5 +1,5 @@
 // Base64 as keys and signatures are written (RFC 4648, section 4), read strictly: no line breaks,
-// no blanks, whole padding, and no bits left over. There is one way to write each value.
+// no blanks, complete padding, and no bits left over. Each value has exactly one written form.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Unpacks one gzip member (RFC 1952) block by block, for whoever looks at what is in it and must
-// not be made to keep it all.
+// Unpacks one gzip member (RFC 1952) block by block, for callers that inspect the content and must
+// not be made to keep all of it.
 #pragma once
 
 #include <cstdint>

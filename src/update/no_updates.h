@@ -1,5 +1,5 @@
-// Where nothing is ever updated (a replay, a demo, most tests, a build without updates): ports on
-// which every wish fails, and nothing happens.
+// The ports for when nothing is ever updated (a replay, a demo, most tests, a build without
+// updates): every request fails, and nothing happens.
 #pragma once
 
 #include "update/updater.h"

@@ -1,6 +1,6 @@
-// Keeps the application current from a signed feed: looks whether there is a newer release, and
-// puts it in place when asked to. This is the conductor: what is told to the panel and the log, and
-// which step comes when. It knows neither network nor disk.
+// Keeps the application current from a signed feed: looks for a newer release, and installs it on
+// request. This is the conductor: it decides which step comes when, and what the panel and the log
+// are told. It knows neither network nor disk.
 #pragma once
 
 #include "base/observable.h"

@@ -1,5 +1,5 @@
-// The two proofs that an image is the one that was released: its hash is the feed's, and the
-// owner of the public key has signed it.
+// The two proofs that an image is the released one: its hash is the feed's, and the owner of the
+// public key has signed it.
 #pragma once
 
 #include "update/bundle_info.h"

@@ -1,6 +1,6 @@
-// What makes a second start of Wegslot show the first one's panel: a name on the session's bus with
-// an object that is told so, as the Desktop Entry Specification has applications activated. Who
-// may work with the preferences is for the `InstanceLock`; here one only asks the other.
+// Lets a second start of Wegslot open the first one's panel: a name on the session bus with an
+// object that takes the request, as the Desktop Entry Specification describes for applications that
+// can be activated. Which of the two may work with the preferences is decided by `InstanceLock`.
 #pragma once
 
 #include "base/scheduler.h"

@@ -1,6 +1,6 @@
-// Tells when a file has another content: when a program closes it that wrote to it, and when
-// another file takes its place. Watches the folders that it and what it leads to stand in, because
-// editors do the one or the other.
+// Reports that a file may have new content: a program that wrote to it has closed it, or another
+// file has taken its place. Watches the folders of the file and of whatever it links to, because
+// editors do either.
 #pragma once
 
 #include "base/descriptors.h"

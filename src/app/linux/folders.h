@@ -1,5 +1,5 @@
-// Where this user's files are, as the environment says (XDG Base Directory Specification 0.8;
-// Desktop Application Autostart Specification 0.5). Names folders only; nothing is made.
+// Where this user's files live, according to the environment (XDG Base Directory Specification 0.8;
+// Desktop Application Autostart Specification 0.5). Only names folders; creates none.
 #pragma once
 
 #include <filesystem>

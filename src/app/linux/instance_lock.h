@@ -1,6 +1,5 @@
-// Makes sure that one Wegslot at a time works with the preferences: a second one's next write
-// would undo the first one's. The lock is the kernel's and ends with the process, however it
-// ends.
+// Ensures that only one Wegslot at a time works with the preferences: a second one would undo the
+// first one's changes. The lock is the kernel's and ends with the process, however that ends.
 #pragma once
 
 #include <filesystem>

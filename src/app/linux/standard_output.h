@@ -1,5 +1,5 @@
-// What a program that goes on prints, line for line. Nobody waits for who reads it: a terminal that
-// was stopped or a pipe that is full would otherwise hold up all else.
+// Standard output of a program that keeps running, line by line. Writing never waits for the
+// reader: a stopped terminal or a full pipe must not hold up everything else.
 #pragma once
 
 #include "base/line_threads.h"

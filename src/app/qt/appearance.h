@@ -1,4 +1,4 @@
-// What the icon and the panel share: the scheme of the desktop and the symbols.
+// What the icon and the panel share: the desktop's colour scheme, and the symbols.
 #pragma once
 
 #include "dbus/connection.h"

@@ -1,6 +1,6 @@
-// `wegslot --check`: looks at this machine through the adapters themselves, says what was found,
-// and, when asked to, really locks and says who confirmed it. Changes nothing otherwise, and may
-// run beside a running Wegslot.
+// `wegslot --check`: examines this machine through the adapters themselves, reports what it found
+// and, if asked to, really locks and reports what confirmed it. Changes nothing else, and may run
+// beside a running Wegslot.
 #pragma once
 
 #include "app/check_report.h"

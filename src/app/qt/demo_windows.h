@@ -1,5 +1,5 @@
-// The icon and the panel of the demo, over its own small world: nothing in them reaches the user's
-// files or session.
+// The demo's icon and panel, over its own small world: nothing in them reaches the user's files or
+// session.
 #pragma once
 
 #include "app/app_model.h"

@@ -1,4 +1,4 @@
-// On which display Qt shows Wegslot, if there is one at all.
+// Which display Qt shows Wegslot on, if there is one at all.
 #pragma once
 
 #include "platform/linux/display_environment.h"

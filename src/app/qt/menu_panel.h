@@ -1,4 +1,4 @@
-// The panel of the application: made when it is first opened, over the objects of the model.
+// The application's panel, made when it is first opened.
 #pragma once
 
 #include "app/app_model.h"

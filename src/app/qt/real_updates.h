@@ -1,6 +1,6 @@
-// Where updates come from and go to: from the web into the folder that the running program came as.
-// There are none for a program on its own, as distributions install it. A build without updates
-// (WEGSLOT_UPDATES=OFF) takes another source for this class, and holds no network code.
+// Where updates come from and go to: from the web into the folder that the running program belongs
+// to. A program without such a folder, as distributions install it, gets no updates. With
+// WEGSLOT_UPDATES=OFF another source implements this class, and the build holds no network code.
 #pragma once
 
 #include "dbus/connection.h"

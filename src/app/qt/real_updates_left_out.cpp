@@ -1,4 +1,4 @@
-// For who has another program update Wegslot: a package manager.
+// For builds that something else updates: a package manager.
 
 #include "app/qt/real_updates.h"
 

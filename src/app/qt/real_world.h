@@ -1,4 +1,5 @@
-// The real radio, session and screen around the core: every adapter, joined to the others.
+// The real world around the core: all adapters to radio, session and screen, connected to one
+// another.
 #pragma once
 
 #include "app/qt/bus_pump.h"

@@ -1,4 +1,4 @@
-// The application itself while it runs: the core on the real world, the icon, the panel, updates.
+// The running application: the core in the real world, with its icon, its panel and its updates.
 #pragma once
 
 #include "app/app_model.h"

@@ -1,4 +1,4 @@
-// The panel as a picture in a file, all of it folded open, without a window on any screen.
+// Renders the panel, fully unfolded, into an image file without putting a window on any screen.
 #pragma once
 
 #include "app/qt/menu_panel.h"

@@ -1,5 +1,6 @@
-// The icon in the desktop's bar: what the monitor is doing, and a menu. An item of our own where
-// the desktop collects such items, a window of Qt's in an X11 panel that takes only those.
+// The icon in the desktop's bar: shows what the monitor is doing, and has a menu. It is a status
+// item of our own where the desktop takes them, and one of Qt's windows in X11 panels that take
+// only those.
 #pragma once
 
 #include "app/qt/appearance.h"

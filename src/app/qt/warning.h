@@ -1,5 +1,5 @@
-// The warning as this desktop can show it: a panel with a sound; where that may be covered by
-// another window, or cannot be there at all, a notification too.
+// The warning as this desktop can show it: a panel and a sound, and a notification as well where
+// another window may cover the panel or it cannot be shown at all.
 #pragma once
 
 #include "base/clock.h"

@@ -1,5 +1,5 @@
-// The side of the command line: asks a running Wegslot over the session's bus and prints what it
-// answers. Starts none.
+// The command line's side: asks a running Wegslot over the session bus and prints its answer. Never
+// starts one.
 #pragma once
 
 #include "base/clock.h"

@@ -1,6 +1,6 @@
-// The side of the running Wegslot: an object on the session's bus (nl.wegslot.Wegslot1) beside the
-// one that a second start activates. Tells its state, and does the few things that can be asked
-// for; each is logged with the name of the program that asked.
+// The running Wegslot's side: an object on the session bus (nl.wegslot.Wegslot1), beside the one
+// that a second start activates. Publishes the state and does the few things that may be asked for,
+// logging each with the name of the program that asked.
 #pragma once
 
 #include "control/control_status.h"

@@ -1,5 +1,5 @@
-// Something that its user has to know, as a notification of the desktop that stays until they close
-// it or until it is so no longer. Where none can be shown the log has it.
+// Something the user has to know, as a desktop notification that stays until they close it or it no
+// longer holds. Where no notification can be shown, the log has it.
 #pragma once
 
 #include "dbus/connection.h"

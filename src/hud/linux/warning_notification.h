@@ -1,5 +1,5 @@
-// The warning as a notification of the desktop, with the cancel as its action: for where Wegslot
-// cannot put a window where it is seen. It has no countdown; it comes and goes with the warning.
+// The warning as a desktop notification with the cancel as its action, for desktops where no window
+// of Wegslot is sure to be seen. It has no countdown; it comes and goes with the warning.
 #pragma once
 
 #include "dbus/connection.h"

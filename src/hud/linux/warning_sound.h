@@ -1,5 +1,5 @@
-// The warning as a sound: the one of the desktop's sound theme that asks for attention. Where
-// there is no sound there is none; nobody is told and nobody waits.
+// The warning as a sound: the one in the desktop's sound theme that asks for attention. Where there
+// is no sound, nobody is told and nobody waits.
 #pragma once
 
 #include "hud/warning_hud.h"

@@ -1,6 +1,5 @@
-// The keyboard, borrowed from the window that has it and given back. The warning is no window of
-// the window manager's, which therefore neither gives it the keyboard nor looks who is to have it
-// next.
+// Borrows the keyboard from the window that has it, and gives it back. The window manager does not
+// manage the warning, so it neither gives it the keyboard nor decides who has it next.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The warning as a panel on the screen, with a ring that runs 20 times a second for as long as
-// the panel is there and not a moment longer. Neither sound nor notification: those are others.
+// The warning as a panel on the screen, with a ring that is redrawn 20 times a second while the
+// panel is visible, and not a moment longer. Sound and notification are separate.
 #pragma once
 
 #include "base/clock.h"

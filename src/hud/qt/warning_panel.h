@@ -1,5 +1,5 @@
-// The window of the warning: above everything, at its place, without ever taking the keyboard by
-// itself. Shows the countdown it is given; when that changes is for others.
+// The warning's window: above everything, in its place, and never taking the keyboard by itself.
+// Shows the countdown that it is given; others decide when that changes.
 #pragma once
 
 #include "hud/countdown.h"

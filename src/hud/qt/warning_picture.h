@@ -1,5 +1,5 @@
-// How the warning panel looks: where its parts stand and how they are painted. In
-// device-independent pixels from the panel's corner; knows neither window nor time.
+// How the warning panel looks: where its parts are and how they are painted, in device-independent
+// pixels from the panel's corner. Knows neither window nor time.
 #pragma once
 
 #include "hud/countdown.h"

@@ -1,5 +1,5 @@
-// Which display servers the environment of the session names. Says where to look, not whether
-// anybody is there.
+// Which display servers the session's environment names. Tells where to look, not whether a server
+// is there.
 #pragma once
 
 #include "platform/locker_programs.h"

@@ -1,5 +1,5 @@
-// The programs of this user as Linux shows them: /proc for who runs, posix_spawn to start one, a
-// pidfd to learn of an end without looking again.
+// The programs of this user on Linux: /proc to see what runs, posix_spawn to start a program, a
+// pidfd to be told of its end.
 #pragma once
 
 #include "base/descriptors.h"

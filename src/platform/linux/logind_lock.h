@@ -1,4 +1,5 @@
-// Asks logind to lock the own session; the desktop, or whoever listens there, does it.
+// Asks logind to lock our own session; the desktop, or whatever else listens there, does the
+// locking.
 #pragma once
 
 #include "platform/linux/login_session.h"

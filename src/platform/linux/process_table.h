@@ -1,5 +1,5 @@
-// Reading of the process table, a folder with a folder for each process ("/proc"). Processes come
-// and go meanwhile; what has gone reads as empty.
+// Reads the process table, a folder with one folder for each process ("/proc"). Processes come and
+// go meanwhile; one that has gone reads as empty.
 #pragma once
 
 #include <filesystem>

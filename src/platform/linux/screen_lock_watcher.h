@@ -1,5 +1,5 @@
-// Says when the screen is locked and unlocked, from logind's hint about the own session, from the
-// desktop's screen saver and from the processes of lockers.
+// Reports when the screen is locked and unlocked, from logind's hint about our own session, the
+// desktop's screen saver and the processes of lockers.
 #pragma once
 
 #include "base/observable.h"

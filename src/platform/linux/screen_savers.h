@@ -1,5 +1,5 @@
-// The screen savers of the desktops on the session bus: which of them are running, whether one is
-// active, and how to ask one for the lock. None is ever started by asking.
+// The screen savers of the desktops on the session bus: which of them run, whether one is active,
+// and how to ask one to lock. Asking never starts one.
 #pragma once
 
 #include "base/observable.h"

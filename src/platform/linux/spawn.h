@@ -1,5 +1,5 @@
-// Starts a program apart from this one: in a session of its own, with no signal blocked or ignored,
-// nothing open but its three streams.
+// Starts a program independent of this one: in its own session, with no signal blocked or ignored
+// and nothing open but its three standard streams.
 #pragma once
 
 #include "base/result.h"

@@ -1,5 +1,5 @@
-// Descriptors that somebody handed over. Even closing one asks the system that its file is on,
-// which may be a program of theirs that does not answer; so nobody who is in a hurry closes one.
+// File descriptors handed over by somebody else. Even closing one asks the system that its file is
+// on, which may be a program of theirs that does not answer; nobody in a hurry closes one.
 #pragma once
 
 namespace wegslot {

@@ -1,6 +1,6 @@
-// Starting with the user's session, as the Desktop Application Autostart Specification has it: an
-// entry in a folder of the user's, before those of the system. Nothing of it is remembered:
-// desktops, packages and the user change the entries too.
+// Starting with the user's session, as the Desktop Application Autostart Specification describes:
+// an entry in a folder of the user's that goes before the system's. Nothing is remembered here,
+// because desktops, packages and the user change the entries too.
 #pragma once
 
 #include "platform/linux/media/desktop_entry.h"

@@ -1,5 +1,5 @@
-// Opens files through xdg-open, which knows the applications of every desktop. It runs as a process
-// of its own and outlives Wegslot where it must.
+// Opens files through xdg-open, which knows the applications of every desktop. It runs as a
+// separate process and may outlive Wegslot.
 #pragma once
 
 #include "base/handle.h"

@@ -1,6 +1,6 @@
-// The light ground on which the interface lays things that belong together: padding, round
-// corners and, in the light scheme, a faint warm glow. The glow falls on the parent, so that the
-// card itself takes the full width it is given.
+// The light surface on which things that belong together are laid: padding, round corners and, in
+// the light scheme, a faint warm glow. The glow falls on the parent, so that the card itself takes
+// the full width it is given.
 #pragma once
 
 #include "base/observable.h"

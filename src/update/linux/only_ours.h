@@ -1,4 +1,4 @@
-// Whom a file or folder obeys. What an update puts in place runs as its user, so nobody else may
+// Who controls a file or folder. What an update puts in place runs as its user, so nobody else may
 // have a hand in where it comes from or goes to.
 #pragma once
 

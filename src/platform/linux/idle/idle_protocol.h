@@ -1,6 +1,6 @@
-// The Wayland protocols by which a compositor tells that nobody has touched a seat (a keyboard and
-// mouse) for a while: one class each behind one interface. A connection binds one of them and
-// watches every seat by it.
+// The Wayland protocols by which a compositor reports that a seat (a keyboard and mouse) has not
+// been touched for a while: one class each, behind one interface. A connection binds one of them
+// and watches every seat through it.
 #pragma once
 
 #include <chrono>

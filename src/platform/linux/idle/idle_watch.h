@@ -1,5 +1,5 @@
-// What one connection to a compositor tells about idleness: the protocol it offers, the seats that
-// come and go, and how long each is untouched. Lives as long as its connection.
+// What one connection to a compositor reports about idleness: the protocol it offers, the seats
+// that come and go, and how long each has been untouched. Lives as long as its connection.
 #pragma once
 
 #include "base/clock.h"

@@ -1,5 +1,5 @@
-// How long the user of GNOME has been idle, as its window manager Mutter says on the session bus,
-// under Wayland and X11 alike. Never starts it by asking.
+// How long the user of GNOME has been idle, as its window manager Mutter reports on the session
+// bus, under Wayland and X11 alike. Asking never starts it.
 #pragma once
 
 #include "dbus/connection.h"

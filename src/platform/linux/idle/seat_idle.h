@@ -1,5 +1,5 @@
-// How long one seat has been untouched, reckoned from events that come only when a timeout has
-// passed and when somebody touches it again.
+// How long one seat has been untouched, worked out from events that come only when a timeout has
+// passed and when somebody touches the seat again.
 #pragma once
 
 #include "base/time.h"

@@ -1,5 +1,6 @@
 // A connection of our own to the compositor, apart from the toolkit's. Whatever the compositor
-// does, nothing here waits, save `answers` for as long as it is told. Knows no protocol.
+// does, nothing here waits for it, except `answers`, for as long as it is told to. Knows no
+// protocol.
 #pragma once
 
 #include <chrono>

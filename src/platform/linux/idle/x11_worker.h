@@ -1,6 +1,6 @@
-// A thread that talks to the X server, so that one that hangs holds up nobody else: it is given
-// one order at a time, and whoever gives it waits no longer than he wants to. One of them to a
-// process: the X library looks up permissions in a buffer that threads share.
+// A thread that talks to the X server, so that a server that hangs holds up nobody else: it takes
+// one order at a time, and callers wait for it no longer than they want to. One for each process:
+// the X library looks up permissions in a buffer that threads share.
 #pragma once
 
 #include <chrono>

@@ -1,6 +1,6 @@
-// The display names of applications, as the installed desktop entries give them. Asked for the
-// one that records, at most once a second, and reads the files anew each time: an application may
-// have been installed meanwhile.
+// The display names of applications, from the installed desktop entries. Asked for the application
+// that records, at most once a second, and reads the files anew each time, because one may just
+// have been installed.
 #pragma once
 
 #include <filesystem>

@@ -1,5 +1,5 @@
-// The text of a desktop entry: where its fields stand, and changing some of them while everything
-// else stays as whoever wrote it has it. What the fields mean is for others.
+// The text of a desktop entry: finds its fields and changes some of them, leaving everything else
+// exactly as it was written. What the fields mean is decided elsewhere.
 #pragma once
 
 #include <cstddef>

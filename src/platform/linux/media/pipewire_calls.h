@@ -1,5 +1,5 @@
-// The calls of the PipeWire library that are macros in its headers, as functions: what they expand
-// to is C, which the compilers' warnings are not made for. Seen by the PipeWire sources only.
+// Functions for those calls of the PipeWire library that are macros in its headers: they expand to
+// C that the compilers' warnings are not made for. For the PipeWire sources only.
 #pragma once
 
 #include <pipewire/pipewire.h>

@@ -1,5 +1,5 @@
 // Which application records from a microphone, judged from the streams that a sound server lists.
-// Knows no server: its adapter fills in the values.
+// Knows no server: an adapter fills in the values.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// The foot of the panel: lock, pause, the log, and the end.
+// The foot of the panel: lock, pause, log and quit.
 #pragma once
 
 #include "ui/qt/panel/menu_button.h"

@@ -1,4 +1,4 @@
-// The head of the panel: the phase as a symbol and in words, and the switch for all of it.
+// The head of the panel: the phase as a symbol and in words, and the main switch.
 #pragma once
 
 #include "ui/qt/panel/panel_button.h"

@@ -1,4 +1,4 @@
-// The keys of the panel, each on a card, and the rule that binds several.
+// The keys in the panel, each on a card, and the rule that combines them.
 #pragma once
 
 #include "ui/qt/card.h"

@@ -1,4 +1,4 @@
-// What several controls of the panel paint alike.
+// Painting that several of the panel's controls share.
 #pragma once
 
 #include "ui/brand.h"

@@ -1,5 +1,5 @@
-// Draws the gauge of a key's signal. The fill eases to where it is to be; nothing runs while it
-// stands still or cannot be seen.
+// Draws the gauge of a key's signal. The fill eases towards its new value; nothing runs while it
+// stands still or is out of sight.
 #pragma once
 
 #include "base/clock.h"

@@ -1,4 +1,4 @@
-// Something is under way: an arc that turns while it can be seen.
+// Shows that something is under way: an arc that turns while it is visible.
 #pragma once
 
 #include "ui/brand.h"

@@ -1,4 +1,4 @@
-// What the panel says of an update: an offer with its button, or why the last one failed.
+// The panel's word on updates: an offer with its button, or why the last one failed.
 #pragma once
 
 #include "ui/qt/card.h"
