@@ -109,6 +109,13 @@ std::string decimal(double number) {
     return text == "-0" ? "0" : text;
 }
 
+std::string hexadecimal(std::uint64_t number, std::size_t digits) {
+    std::string text(digits, '0');
+    for (auto place = text.rbegin(); place != text.rend(); ++place, number >>= 4U)
+        *place = hexadecimalDigits[number & 0xFU];
+    return text;
+}
+
 std::string utcText(TimePoint instant) {
     const std::time_t seconds = wholeSeconds(instant);
     std::tm fields{};

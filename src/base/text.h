@@ -5,6 +5,7 @@
 #include "base/time.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,12 @@ namespace wegslot {
 /// The shortest decimal form that reads back as `number`; whole numbers without a fraction.
 /// Never in exponent form below 1e15 in size.
 [[nodiscard]] std::string decimal(double number);
+
+/// As identifiers, addresses and reasons are written.
+inline constexpr std::string_view hexadecimalDigits = "0123456789ABCDEF";
+
+/// The last `digits` hexadecimal digits of `number`.
+[[nodiscard]] std::string hexadecimal(std::uint64_t number, std::size_t digits);
 
 /// "2026-11-15 23:50:00 +0000": UTC, the fraction of a second dropped.
 [[nodiscard]] std::string utcText(TimePoint instant);

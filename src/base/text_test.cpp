@@ -9,6 +9,14 @@
 using namespace wegslot;
 using namespace std::chrono_literals;
 
+TEST(Hexadecimal, WritesAsManyDigitsAsAskedFor) {
+    EXPECT_EQ(hexadecimal(0, 2), "00");
+    EXPECT_EQ(hexadecimal(0xAF, 2), "AF");
+    EXPECT_EQ(hexadecimal(0x1AF, 2), "AF");
+    EXPECT_EQ(hexadecimal(0x1AF, 4), "01AF");
+    EXPECT_EQ(hexadecimal(UINT64_MAX, 16), "FFFFFFFFFFFFFFFF");
+}
+
 TEST(Text, WholeNumbersHaveNoFraction) {
     EXPECT_EQ(decimal(-72.0), "-72");
     EXPECT_EQ(decimal(-0.0), "0");

@@ -1,5 +1,7 @@
 #include "base/uuid.h"
 
+#include "base/text.h"
+
 #include <cstring>
 
 namespace wegslot {
@@ -35,13 +37,12 @@ std::optional<Uuid> Uuid::parse(std::string_view text) {
 }
 
 std::string Uuid::text() const {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     std::string text(shape);
     std::size_t digit = 0;
     for (char& character : text) {
         if (character == '-') continue;
         const unsigned byte = bytes[digit / 2];
-        character = digits[digit % 2 == 0 ? byte >> 4U : byte & 0xFU];
+        character = hexadecimalDigits[digit % 2 == 0 ? byte >> 4U : byte & 0xFU];
         ++digit;
     }
     return text;

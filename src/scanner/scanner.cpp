@@ -8,14 +8,6 @@
 #include <utility>
 
 namespace wegslot {
-namespace {
-
-std::string hexadecimal(std::uint8_t byte) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    return std::string("0x") + digits[byte >> 4U] + digits[byte & 0xFU];
-}
-
-} // namespace
 
 Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock)
     : central_(central),
@@ -146,9 +138,10 @@ void Scanner::logFirstSight(DeviceTable::Record& device, int rssi) {
     constexpr std::size_t mostLogged = 100'000;
     if (loggedDevices_.size() >= mostLogged) loggedDevices_.clear();
     if (!loggedDevices_.insert(device.id).second) return;
-    Log::write("Gezien: " + device.id.text() + " naam=" + nameForLog(device.name.value_or("-")) +
-               " type=" + (device.continuityType ? hexadecimal(*device.continuityType) : "-") +
-               " rssi=" + std::to_string(rssi));
+    Log::write(
+        "Gezien: " + device.id.text() + " naam=" + nameForLog(device.name.value_or("-")) +
+        " type=" + (device.continuityType ? "0x" + hexadecimal(*device.continuityType, 2) : "-") +
+        " rssi=" + std::to_string(rssi));
 }
 
 void Scanner::didConnect(const Uuid& id) {

@@ -1,5 +1,7 @@
 #include "tests/contract/told.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -7,17 +9,14 @@
 namespace wegslot {
 namespace {
 
-std::string hexadecimal(GattUuid number) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
-    for (auto rest = static_cast<std::uint32_t>(number); rest > 0; rest >>= 4U)
-        text.insert(text.begin(), digits[rest & 0xFU]);
-    return text;
+/// The SIG's short form, which has four digits.
+std::string shortForm(GattUuid number) {
+    return hexadecimal(static_cast<std::uint32_t>(number), 4);
 }
 
 std::string list(std::string text, std::span<const GattUuid> numbers) {
     for (const GattUuid number : numbers)
-        text += ' ' + hexadecimal(number);
+        text += ' ' + shortForm(number);
     return text;
 }
 
@@ -92,12 +91,12 @@ void Told::didDiscoverServices(const Uuid& id, std::span<const GattUuid> service
 
 void Told::didDiscoverCharacteristics(const Uuid& id, GattUuid service,
                                       std::span<const GattUuid> characteristics) {
-    note(id, list("characteristics of " + hexadecimal(service), characteristics));
+    note(id, list("characteristics of " + shortForm(service), characteristics));
 }
 
 void Told::didUpdateValue(const Uuid& id, GattUuid characteristic,
                           const std::optional<std::string_view>& value) {
-    note(id, "value of " + hexadecimal(characteristic) + ' ' + std::string(value.value_or("-")));
+    note(id, "value of " + shortForm(characteristic) + ' ' + std::string(value.value_or("-")));
 }
 
 void Told::didIdentify(const Uuid& from, const Uuid& to) {

@@ -1,5 +1,7 @@
 #include "scanner/bluez/loss_text.h"
 
+#include "base/text.h"
+
 #include <array>
 
 namespace wegslot::bluez {
@@ -45,8 +47,7 @@ std::string lossText(std::uint8_t code) {
     default: // the codes are an open set
         break;
     }
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    return std::string("reden 0x") + digits[code >> 4U] + digits[code & 0xFU];
+    return "reden 0x" + hexadecimal(code, 2);
 }
 
 } // namespace wegslot::bluez

@@ -1,11 +1,12 @@
 #include "update/linux/desktop_control.h"
 
+#include "base/text.h"
+
 namespace wegslot {
 namespace {
 
 /// As a file: address (RFC 8089): what is not plain is written as its bytes.
 std::string addressOf(std::string_view path) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
     constexpr std::string_view plain =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/-._~";
     std::string address = "file://";
@@ -14,7 +15,7 @@ std::string addressOf(std::string_view path) {
         if (plain.find(sign) != std::string_view::npos)
             address += sign;
         else
-            address.append({'%', digits[byte >> 4U], digits[byte & 0xFU]});
+            address += '%' + hexadecimal(byte, 2);
     }
     return address;
 }
