@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 
 using namespace wegslot;
 
@@ -17,6 +19,14 @@ struct WarningSoundTest : testing::Test {
     PulseAudioServer server;
     WarningSound sound;
     std::optional<Program> events;
+
+    /// Of this process, before any sound.
+    std::ptrdiff_t threads = threadCount();
+
+    static std::ptrdiff_t threadCount() {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::distance(begin(tasks), end(tasks));
+    }
 
     void SetUp() override {
         if (const auto missing = firstMissing(server.needs()))
@@ -77,4 +87,26 @@ TEST_F(WarningSoundTest, AServerThatHangsHoldsUpNobody) {
 TEST_F(WarningSoundTest, WithoutAServerThereIsSilence) {
     show();
     show();
+}
+
+TEST_F(WarningSoundTest, WhoeverAskedForItGoesAndTheSoundWithThem) {
+    ASSERT_TRUE(server.start());
+    listen();
+    {
+        WarningSound brief;
+        brief.show({}, Seconds{5}, "Telefoon is buiten bereik", [] {});
+        ASSERT_TRUE(becomesTrue([this] { return times(*events, "'new' on sink-input") == 1; }))
+            << events->output();
+    }
+    EXPECT_TRUE(becomesTrue([this] { return threadCount() == threads; }));
+}
+
+TEST_F(WarningSoundTest, AServerThatHangsDoesNotHoldUpTheEnd) {
+    ASSERT_TRUE(server.start());
+    server.signal(SIGSTOP);
+    {
+        WarningSound brief;
+        brief.show({}, Seconds{5}, "Telefoon is buiten bereik", [] {});
+    }
+    server.signal(SIGCONT);
 }

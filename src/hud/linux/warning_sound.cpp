@@ -1,13 +1,31 @@
 #include "hud/linux/warning_sound.h"
 
-#include <chrono>
-#include <future>
+#include <condition_variable>
+#include <mutex>
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include <canberra.h>
 
 namespace wegslot {
+
+/// What the thread of a sound shares with whoever had it started.
+struct WarningSound::Playing {
+    std::mutex mutex{};
+    std::condition_variable changed{};
+    bool isUnderWay = false; ///< there is a thread
+    bool hasEnded = false;   ///< the sound, as its server says
+    bool isUnwanted = false; ///< whoever asked for it has gone
+
+    /// Sets a member, and wakes whoever waits for that.
+    void set(bool Playing::*member, bool value) {
+        const std::lock_guard lock(mutex);
+        this->*member = value;
+        changed.notify_all();
+    }
+};
+
 namespace {
 
 /// Far longer than the sound of any theme.
@@ -18,9 +36,9 @@ struct End {
     void operator()(auto* object) const { end(object); }
 };
 
-/// Returns when the sound has ended, or at once when there can be none.
-void play() {
-    std::promise<void> ended;
+} // namespace
+
+void WarningSound::play(Playing& playing) {
     ca_context* context = nullptr;
     if (ca_context_create(&context) != CA_SUCCESS) return;
     const std::unique_ptr<ca_context, End<ca_context_destroy>> owned(context);
@@ -34,23 +52,35 @@ void play() {
     ca_proplist_sets(properties, CA_PROP_EVENT_ID, "window-attention");
     ca_proplist_sets(properties, CA_PROP_MEDIA_ROLE, "event");
     const auto finished = [](ca_context*, std::uint32_t, int, void* data) {
-        static_cast<std::promise<void>*>(data)->set_value();
+        static_cast<Playing*>(data)->set(&Playing::hasEnded, true);
     };
-    if (ca_context_play_full(context, 0, properties, finished, &ended) != CA_SUCCESS) return;
-    ended.get_future().wait_for(longestSound);
+    playing.set(&Playing::hasEnded, false);
+    if (ca_context_play_full(context, 0, properties, finished, &playing) != CA_SUCCESS) return;
+    std::unique_lock lock(playing.mutex);
+    playing.changed.wait_for(lock, longestSound,
+                             [&] { return playing.hasEnded || playing.isUnwanted; });
 }
 
-} // namespace
+WarningSound::WarningSound() : playing_(std::make_shared<Playing>()) {}
+
+WarningSound::~WarningSound() {
+    playing_->set(&Playing::isUnwanted, true);
+    std::unique_lock lock(playing_->mutex);
+    playing_->changed.wait_for(lock, patience, [this] { return !playing_->isUnderWay; });
+}
 
 void WarningSound::show(TimePoint, Seconds, const std::string&, std::function<void()>) {
-    if (isPlaying_->exchange(true)) return;
+    {
+        const std::lock_guard lock(playing_->mutex);
+        if (std::exchange(playing_->isUnderWay, true)) return;
+    }
     try {
-        std::thread([isPlaying = isPlaying_] {
-            play();
-            isPlaying->store(false);
+        std::thread([playing = playing_] {
+            play(*playing);
+            playing->set(&Playing::isUnderWay, false);
         }).detach();
     } catch (const std::system_error&) { // no thread to be had, so no sound
-        isPlaying_->store(false);
+        playing_->set(&Playing::isUnderWay, false);
     }
 }
 

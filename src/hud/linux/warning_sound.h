@@ -4,15 +4,26 @@
 
 #include "hud/warning_hud.h"
 
-#include <atomic>
+#include <chrono>
 #include <memory>
 
 namespace wegslot {
 
 class WarningSound final : public WarningHUD {
 public:
+    /// For a sound that is under way when this ends; then its thread is left behind.
+    static constexpr std::chrono::seconds patience{1};
+
+    WarningSound();
+    WarningSound(const WarningSound&) = delete;
+    WarningSound& operator=(const WarningSound&) = delete;
+
+    /// Cuts the sound short and ends its thread. One that is stuck in the sound server is left
+    /// behind, and touches nothing of ours.
+    ~WarningSound() override;
+
     /// Plays it once, unless the one before is still under way. A sound server that hangs holds
-    /// up nobody: a thread of its own waits for it, and may stay behind.
+    /// up nobody: a thread of its own waits for it.
     void show(TimePoint deadline, Seconds total, const std::string& message,
               std::function<void()> onCancel) override;
 
@@ -20,7 +31,13 @@ public:
     void hide() override {}
 
 private:
-    std::shared_ptr<std::atomic<bool>> isPlaying_ = std::make_shared<std::atomic<bool>>(false);
+    struct Playing;
+
+    /// Returns when the sound has ended or nobody wants it any more, or at once when there can be
+    /// none.
+    static void play(Playing& playing);
+
+    std::shared_ptr<Playing> playing_;
 };
 
 } // namespace wegslot
