@@ -217,16 +217,16 @@ if(WEGSLOT_UPDATES)
 
   wegslot_module(update_qt
     FILES
-      update/qt/qt_background.cpp update/qt/qt_background.h update/qt/qt_http_client.cpp
-      update/qt/qt_http_client.h
+      update/qt/curl_http_client.cpp update/qt/curl_http_client.h update/qt/qt_background.cpp
+      update/qt/qt_background.h update/qt/web_address.cpp update/qt/web_address.h
     TESTS update/qt/qt_background_test.cpp
     USES base update
-    LIBRARIES Qt6::Core Qt6::Network)
+    LIBRARIES Qt6::Core PkgConfig::CURL)
 
   wegslot_module(real_updates_web
     FILES app/qt/real_updates.cpp
     USES real_updates app_linux dbus update update_linux update_qt
-    LIBRARIES Qt6::Core Qt6::Network)
+    LIBRARIES Qt6::Core)
   set(real_updates real_updates_web)
 else()
   wegslot_module(real_updates_left_out FILES app/qt/real_updates_left_out.cpp USES real_updates)

@@ -6,8 +6,8 @@
 #include "tests/support/fake_updates.h"
 #include "tests/update/published_update.h"
 #include "update/linux/linux_installer.h"
+#include "update/qt/curl_http_client.h"
 #include "update/qt/qt_background.h"
-#include "update/qt/qt_http_client.h"
 
 #include <QCoreApplication>
 
@@ -37,7 +37,7 @@ public:
     int haste = 1;
 
 private:
-    QtHttpClient client_;
+    CurlHttpClient client_;
 };
 
 class AttackTest : public testing::Test {

@@ -1,8 +1,9 @@
 // The client against a real server on loopback, encrypted and not.
 
-#include "update/qt/qt_http_client.h"
+#include "update/qt/curl_http_client.h"
 
 #include "tests/support/environment.h"
+#include "tests/update/hanging_names.h"
 #include "tests/update/web_server.h"
 
 #include <QCoreApplication>
@@ -35,6 +36,14 @@ protected:
         return told;
     }
 
+    /// How much a server that never ends had sent, each time.
+    std::vector<std::size_t> sent() {
+        std::vector<std::size_t> sizes;
+        for (const std::string& line : server.lines())
+            if (line.starts_with("sent ")) sizes.push_back(std::stoul(line.substr(5)));
+        return sizes;
+    }
+
     void trustOnly(const std::string& file) {
         environment.reset();
         environment.emplace(std::map<std::string, std::string>{
@@ -53,7 +62,7 @@ protected:
     TemporaryFolder folder;
     WebServer server{folder.path()};
     std::optional<Environment> environment;
-    std::optional<QtHttpClient> client{std::in_place};
+    std::optional<CurlHttpClient> client{std::in_place};
     Handle handle;
 };
 
@@ -77,7 +86,7 @@ TEST_F(HttpClientTest, AServerThatNobodyVouchesForIsNotHeard) {
         const WebServer named(folder.path(), subject);
         trustOnly(named.certificate());
         client.emplace();
-        EXPECT_NE(get(named.https("feed.json")).find("host name"), std::string::npos) << subject;
+        EXPECT_NE(get(named.https("feed.json")).find("subject name"), std::string::npos) << subject;
         EXPECT_EQ(named.requests(""), 0) << subject;
     }
 }
@@ -119,6 +128,27 @@ TEST_F(HttpClientTest, AnAnswerOverItsBoundIsRefusedWhileItIsRead) {
     // One that never ends, and one that only says that it will be long.
     EXPECT_EQ(get(server.https("endless"), 10'000'000), refused);
     EXPECT_EQ(get(server.https("announce/1001"), 1000), refused);
+}
+
+// Within moments, and not when it has filled memory: what the server could send went into buffers
+// of the system's.
+TEST_F(HttpClientTest, HeadersWithoutAnEndAreRefusedWhileTheyAreRead) {
+    std::size_t answers = 0;
+    for (const char* const kind : {"lines", "line", "interim", "trailers"}) {
+        const std::string told = get(server.https(kind), 1000, 60s);
+        EXPECT_EQ(told.find("geen antwoord"), std::string::npos) << kind << ": " << told;
+        EXPECT_EQ(told.find("status 200"), std::string::npos) << kind << ": " << told;
+        ++answers;
+        ASSERT_TRUE(becomesTrue([&] { return sent().size() == answers; })) << kind;
+        EXPECT_LT(sent().back(), 20'000'000U) << kind;
+    }
+}
+
+TEST_F(HttpClientTest, TheHeadersOfAllRedirectsHaveOneBound) {
+    EXPECT_EQ(get(server.https("heavy/" + server.https("feed.json"))), "status 200 the feed");
+    EXPECT_EQ(get(server.https("heavy/" + server.https("heavy/" + server.https("feed.json")))),
+              refused);
+    EXPECT_EQ(server.requests("feed.json"), 1);
 }
 
 TEST_F(HttpClientTest, ALargeAnswerArrivesWhole) {
@@ -192,6 +222,24 @@ TEST_F(HttpClientTest, WhoLetsGoHearsNothingMore) {
     client.emplace(500ms);
     EXPECT_EQ(get(server.https("silent")), "geen antwoord binnen 1 s");
     EXPECT_FALSE(told);
+}
+
+TEST_F(HttpClientTest, ANameServerThatHangsHoldsUpNobody) {
+    const HangingNames names;
+    client.emplace(500ms);
+    EXPECT_EQ(get("https://wegslot.example/feed.json"), "geen antwoord binnen 1 s");
+    EXPECT_TRUE(names.wereAsked());
+    // Not even who lets go of it, nor the next one that is asked.
+    handle.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    client.emplace();
+    EXPECT_EQ(get(server.https("feed.json")), "status 200 the feed");
+}
+
+TEST_F(HttpClientTest, TheProxyOfTheEnvironmentIsUsed) {
+    environment.emplace(std::map<std::string, std::string>{{"https_proxy", server.http("")}});
+    EXPECT_EQ(get("https://wegslot.example/feed.json").find("status 200"), std::string::npos);
+    EXPECT_EQ(server.lines().back(), "http CONNECT wegslot.example:443");
 }
 
 TEST_F(HttpClientTest, TheNextRequestMayBeginInAnAnswer) {

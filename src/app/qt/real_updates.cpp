@@ -4,8 +4,8 @@
 #include "update/linux/desktop_control.h"
 #include "update/linux/linux_installer.h"
 #include "update/linux/own_bundle.h"
+#include "update/qt/curl_http_client.h"
 #include "update/qt/qt_background.h"
-#include "update/qt/qt_http_client.h"
 
 #include <QCoreApplication>
 
@@ -20,7 +20,7 @@ struct RealUpdates::Parts {
           app(session, [] { QCoreApplication::quit(); }) {}
 
     OwnBundle bundle;
-    QtHttpClient http;
+    CurlHttpClient http;
     LinuxInstaller installer;
     DesktopControl app;
     QtBackground background; ///< last, for its work uses the others until it has gone
