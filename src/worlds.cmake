@@ -217,11 +217,14 @@ if(WEGSLOT_UPDATES)
 
   wegslot_module(update_qt
     FILES
-      update/qt/curl_http_client.cpp update/qt/curl_http_client.h update/qt/qt_background.cpp
-      update/qt/qt_background.h update/qt/web_address.cpp update/qt/web_address.h
+      update/qt/curl_http_client.cpp update/qt/curl_http_client.h update/qt/curl_library.cpp
+      update/qt/curl_library.h update/qt/qt_background.cpp update/qt/qt_background.h
+      update/qt/web_address.cpp update/qt/web_address.h
     TESTS update/qt/qt_background_test.cpp
     USES base update
-    LIBRARIES Qt6::Core PkgConfig::CURL)
+    LIBRARIES Qt6::Core)
+  # Its declarations alone: it is loaded when it is first needed.
+  target_include_directories(wegslot_update_qt PRIVATE ${CURL_INCLUDE_DIRS})
 
   wegslot_module(real_updates_web
     FILES app/qt/real_updates.cpp

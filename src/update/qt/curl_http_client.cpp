@@ -1,8 +1,7 @@
 #include "update/qt/curl_http_client.h"
 
+#include "update/qt/curl_library.h"
 #include "update/qt/web_address.h"
-
-#include <curl/curl.h>
 
 #include <QObject>
 #include <QSocketNotifier>
@@ -26,13 +25,13 @@ constexpr int mostRedirects = 10;
 constexpr std::size_t mostHeaders = 64 * 1024;
 
 struct EasyEnd {
-    void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+    void operator()(CURL* easy) const { curl().easy_cleanup(easy); }
 };
 struct MultiEnd {
-    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    void operator()(CURLM* multi) const { curl().multi_cleanup(multi); }
 };
 struct HeadersEnd {
-    void operator()(curl_slist* headers) const { curl_slist_free_all(headers); }
+    void operator()(curl_slist* headers) const { curl().slist_free_all(headers); }
 };
 /// Later, because it may be its own signal that ends it.
 struct NotifierEnd {
@@ -50,7 +49,7 @@ std::unique_ptr<curl_slist, HeadersEnd> requestHeaders() {
              "Accept-Encoding: identity", //
              "Accept-Language: *",        // the user's own is nobody's business
          })
-        list = curl_slist_append(list, header);
+        list = curl().slist_append(list, header);
     return std::unique_ptr<curl_slist, HeadersEnd>(list);
 }
 
@@ -90,14 +89,14 @@ private:
 
     template <typename Value>
     void set(CURLoption option, Value value) {
-        curl_easy_setopt(easy_.get(), option, value);
+        curl().easy_setopt(easy_.get(), option, value);
     }
 
     void prepareLoop() {
-        curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, this);
-        curl_multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &Transfer::watch);
-        curl_multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, this);
-        curl_multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &Transfer::wake);
+        curl().multi_setopt(multi_.get(), CURLMOPT_SOCKETDATA, this);
+        curl().multi_setopt(multi_.get(), CURLMOPT_SOCKETFUNCTION, &Transfer::watch);
+        curl().multi_setopt(multi_.get(), CURLMOPT_TIMERDATA, this);
+        curl().multi_setopt(multi_.get(), CURLMOPT_TIMERFUNCTION, &Transfer::wake);
         due_.setSingleShot(true);
         connect(&due_, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
     }
@@ -126,7 +125,7 @@ private:
     void fetch() {
         error_.front() = '\0';
         set(CURLOPT_URL, at_.c_str());
-        curl_multi_add_handle(multi_.get(), easy_.get());
+        curl().multi_add_handle(multi_.get(), easy_.get());
         silence_.start();
     }
 
@@ -134,12 +133,12 @@ private:
     void act(curl_socket_t socket, int events) {
         if ((events & CURL_CSELECT_IN) != 0) silence_.start();
         int running = 0;
-        curl_multi_socket_action(multi_.get(), socket, events, &running);
+        curl().multi_socket_action(multi_.get(), socket, events, &running);
         int left = 0;
-        const CURLMsg* const message = curl_multi_info_read(multi_.get(), &left);
+        const CURLMsg* const message = curl().multi_info_read(multi_.get(), &left);
         if (message == nullptr || message->msg != CURLMSG_DONE) return;
         const CURLcode result = message->data.result;
-        curl_multi_remove_handle(multi_.get(), easy_.get());
+        curl().multi_remove_handle(multi_.get(), easy_.get());
         finish(result);
     }
 
@@ -150,13 +149,13 @@ private:
             return end(HttpResponse{statusOk, std::move(body_)});
         curl_header* location = nullptr;
         const bool leadsOn =
-            status / 100 == 3 &&
-            curl_easy_header(easy_.get(), "Location", 0, CURLH_HEADER, -1, &location) == CURLHE_OK;
+            status / 100 == 3 && curl().easy_header(easy_.get(), "Location", 0, CURLH_HEADER, -1,
+                                                    &location) == CURLHE_OK;
         if (leadsOn && ++redirects_ <= mostRedirects) return redirect(location->value);
         // A server that says no has answered; one that stops in its answer has not.
         if (status != 0 && status != statusOk)
             return end(HttpResponse{static_cast<int>(status), {}});
-        end(Failure{error_.front() != '\0' ? error_.data() : curl_easy_strerror(result)});
+        end(Failure{error_.front() != '\0' ? error_.data() : curl().easy_strerror(result)});
     }
 
     void redirect(std::string_view location) {
@@ -169,7 +168,7 @@ private:
 
     [[nodiscard]] long status() {
         long status = 0;
-        curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+        curl().easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
         return status;
     }
 
@@ -179,7 +178,7 @@ private:
     void end(Result<HttpResponse> result) {
         silence_.stop();
         patience_.stop();
-        curl_multi_remove_handle(multi_.get(), easy_.get());
+        curl().multi_remove_handle(multi_.get(), easy_.get());
         if (const auto done = std::exchange(done_, nullptr)) done(std::move(result));
     }
 
@@ -199,7 +198,7 @@ private:
     bool take(const char* data, std::size_t size) {
         if (status() != statusOk) return false; // why a server says no is not asked
         curl_off_t said = 0;
-        curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &said);
+        curl().easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &said);
         const auto announced = static_cast<std::size_t>(std::max<curl_off_t>(said, 0));
         isTooMuch_ = std::max(announced, body_.size() + size) > request_.most;
         if (isTooMuch_) return false;
@@ -252,9 +251,19 @@ private:
     std::array<char, CURL_ERROR_SIZE> error_{};
     std::unique_ptr<curl_slist, HeadersEnd> headers_ = requestHeaders();
     // Ended first, for both call back while they end.
-    std::unique_ptr<CURLM, MultiEnd> multi_{curl_multi_init()};
-    std::unique_ptr<CURL, EasyEnd> easy_{curl_easy_init()};
+    std::unique_ptr<CURLM, MultiEnd> multi_{curl().multi_init()};
+    std::unique_ptr<CURL, EasyEnd> easy_{curl().easy_init()};
 };
+
+Handle saidLater(Failure failure, HttpClient::Done done) {
+    const std::shared_ptr<QTimer> timer(std::make_unique<QTimer>().release(),
+                                        [](QTimer* ended) { ended->deleteLater(); });
+    timer->setSingleShot(true);
+    QObject::connect(timer.get(), &QTimer::timeout,
+                     [failure = std::move(failure), done = std::move(done)] { done(failure); });
+    timer->start(0);
+    return Handle{[timer] { timer->stop(); }};
+}
 
 } // namespace
 
@@ -264,8 +273,8 @@ std::optional<std::string> CurlHttpClient::resolve(std::string_view base,
 }
 
 Handle CurlHttpClient::get(HttpRequest request, Done done) {
-    static const CURLcode prepared = curl_global_init(CURL_GLOBAL_DEFAULT);
-    static_cast<void>(prepared);
+    if (const auto& library = CurlLibrary::loaded(); !library)
+        return saidLater(library.failure(), std::move(done));
     // Later, because it may be its own slot that lets go of it.
     const auto dying = [](Transfer* transfer) { transfer->deleteLater(); };
     const std::shared_ptr<Transfer> transfer(

@@ -1,7 +1,8 @@
 #include "update/qt/web_address.h"
 
+#include "update/qt/curl_library.h"
+
 #include <arpa/inet.h>
-#include <curl/curl.h>
 #include <netinet/in.h>
 
 #include <cstddef>
@@ -11,7 +12,7 @@ namespace wegslot {
 namespace {
 
 struct UrlEnd {
-    void operator()(CURLU* url) const { curl_url_cleanup(url); }
+    void operator()(CURLU* url) const { curl().url_cleanup(url); }
 };
 using Url = std::unique_ptr<CURLU, UrlEnd>;
 
@@ -20,17 +21,18 @@ constexpr unsigned anyScheme = CURLU_NON_SUPPORT_SCHEME;
 
 std::string partOf(const Url& url, CURLUPart part) {
     char* text = nullptr;
-    if (curl_url_get(url.get(), part, &text, 0) != CURLUE_OK) return {};
-    const std::unique_ptr<char, decltype(&curl_free)> owned(text, &curl_free);
+    if (curl().url_get(url.get(), part, &text, 0) != CURLUE_OK) return {};
+    const std::unique_ptr<char, decltype(&curl_free)> owned(text, curl().free);
     return owned.get();
 }
 
 /// Null for what is none.
 Url parsed(std::string_view base, std::string_view reference, unsigned flags) {
-    Url url(curl_url());
+    if (!CurlLibrary::loaded()) return nullptr;
+    Url url(curl().url());
     for (const std::string_view text : {base, reference})
-        if (!text.empty() && curl_url_set(url.get(), CURLUPART_URL, std::string(text).c_str(),
-                                          anyScheme | flags) != CURLUE_OK)
+        if (!text.empty() && curl().url_set(url.get(), CURLUPART_URL, std::string(text).c_str(),
+                                            anyScheme | flags) != CURLUE_OK)
             return nullptr;
     return url;
 }
