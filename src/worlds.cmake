@@ -91,7 +91,8 @@ wegslot_module(media_linux
 
 wegslot_module(hud_linux
   FILES
-    hud/linux/notice.cpp hud/linux/notice.h hud/linux/warning_notification.cpp
+    hud/linux/notice.cpp hud/linux/notice.h hud/linux/notifications.cpp
+    hud/linux/notifications.h hud/linux/warning_notification.cpp
     hud/linux/warning_notification.h
     hud/linux/warning_sound.cpp hud/linux/warning_sound.h
   USES base hud dbus

@@ -1,23 +1,11 @@
 #include "hud/linux/notice.h"
 
+#include "hud/linux/notifications.h"
+
 #include <utility>
 
 namespace wegslot {
 namespace {
-
-constexpr auto notifications = "org.freedesktop.Notifications";
-constexpr auto notificationsPath = "/org/freedesktop/Notifications";
-constexpr std::uint8_t staying = 2; ///< its urgency: critical ones do not go by themselves
-constexpr std::int32_t never = 0;
-
-dbus::Call toDesktop(const char* member, std::vector<dbus::Argument> arguments) {
-    return {.destination = notifications,
-            .path = notificationsPath,
-            .interface = notifications,
-            .member = member,
-            .arguments = std::move(arguments),
-            .autoStart = true};
-}
 
 /// Some desktops take the text for markup, others do not: signs of it are left out for both.
 std::string withoutMarkup(std::string text) {
@@ -35,7 +23,7 @@ Notice::Notice(dbus::Connection& session, std::string title, std::string text)
 }
 
 Notice::~Notice() {
-    if (bus_ != nullptr && id_) bus_->send(toDesktop("CloseNotification", {*id_}));
+    if (bus_ != nullptr && id_) bus_->send(notifications::close(*id_));
 }
 
 void Notice::busChanged(dbus::Bus* bus) {
@@ -47,8 +35,9 @@ void Notice::busChanged(dbus::Bus* bus) {
     bus_ = bus;
     if (bus == nullptr) return;
     // At login who shows notifications may come after us, or come when the first one is asked for.
-    owner_ = bus->followOwner(
-        notifications, [this](const std::optional<std::string>& owner) { ownerChanged(owner); });
+    owner_ =
+        bus->followOwner(notifications::service,
+                         [this](const std::optional<std::string>& owner) { ownerChanged(owner); });
 }
 
 void Notice::ownerChanged(const std::optional<std::string>& owner) {
@@ -59,18 +48,11 @@ void Notice::ownerChanged(const std::optional<std::string>& owner) {
 
 void Notice::show() {
     isAsking_ = true;
-    const dbus::Dictionary hints{{"urgency", staying},
-                                 {"desktop-entry", std::string("nl.wegslot.Wegslot")}};
-    answer_ = bus_->call(toDesktop("Notify", {std::string("Wegslot"), std::uint32_t{0},
-                                              std::string("nl.wegslot.Wegslot"), title_, text_,
-                                              std::vector<std::string>{}, hints, never}),
+    answer_ = bus_->call(notifications::notify({.title = title_, .text = text_}),
                          [this](const dbus::Message& answer) {
                              isAsking_ = false;
                              isRefused_ = answer.error().has_value();
-                             if (isRefused_) return;
-                             if (const auto id = answer.read().integer();
-                                 id && std::in_range<std::uint32_t>(*id))
-                                 id_ = static_cast<std::uint32_t>(*id);
+                             if (!isRefused_) id_ = notifications::idIn(answer.read());
                          });
 }
 

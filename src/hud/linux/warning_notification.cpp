@@ -1,5 +1,7 @@
 #include "hud/linux/warning_notification.h"
 
+#include "hud/linux/notifications.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -7,20 +9,7 @@
 namespace wegslot {
 namespace {
 
-constexpr auto service = "org.freedesktop.Notifications";
-constexpr auto path = "/org/freedesktop/Notifications";
 constexpr auto cancelAction = "ik-ben-er-nog";
-constexpr std::uint8_t critical = 2;
-constexpr std::int32_t untilClosed = 0;
-
-dbus::Call callTo(const char* member, std::vector<dbus::Argument> arguments) {
-    return {.destination = service,
-            .path = path,
-            .interface = service,
-            .member = member,
-            .arguments = std::move(arguments),
-            .autoStart = true}; // those of small desktops are started by the first notification
-}
 
 /// Names of devices are anybody's; in a text with markup their signs must stay signs.
 std::string escaped(std::string_view text) {
@@ -36,10 +25,6 @@ std::string escaped(std::string_view text) {
             result += sign;
     }
     return result;
-}
-
-std::uint32_t number(std::optional<std::int64_t> value) {
-    return value && std::in_range<std::uint32_t>(*value) ? static_cast<std::uint32_t>(*value) : 0;
 }
 
 } // namespace
@@ -68,18 +53,20 @@ WarningNotification::~WarningNotification() { hide(); }
 void WarningNotification::listen() {
     const auto listenTo = [this](const char* member, dbus::Bus::Listener listener) {
         signals_.push_back(bus_->onSignal(
-            service, {.interface = service, .member = member, .path = path}, std::move(listener)));
+            notifications::service,
+            {.interface = notifications::service, .member = member, .path = notifications::path},
+            std::move(listener)));
     };
     listenTo("ActionInvoked", [this](const dbus::Message& signal) {
         dbus::Reader reader = signal.read();
-        const auto id = number(reader.integer());
-        if (!current_ || current_->id != id || reader.text() != cancelAction) return;
+        const auto id = notifications::idIn(reader);
+        if (!isCurrent(id) || reader.text() != cancelAction) return;
         // A copy: the call may end this notification.
         if (const auto onCancel = current_->onCancel) onCancel();
     });
     listenTo("NotificationClosed", [this](const dbus::Message& signal) {
-        const auto id = number(signal.read().integer());
-        if (current_ && current_->id == id) current_.reset(); // a new one may get its number
+        // A new one may get its number.
+        if (isCurrent(notifications::idIn(signal.read()))) current_.reset();
     });
 }
 
@@ -95,7 +82,7 @@ void WarningNotification::show(TimePoint, Seconds, const std::string& message,
 
 void WarningNotification::ask(const std::shared_ptr<Notification>& notification) {
     notification->answer = bus_->call(
-        callTo("GetCapabilities", {}),
+        notifications::callTo("GetCapabilities", {}),
         [this, held = std::weak_ptr(notification)](const dbus::Message& answer) {
             const auto asked = held.lock();
             if (!asked || asked != current_ || answer.error()) return;
@@ -107,19 +94,15 @@ void WarningNotification::ask(const std::shared_ptr<Notification>& notification)
 void WarningNotification::notify(const std::shared_ptr<Notification>& notification, bool asMarkup) {
     const std::string& message = notification->message;
     notification->asked = true;
-    const dbus::Dictionary hints{
-        {"urgency", critical},
-        {"transient", true},      // not to be found in a list of what was missed
-        {"suppress-sound", true}, // the warning has its own
-        {"desktop-entry", std::string("nl.wegslot.Wegslot")}};
-    const std::vector<std::string> actions{cancelAction, "Ik ben er nog"};
     notification->answer = bus_->call(
-        callTo("Notify", {std::string("Wegslot"), std::uint32_t{0},
-                          std::string("nl.wegslot.Wegslot"), std::string("Je Mac lockt zo"),
-                          asMarkup ? escaped(message) : message, actions, hints, untilClosed}),
+        notifications::notify({.title = "Je Mac lockt zo",
+                               .text = asMarkup ? escaped(message) : message,
+                               .actions = {cancelAction, "Ik ben er nog"},
+                               .hints = {{"transient", true}, // in no list of what was missed
+                                         {"suppress-sound", true}}}), // the warning has its own
         [this, held = std::weak_ptr(notification)](const dbus::Message& answer) {
             if (const auto asked = held.lock())
-                shown(asked, answer.error() ? 0 : number(answer.read().integer()));
+                shown(asked, answer.error() ? 0 : notifications::idIn(answer.read()).value_or(0));
         });
 }
 
@@ -143,6 +126,10 @@ void WarningNotification::hide() {
     if (notification->asked) leaving_.push_back(notification);
 }
 
-void WarningNotification::close(std::uint32_t id) { bus_->send(callTo("CloseNotification", {id})); }
+bool WarningNotification::isCurrent(std::optional<std::uint32_t> id) const {
+    return id && current_ && current_->id == id;
+}
+
+void WarningNotification::close(std::uint32_t id) { bus_->send(notifications::close(id)); }
 
 } // namespace wegslot

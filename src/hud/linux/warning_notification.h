@@ -29,6 +29,7 @@ private:
     void ask(const std::shared_ptr<Notification>& notification);
     void notify(const std::shared_ptr<Notification>& notification, bool asMarkup);
     void shown(const std::shared_ptr<Notification>& notification, std::uint32_t id);
+    [[nodiscard]] bool isCurrent(std::optional<std::uint32_t> id) const;
     void close(std::uint32_t id);
 
     dbus::Bus* bus_ = nullptr;
