@@ -8,6 +8,11 @@ LockCommand LockerLock::command() const {
     return own_.empty() ? installedLocker(processes_, display_) : own_;
 }
 
+void LockerLock::setOwn(LockCommand own) {
+    own_ = std::move(own);
+    watch_.setPatterns(lockerPatterns(own_));
+}
+
 void LockerLock::request(std::function<void()> refused) {
     if (watch_.look()) return; // two would fight for the screen
     const LockCommand words = command();

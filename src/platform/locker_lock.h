@@ -19,6 +19,9 @@ public:
           own_(std::move(own)),
           display_(display) {}
 
+    /// Another command from now on; a locker that runs goes on, and is followed to its end.
+    void setOwn(LockCommand own);
+
     /// Refuses when there is no program to start, or it cannot be started, which is logged.
     void request(std::function<void()> refused) override;
 

@@ -53,6 +53,25 @@ TEST_F(LockerLockTest, TheUsersCommandIsPreferredOnAnyDisplay) {
     EXPECT_EQ(processes.started.back(), (LockCommand{"mylock", "--now", "two words"}));
 }
 
+TEST_F(LockerLockTest, AnotherCommandCountsFromTheNextLockAndIsKnownWhoeverStartedIt) {
+    processes.installed = {"oldlock", "newlock"};
+    LockerWatch watch{processes, time, lockerPatterns({"oldlock"})};
+    LockerLock lock{processes, watch, {"oldlock"}, DisplayKind::none};
+    lock.request([] {});
+    lock.setOwn({"newlock", "-f"});
+    lock.request([] {});
+    EXPECT_EQ(processes.started,
+              (std::vector<LockCommand>{{"oldlock"}})); // it still has the screen
+    processes.end(processes.latest());
+    lock.request([] {});
+    ASSERT_EQ(processes.started.size(), 2U);
+    EXPECT_EQ(processes.started.back(), (LockCommand{"newlock", "-f"}));
+    processes.end(processes.latest());
+    EXPECT_FALSE(watch.look());
+    processes.appear(LockCommand{"newlock", "-f"});
+    EXPECT_TRUE(watch.look());
+}
+
 TEST_F(LockerLockTest, ACommandThatCannotBeStartedIsLoggedAndRefused) {
     request({"mylokc"}, DisplayKind::wayland);
     EXPECT_EQ(refusals, 1);

@@ -8,6 +8,7 @@
 #include "platform/processes.h"
 
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace wegslot {
@@ -25,6 +26,9 @@ public:
 
     /// Whether a locker has been running long enough to have locked the screen.
     [[nodiscard]] const Observable<bool>& locked() const { return locked_; }
+
+    /// What counts as a locker from now on; those that were found stay.
+    void setPatterns(std::vector<ProcessPattern> patterns) { patterns_ = std::move(patterns); }
 
     /// A lock has been asked for, by whomever: looks for a locker now and then.
     void expect();

@@ -257,6 +257,18 @@ TEST_F(ControlTest, FollowingTellsEachPhaseOfADepartureWithItsReason) {
         Words names;
         std::istringstream lines(follower.output());
         for (std::string line; std::getline(lines, line);)
+TEST_F(ControlTest, ALockCommandThatIsTypedWhileItRunsCountsAtTheNextLock) {
+    start();
+    const auto locked = home.path() / "locked";
+    std::string typed = home.preferences();
+    typed.replace(typed.find("Telefoon"), 8, "Mobieltje"); // by which we see that it was read
+    typed.insert(typed.rfind('}'), R"(, "lockCommand": ["touch", ")" + locked.string() + "\"]");
+    home.setPreferences(typed);
+    ASSERT_TRUE(happens([this] { return wegslot({"keys"}).said.find("Mobieltje") < 80; }));
+    EXPECT_EQ(wegslot({"lock"}).status, 0);
+    EXPECT_TRUE(happens([&locked] { return std::filesystem::exists(locked); })) << home.log();
+}
+
             if (line.ends_with('}')) names.push_back(Json::parse(line).at("phase"));
         return names;
     };

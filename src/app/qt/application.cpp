@@ -114,13 +114,6 @@ private:
     StandardOutput output_;
 };
 
-LockCommand ownLockCommand(const PreferencesStore& preferences) {
-    const auto words = lockCommand(preferences);
-    if (words) return *words;
-    Log::write(words.failure().message);
-    return {};
-}
-
 /// For commands that watch the keys and warn nobody.
 AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
     return {preferences, world.central, world.platform,
@@ -152,7 +145,6 @@ struct Execute {
                                               .clock = clock,
                                               .preferences = preferences,
                                               .preferencesPath = preferencesPath,
-                                              .lock = ownLockCommand(preferences),
                                               .log = FileLog::pathUnder(folders::home()),
                                               .lockTrouble = lockTrouble,
                                               .program = program,
@@ -162,7 +154,7 @@ struct Execute {
         return QCoreApplication::exec();
     }
     int operator()(const command::Snapshot& picture) const {
-        RealWorld world(scheduler, clock, LockCommand{});
+        RealWorld world(scheduler, clock);
         ListeningCentral central(world.central);
         RecordedLock lock([] {}); // nothing is locked for a picture
         AppModel model({preferences,
@@ -178,14 +170,14 @@ struct Execute {
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
-        RealWorld world(scheduler, clock, LockCommand{});
+        RealWorld world(scheduler, clock);
         AppModel model(around(preferences, world));
         GoingOn output;
         const DeviceListing listing(model, scheduler, devices.others, output.printer());
         return QCoreApplication::exec();
     }
     int operator()(const command::AddKey& command) const {
-        RealWorld world(scheduler, clock, LockCommand{});
+        RealWorld world(scheduler, clock);
         AppModel model(around(preferences, world));
         const KeyAdder adder(
             model, scheduler, command.id, [this] { return preferences.flush(); },
@@ -205,7 +197,8 @@ struct Execute {
     int operator()(const command::Check& options) const {
         const Settings settings(preferences);
         const auto own = lockCommand(preferences); // the check itself says if it is wrong
-        RealWorld world(scheduler, clock, own ? *own : LockCommand{});
+        RealWorld world(scheduler, clock);
+        if (own) world.lockerLock.setOwn(*own);
         const Check check(world, preferences, settings, scheduler, clock, folders::autostart(),
                           {.lock = options.lock, .json = options.json}, printLine, [](bool ok) {
                               QCoreApplication::exit(ok ? EXIT_SUCCESS : EXIT_FAILURE);

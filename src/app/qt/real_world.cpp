@@ -5,7 +5,7 @@
 
 namespace wegslot {
 
-RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own)
+RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
     : forgeries(clock),
       systemBus(dbus::systemBus(forgeries), pump, scheduler),
       sessionBus(dbus::sessionBus(forgeries), pump, scheduler),
@@ -16,7 +16,7 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
       session(systemBus),
       savers(sessionBus, scheduler),
       processes(descriptors),
-      lockers(processes, scheduler, lockerPatterns(own)),
+      lockers(processes, scheduler, lockerPatterns({})),
       watcher(session, savers, lockers),
       mutterIdle(sessionBus),
       waylandIdle(displayEnvironment(), clock, scheduler, descriptors),
@@ -29,7 +29,7 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand
                {&microphone}),
       logindLock(session),
       saverLock(savers),
-      lockerLock(processes, lockers, own, displayKind(displayEnvironment())),
+      lockerLock(processes, lockers, LockCommand{}, displayKind(displayEnvironment())),
       lock({&logindLock, &saverLock, &lockerLock}, scheduler, watcher),
       platform{clock, scheduler, watcher, activity, lock} {}
 

@@ -30,8 +30,7 @@
 namespace wegslot {
 
 struct RealWorld {
-    /// `own`: the user's command to lock the screen; without words for none.
-    RealWorld(Scheduler& scheduler, const Clock& clock, const LockCommand& own);
+    RealWorld(Scheduler& scheduler, const Clock& clock);
 
     dbus::Forgeries forgeries;
     dbus::Connection systemBus;

@@ -5,6 +5,7 @@
 #include "app/qt/warning.h"
 #include "base/text.h"
 #include "control/phase_reason.h"
+#include "model/lock_command.h"
 #include "model/log.h"
 #include "recording/linux/descriptor_sink.h"
 #include "recording/linux/foreign_descriptor.h"
@@ -12,6 +13,8 @@
 #include "ui/qt/local_clock_time.h"
 
 #include <QCoreApplication>
+
+#include <utility>
 
 namespace wegslot {
 namespace {
@@ -27,7 +30,7 @@ void quit() { QCoreApplication::quit(); }
 
 RunningApplication::RunningApplication(const Setting& setting)
     : setting_(setting),
-      world_(setting.scheduler, setting.clock, setting.lock),
+      world_(setting.scheduler, setting.clock),
       updates_(world_.sessionBus),
       radio_(world_.central),
       model_([this] {
@@ -66,6 +69,8 @@ RunningApplication::RunningApplication(const Setting& setting)
       preferencesWatch_(world_.descriptors, setting.preferencesPath,
                         [this] { setting_.preferences.reread(); }) {
     tellTroubles();
+    takeLockCommand();
+    lockCommands_ = setting_.preferences.onChangeByOthers([this] { takeLockCommand(); });
     lockFailures_ =
         model_.monitor().phase().onChange([this](const Phase& next) { phaseChanged(next); });
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
@@ -94,6 +99,14 @@ void RunningApplication::tellTroubles() {
             preferencesNotice_.emplace(world_.sessionBus, "Wegslot kan je voorkeuren niet lezen",
                                        printable(fault->message));
     });
+}
+
+/// Who mends it does not wait for the next start with an open screen.
+void RunningApplication::takeLockCommand() {
+    const auto words = lockCommand(setting_.preferences);
+    world_.lockerLock.setOwn(words ? *words : LockCommand{});
+    const std::string fault = words ? "" : words.failure().message;
+    if (fault != std::exchange(lockCommandFault_, fault) && !fault.empty()) Log::write(fault);
 }
 
 void RunningApplication::openLog() {

@@ -32,7 +32,6 @@ public:
         const Clock& clock;
         PreferencesFile& preferences;
         std::filesystem::path preferencesPath;
-        LockCommand lock;
         std::filesystem::path log;
         std::string lockTrouble; ///< why the lock of the preferences is another; empty if it is not
         BundleInfo program;      ///< what it is where no folder says so
@@ -55,6 +54,7 @@ private:
     void openWithoutIcon();
     void phaseChanged(const Phase& next);
     void tellTroubles();
+    void takeLockCommand();
 
     Setting setting_;
     RealWorld world_;
@@ -78,6 +78,8 @@ private:
     std::optional<Notice> notLockedNotice_;
     Subscription lockFailures_;
     FileWatch preferencesWatch_;
+    std::string lockCommandFault_;
+    Subscription lockCommands_;
     Subscription preferencesFault_;
 };
 
