@@ -152,10 +152,11 @@ std::string_view helpText() {
 
 Zonder opdracht start Wegslot: het lockt de sessie als je sleutels weg zijn.
 
-Een sleutel kiezen (terwijl Wegslot niet draait; --keys mag altijd):
+Een sleutel kiezen (toevoegen en verwijderen terwijl Wegslot niet draait):
   --devices [--others]  toon elke seconde de apparaten in de buurt: id, naam,
                         soort en signaal in dBm; --others ook die van andere
-                        makers; stop met Ctrl-C
+                        makers; draait Wegslot al, dan wat dat hoort; stop met
+                        Ctrl-C
   --add-key ID          wacht hoogstens 30 s op het apparaat en maak het een
                         sleutel
   --keys                toon de sleutels

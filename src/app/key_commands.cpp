@@ -1,6 +1,8 @@
 #include "app/key_commands.h"
 
 #include "base/text.h"
+#include "control/control_status.h"
+#include "control/control_text.h"
 #include "scanner/device_names.h"
 
 #include <algorithm>
@@ -8,20 +10,6 @@
 
 namespace wegslot {
 namespace {
-
-std::string kindOf(const SeenDevice& device) {
-    // What it would be called if it had no name.
-    SeenDevice nameless = device;
-    nameless.name.reset();
-    return nameless.displayName();
-}
-
-std::string row(const SeenDevice& device, bool changesAddress) {
-    const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
-    return device.id.text() + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
-           padded(printable(kindOf(device)), 18) + "  " + signal + " dBm" +
-           (changesAddress ? "  wisselt van adres" : "");
-}
 
 std::string row(const KeyDevice& key) {
     const std::string model = key.model ? DeviceNames::friendly(*key.model) : "-";
@@ -46,12 +34,10 @@ DeviceListing::DeviceListing(AppModel& model, Scheduler& scheduler, bool others,
 
 void DeviceListing::refresh() {
     scanner_.refreshSnapshot();
-    const auto& devices = scanner_.snapshot().get();
     print_("");
-    if (!scanner_.isPoweredOn()) return print_(scanner_.stateDescription());
-    if (devices.empty()) return print_("Nog geen apparaten gehoord");
-    for (const SeenDevice& device : devices)
-        print_(row(device, scanner_.changesAddress(device.id)));
+    for (const std::string& line :
+         control::nearbyLines(control::nearby(scanner_, scanner_.includeOtherDevices())))
+        print_(line);
 }
 
 KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep keep, Done done)

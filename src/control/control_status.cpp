@@ -18,6 +18,12 @@ std::optional<std::int64_t> pausedUntil(const Phase& phase, const Clock& clock) 
     return std::chrono::duration_cast<std::chrono::seconds>(until).count();
 }
 
+std::string kindOf(const SeenDevice& device) {
+    SeenDevice nameless = device;
+    nameless.name.reset();
+    return nameless.displayName();
+}
+
 std::optional<std::uint32_t> secondsIn(std::string_view unit) {
     if (unit.empty() || unit == "s" || unit == "sec") return 1;
     if (unit == "m" || unit == "min") return 60;
@@ -44,6 +50,22 @@ Status status(const Sources& sources) {
              .threshold = key.threshold});
     }
     return status;
+}
+
+Nearby nearby(const Scanner& scanner, bool others) {
+    Nearby nearby{.radio = scanner.isPoweredOn() ? "" : scanner.stateDescription(),
+                  .includesOthers = scanner.includeOtherDevices(),
+                  .devices = {}};
+    for (const SeenDevice& device : scanner.snapshot().get()) {
+        if (nearby.devices.size() == mostDevices) break;
+        if (!others && !device.isApple() && !scanner.watchedIDs().contains(device.id)) continue;
+        nearby.devices.push_back({.id = device.id.text(),
+                                  .name = device.name,
+                                  .kind = kindOf(device),
+                                  .rssi = device.rssi,
+                                  .changesAddress = scanner.changesAddress(device.id)});
+    }
+    return nearby;
 }
 
 Change change(const Sources& sources, const Phase& next) {

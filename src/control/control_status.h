@@ -13,6 +13,7 @@
 #include "scanner/scanner.h"
 #include "ui/phase_presentation.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,6 +23,9 @@
 namespace wegslot::control {
 
 inline constexpr auto interfaceName = "nl.wegslot.Wegslot1";
+
+/// More would make an answer that takes long to write, and nobody reads as many.
+inline constexpr std::size_t mostDevices = 1000;
 
 /// As long as the panel's longest.
 inline constexpr std::uint32_t longestPause = 14400;
@@ -45,6 +49,25 @@ struct Status {
     friend bool operator==(const Status&, const Status&) = default;
 };
 
+/// One of those that are heard nearby, a key or not.
+struct Device {
+    std::string id;
+    std::optional<std::string> name; ///< as it sends it, whatever characters
+    std::string kind;                ///< what it would be called without a name
+    std::optional<Dbm> rssi;         ///< smoothed; nothing while it is not heard
+    bool changesAddress = false;     ///< and is of no use as a key
+
+    friend bool operator==(const Device&, const Device&) = default;
+};
+
+struct Nearby {
+    std::string radio;           ///< Dutch, while it does not listen; empty while it does
+    bool includesOthers = false; ///< those of other makers are listened to as well
+    std::vector<Device> devices; ///< strongest first
+
+    friend bool operator==(const Nearby&, const Nearby&) = default;
+};
+
 struct Change {
     std::string phase;
     std::string text;
@@ -63,6 +86,10 @@ struct Sources {
 };
 
 [[nodiscard]] Status status(const Sources& sources);
+
+/// As of the scanner's last list, no more than `mostDevices`. Without `others`: what is Apple's or
+/// a key.
+[[nodiscard]] Nearby nearby(const Scanner& scanner, bool others);
 
 /// From within a listener of the monitor's phase, which is told `next`.
 [[nodiscard]] Change change(const Sources& sources, const Phase& next);

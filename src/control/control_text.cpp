@@ -24,6 +24,13 @@ std::string row(const Key& key) {
            padded(signal, 8) + "  drempel " + decimal(key.threshold.value) + " dBm";
 }
 
+std::string row(const Device& device) {
+    const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
+    return printable(device.id) + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
+           padded(printable(device.kind), 18) + "  " + signal + " dBm" +
+           (device.changesAddress ? "  wisselt van adres" : "");
+}
+
 Json json(const Key& key) {
     return {{"id", key.id},
             {"name", key.name},
@@ -59,6 +66,15 @@ std::string keysText(const Status& status) {
     for (const Key& key : status.keys)
         text += (text.empty() ? "" : "\n") + key.id + "  " + row(key);
     return text;
+}
+
+std::vector<std::string> nearbyLines(const Nearby& nearby) {
+    if (!nearby.radio.empty()) return {printable(nearby.radio)};
+    if (nearby.devices.empty()) return {"Nog geen apparaten gehoord"};
+    std::vector<std::string> lines;
+    for (const Device& device : nearby.devices)
+        lines.push_back(row(device));
+    return lines;
 }
 
 std::string changeText(const Change& change, std::string_view clock) {

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace wegslot::control {
 
@@ -13,6 +14,9 @@ namespace wegslot::control {
 
 /// A line a key, its id first; says so when there are none.
 [[nodiscard]] std::string keysText(const Status& status);
+
+/// A line a device, its id first; what is the matter where there are none.
+[[nodiscard]] std::vector<std::string> nearbyLines(const Nearby& nearby);
 
 /// `clock`: "14:02:11", when it was heard of.
 [[nodiscard]] std::string changeText(const Change& change, std::string_view clock);

@@ -20,6 +20,10 @@ struct Status {
 struct Keys {
     bool json = false;
 };
+/// Tell each second what is nearby, until it is ended.
+struct Devices {
+    bool others = false; ///< of other makers too
+};
 struct Lock {};
 struct Pause {
     std::uint32_t seconds; ///< 1 to `longestPause`
@@ -35,8 +39,8 @@ struct Record {
 
 } // namespace request
 
-using Request = std::variant<request::Status, request::Keys, request::Lock, request::Pause,
-                             request::Resume, request::UpdateNow, request::Record>;
+using Request = std::variant<request::Status, request::Keys, request::Devices, request::Lock,
+                             request::Pause, request::Resume, request::UpdateNow, request::Record>;
 
 /// Whether `word` is the first of a request.
 [[nodiscard]] bool isRequest(std::string_view word);

@@ -176,6 +176,44 @@ TEST_F(ControlTest, StatusAndKeysAreWhatThePanelShows) {
     EXPECT_TRUE(wegslot({"keys"}).said.starts_with(id + "  Telefoon"));
 }
 
+TEST_F(ControlTest, DevicesAreToldByTheOneThatRunsInsteadOfASecondScan) {
+    const std::string other = "AA:BB:CC:DD:EE:02";
+    std::string preferences = home.preferences();
+    home.setPreferences(preferences.insert(1, R"("showOtherDevices": true, )"));
+    bluez.addDevice(
+        other, -60,
+        {{"AddressType", std::string("public")}, {"Name", std::string("Plaatje\x1B[2J")}});
+    start();
+    bluez.report(other, -61, {});
+    auto withoutRadio = variables;
+    withoutRadio["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=/nowhere";
+    Program own({.words = {WEGSLOT_PROGRAM, "--devices"}, .environment = withoutRadio});
+    Program all({.words = {WEGSLOT_PROGRAM, "--others", "--devices"}, .environment = withoutRadio});
+    const auto lines = [](const Program& listing, const std::string& start) {
+        std::istringstream text(listing.output());
+        Words found;
+        for (std::string line; std::getline(text, line);)
+            if (line.starts_with(start)) found.push_back(line);
+        return found;
+    };
+    const std::string otherId = deviceId(other, "public").text();
+    ASSERT_TRUE(happens([&] {
+        return lines(own, id).size() >= 3 && lines(all, otherId).size() >= 3;
+    })) << own.output()
+        << all.output() << home.log();
+    EXPECT_NE(lines(own, id).front().find("Telefoon"), std::string::npos) << own.output();
+    EXPECT_TRUE(lines(own, id).front().ends_with(" dBm")) << own.output();
+    EXPECT_EQ(lines(own, otherId), Words{});
+    EXPECT_NE(lines(all, otherId).front().find("Plaatje\uFFFD[2J"), std::string::npos);
+    for (const Program* const listing : {&own, &all})
+        EXPECT_EQ(lines(*listing, "wegslot: "),
+                  Words{"wegslot: Wegslot draait al: dit is wat het hoort"});
+    EXPECT_FALSE(logs("gevraagd door")); // it only tells
+    application->signal(SIGTERM);
+    ASSERT_TRUE(happens([&own] { return !own.isRunning(); }));
+    EXPECT_EQ(own.ended(), 3);
+}
+
 TEST_F(ControlTest, APauseHasItsEndIsLoggedWithWhoAskedAndCanBeEnded) {
     start();
     const auto asked = std::time(nullptr);
@@ -219,6 +257,18 @@ TEST_F(ControlTest, LockAsksTheSessionAndIsLogged) {
     })) << logind.program().output();
 }
 
+TEST_F(ControlTest, ALockCommandThatIsTypedWhileItRunsCountsAtTheNextLock) {
+    start();
+    const auto locked = home.path() / "locked";
+    std::string typed = home.preferences();
+    typed.replace(typed.find("Telefoon"), 8, "Mobieltje"); // by which we see that it was read
+    typed.insert(typed.rfind('}'), R"(, "lockCommand": ["touch", ")" + locked.string() + "\"]");
+    home.setPreferences(typed);
+    ASSERT_TRUE(happens([this] { return wegslot({"keys"}).said.find("Mobieltje") < 80; }));
+    EXPECT_EQ(wegslot({"lock"}).status, 0);
+    EXPECT_TRUE(happens([&locked] { return std::filesystem::exists(locked); })) << home.log();
+}
+
 TEST_F(ControlTest, ALockOfWhichNothingComesIsToldInANotification) {
     LookAlike desktop(loop, "org.freedesktop.Notifications");
     desktop.on("org.freedesktop.Notifications.Notify", [](LookAlike& self, sd_bus_message* call) {
@@ -257,18 +307,6 @@ TEST_F(ControlTest, FollowingTellsEachPhaseOfADepartureWithItsReason) {
         Words names;
         std::istringstream lines(follower.output());
         for (std::string line; std::getline(lines, line);)
-TEST_F(ControlTest, ALockCommandThatIsTypedWhileItRunsCountsAtTheNextLock) {
-    start();
-    const auto locked = home.path() / "locked";
-    std::string typed = home.preferences();
-    typed.replace(typed.find("Telefoon"), 8, "Mobieltje"); // by which we see that it was read
-    typed.insert(typed.rfind('}'), R"(, "lockCommand": ["touch", ")" + locked.string() + "\"]");
-    home.setPreferences(typed);
-    ASSERT_TRUE(happens([this] { return wegslot({"keys"}).said.find("Mobieltje") < 80; }));
-    EXPECT_EQ(wegslot({"lock"}).status, 0);
-    EXPECT_TRUE(happens([&locked] { return std::filesystem::exists(locked); })) << home.log();
-}
-
             if (line.ends_with('}')) names.push_back(Json::parse(line).at("phase"));
         return names;
     };

@@ -235,7 +235,7 @@ bool showsItself(Scheduler& scheduler, const Clock& clock) {
 }
 
 /// Asks a Wegslot that runs already; the exit status. `absence`: what it means that none is found.
-int ask(control::Request request, const Clock& clock,
+int ask(control::Request request, const Clock& clock, Scheduler& scheduler,
         const ControlClient::Failed& absence = ControlClient::absent()) {
     dbus::Forgeries forgeries(clock);
     const auto bus = dbus::Bus::openSession(forgeries);
@@ -246,7 +246,7 @@ int ask(control::Request request, const Clock& clock,
     const Handle driving = pump(**bus, [] { QCoreApplication::exit(EXIT_FAILURE); });
     GoingOn output;
     const ControlClient client(
-        **bus, clock, std::move(request),
+        **bus, clock, scheduler, std::move(request),
         {.print = output.printer(),
          .complain = [](std::string_view line) { complain(std::string(line)); },
          .end = [](int status) { QCoreApplication::exit(status); }},
@@ -258,14 +258,18 @@ Result<int> fileOf(const command::Recording& recording) {
     return recordingFile(recording.path, recording.force ? Existing::replaced : Existing::kept);
 }
 
-/// What is asked of the Wegslot that runs already, for one that was to start; nothing when that is
-/// to show itself.
-std::optional<control::Request> handedOver(const command::Run& run) {
-    if (run.updateNow) return control::request::UpdateNow{};
-    if (!run.recording) return std::nullopt;
+/// What is asked of the Wegslot that runs already instead of doing it here, if anything.
+std::optional<control::Request> handedOver(const Command& command) {
+    // A second scan would take the radio's time from the guard's.
+    if (const auto* const devices = std::get_if<command::Devices>(&command))
+        return control::request::Devices{.others = devices->others};
+    const auto* const run = std::get_if<command::Run>(&command);
+    if (run == nullptr) return std::nullopt;
+    if (run->updateNow) return control::request::UpdateNow{};
+    if (!run->recording) return std::nullopt;
     return control::request::Record{
-        .open = [recording = *run.recording] { return fileOf(recording); },
-        .anonymous = run.recording->anonymous};
+        .open = [recording = *run->recording] { return fileOf(recording); },
+        .anonymous = run->recording->anonymous};
 }
 
 constexpr auto alreadyRuns = "Wegslot draait al; stop het eerst";
@@ -305,7 +309,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     }
 
     if (const auto* const asked = std::get_if<command::Ask>(&command))
-        return ended(ask(asked->request, clock));
+        return ended(ask(asked->request, clock, scheduler));
 
     const fs::path preferencesPath = PreferencesFile::pathUnder(folders::configuration());
     // These look on, beside a Wegslot that runs.
@@ -320,11 +324,11 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(lockFolders(preferencesPath));
     if (lock.outcome() == InstanceLock::Outcome::heldByAnother) {
-        if (run == nullptr) return complain(alreadyRuns);
-        if (run->updateNow && run->recording)
+        if (run != nullptr && run->updateNow && run->recording)
             return complain("Wegslot draait al: vraag --update-now en --record apart");
-        if (auto request = handedOver(*run))
-            return ended(ask(*std::move(request), clock, {alreadyRuns, EXIT_FAILURE}));
+        if (auto request = handedOver(command))
+            return ended(ask(*std::move(request), clock, scheduler, {alreadyRuns, EXIT_FAILURE}));
+        if (run == nullptr) return complain(alreadyRuns);
         return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns);
     }
     if (lock.outcome() == InstanceLock::Outcome::impossible) {

@@ -26,6 +26,28 @@ control::Key readKey(std::string_view id, dbus::Reader& fields) {
     return key;
 }
 
+control::Device readDevice(std::string_view id, dbus::Reader& fields) {
+    control::Device device{.id = std::string(id), .name = {}, .kind = {}, .rssi = {}};
+    fields.properties([&device](std::string_view field, dbus::Reader& value) {
+        if (field == "Name") device.name = textOf(value);
+        if (field == "Kind") device.kind = textOf(value);
+        if (field == "ChangesAddress") device.changesAddress = value.boolean().value_or(false);
+        if (field != "Rssi") return;
+        if (const auto rssi = value.real()) device.rssi = Dbm{*rssi};
+    });
+    return device;
+}
+
+control::Nearby readNearbyFrom(dbus::Reader& answer) {
+    control::Nearby nearby;
+    nearby.radio = textOf(answer);
+    nearby.includesOthers = answer.boolean().value_or(false);
+    answer.interfaces([&nearby](std::string_view id, dbus::Reader& fields) {
+        nearby.devices.push_back(readDevice(id, fields));
+    });
+    return nearby;
+}
+
 control::Status readStatusFrom(dbus::Reader& answer) {
     control::Status status;
     answer.properties([&status](std::string_view property, dbus::Reader& value) {
@@ -64,6 +86,7 @@ struct ControlClient::Ask {
             this_->end(EXIT_SUCCESS);
         });
     }
+    void operator()(const control::request::Devices& request) const { client.list(request.others); }
     void operator()(const control::request::Lock&) const { simply("Lock", {}, ""); }
     void operator()(const control::request::Pause& request) const {
         simply("Pause", {request.seconds}, "");
@@ -96,10 +119,11 @@ struct ControlClient::Ask {
     }
 };
 
-ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request,
-                             Output output, Failed absence)
+ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, Scheduler& scheduler,
+                             control::Request request, Output output, Failed absence)
     : bus_(bus),
       clock_(clock),
+      scheduler_(scheduler),
       request_(std::move(request)),
       output_(std::move(output)),
       absence_(std::move(absence)) {
@@ -158,6 +182,22 @@ void ControlClient::follow(bool json) {
     });
 }
 
+void ControlClient::list(bool others) {
+    call(control::interfaceName, "Devices", {others}, [this, others](dbus::Reader& answer) {
+        const control::Nearby nearby = readNearbyFrom(answer);
+        if (!std::exchange(listIsExplained_, true))
+            output_.complain(std::string("Wegslot draait al: dit is wat het hoort") +
+                             (others && !nearby.includesOthers
+                                  ? "; andere apparaten met \"Toon ook andere "
+                                    "Bluetooth-apparaten\" in het paneel"
+                                  : ""));
+        output_.print("");
+        for (const std::string& line : control::nearbyLines(nearby))
+            output_.print(line);
+        again_ = scheduler_.after(std::chrono::seconds{1}, [this, others] { list(others); });
+    });
+}
+
 void ControlClient::fail(const Failed& failed) {
     output_.complain(failed.message);
     end(failed.status);
@@ -166,6 +206,7 @@ void ControlClient::fail(const Failed& failed) {
 void ControlClient::end(int status) {
     owners_.reset();
     changes_.reset();
+    again_.reset();
     const auto act = output_.end; // a copy: it may end this
     act(status);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/clock.h"
+#include "base/scheduler.h"
 #include "control/control_status.h"
 #include "control/request.h"
 #include "dbus/bus.h"
@@ -36,8 +37,8 @@ public:
 
     /// `bus` must be driven, and outlive this. `absence`: the message and the status when no
     /// Wegslot is to be found there.
-    ControlClient(dbus::Bus& bus, const Clock& clock, control::Request request, Output output,
-                  Failed absence = absent());
+    ControlClient(dbus::Bus& bus, const Clock& clock, Scheduler& scheduler,
+                  control::Request request, Output output, Failed absence = absent());
     ControlClient(const ControlClient&) = delete;
     ControlClient& operator=(const ControlClient&) = delete;
 
@@ -49,19 +50,23 @@ private:
               std::function<void(dbus::Reader&)> done);
     void readStatus(std::function<void(const control::Status&)> done);
     void follow(bool json);
+    void list(bool others);
     void fail(const Failed& failed);
     void end(int status);
 
     dbus::Bus& bus_;
     const Clock& clock_;
+    Scheduler& scheduler_;
     control::Request request_;
     Output output_;
     Failed absence_;
     std::string owner_;
     bool statusIsTold_ = false;
+    bool listIsExplained_ = false;
     Subscription calling_;
     Subscription changes_;
     Subscription owners_;
+    Timer again_;
 };
 
 } // namespace wegslot

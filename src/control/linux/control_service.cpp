@@ -12,19 +12,34 @@
 namespace wegslot {
 namespace {
 
-void writeKey(dbus::Writer& entries, const control::Key& key) {
-    const auto field = [&entries](const char* name, const char* signature,
-                                  const dbus::Writer::Fill& write) {
+/// Appends fields of an a{sv}.
+auto fieldsIn(dbus::Writer& entries) {
+    return [&entries](const char* name, const char* signature, const dbus::Writer::Fill& write) {
         entries.entry("sv", [&](dbus::Writer& entry) {
             entry.text(name);
             entry.variant(signature, write);
         });
     };
+}
+
+void writeKey(dbus::Writer& entries, const control::Key& key) {
+    const auto field = fieldsIn(entries);
     // What is no UTF-8 would spoil the whole answer.
     field("Name", "s", [&](dbus::Writer& value) { value.text(printable(key.name)); });
     field("State", "s", [&](dbus::Writer& value) { value.text(key.state); });
     if (key.rssi) field("Rssi", "d", [&](dbus::Writer& value) { value.real(key.rssi->value); });
     field("Threshold", "d", [&](dbus::Writer& value) { value.real(key.threshold.value); });
+}
+
+void writeDevice(dbus::Writer& entries, const control::Device& device) {
+    const auto field = fieldsIn(entries);
+    if (device.name)
+        field("Name", "s", [&](dbus::Writer& value) { value.text(printable(*device.name)); });
+    field("Kind", "s", [&](dbus::Writer& value) { value.text(printable(device.kind)); });
+    if (device.rssi)
+        field("Rssi", "d", [&](dbus::Writer& value) { value.real(device.rssi->value); });
+    field("ChangesAddress", "b",
+          [&](dbus::Writer& value) { value.boolean(device.changesAddress); });
 }
 
 void writeKeys(dbus::Writer& value, const std::vector<control::Key>& keys) {
@@ -33,6 +48,19 @@ void writeKeys(dbus::Writer& value, const std::vector<control::Key>& keys) {
             list.entry("sa{sv}", [&key](dbus::Writer& entry) {
                 entry.text(key.id);
                 entry.array("{sv}", [&key](dbus::Writer& fields) { writeKey(fields, key); });
+            });
+    });
+}
+
+void writeNearby(dbus::Writer& answer, const control::Nearby& nearby) {
+    answer.text(printable(nearby.radio));
+    answer.boolean(nearby.includesOthers);
+    answer.array("{sa{sv}}", [&nearby](dbus::Writer& list) {
+        for (const control::Device& device : nearby.devices)
+            list.entry("sa{sv}", [&device](dbus::Writer& entry) {
+                entry.text(device.id);
+                entry.array("{sv}",
+                            [&device](dbus::Writer& fields) { writeDevice(fields, device); });
             });
     });
 }
@@ -104,6 +132,11 @@ std::vector<dbus::Method> ControlService::methods() {
     return {bare("Lock", "Lock", actions_.lock),
             bare("Resume", "Hervatten", actions_.resume),
             bare("UpdateNow", "Bijwerken", actions_.updateNow),
+            {"Devices", "b", "sba{sa{sv}}",
+             [this](const dbus::Message& call, dbus::Writer& answer) {
+                 const bool others = call.read().boolean().value_or(false);
+                 writeNearby(answer, control::nearby(sources_.scanner, others));
+             }},
             {"Pause", "u", "",
              [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }},
             {"Record", "hb", "",
