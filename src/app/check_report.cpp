@@ -233,6 +233,23 @@ Finding autostartFinding(bool there) {
             .text = there ? "ja" : "nee"};
 }
 
+Finding preferencesFinding(const CheckFacts::Preferences& facts) {
+    Names found;
+    Names texts;
+    if (facts.unreadable) texts.push_back(printable(*facts.unreadable));
+    for (const PreferenceFault& fault : facts.faults) {
+        found.push_back(fault.name);
+        texts.push_back(fault.text);
+    }
+    const bool works = texts.empty();
+    return {.name = "preferences",
+            .label = "Voorkeuren",
+            .works = works,
+            .needed = false,
+            .found = std::move(found),
+            .text = works ? "in orde" : joined(texts, "; ")};
+}
+
 } // namespace
 
 std::vector<Finding> findings(const CheckFacts& facts) {
@@ -240,8 +257,8 @@ std::vector<Finding> findings(const CheckFacts& facts) {
             linksFinding(facts.bluetooth),     keysFinding(facts),
             lockFinding(facts.locking),        confirmationFinding(facts.locking),
             idleFinding(facts.activity),       cameraFinding(facts.activity),
-            microphoneFinding(facts.activity), trayFinding(facts.tray),
-            autostartFinding(facts.autostart)};
+            microphoneFinding(facts.activity), preferencesFinding(facts.preferences),
+            trayFinding(facts.tray),           autostartFinding(facts.autostart)};
 }
 
 bool canLock(const std::vector<Finding>& findings) {

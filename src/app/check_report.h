@@ -4,6 +4,7 @@
 
 #include "base/time.h"
 #include "model/key_device.h"
+#include "model/preference_faults.h"
 #include "platform/lock_facts.h"
 #include "scanner/bluetooth_central.h"
 
@@ -47,11 +48,17 @@ struct CheckFacts {
         std::optional<std::string> microphoneUser;
     };
 
+    struct Preferences {
+        std::optional<std::string> unreadable; ///< why the file cannot be used
+        std::vector<PreferenceFault> faults;   ///< of values in it
+    };
+
     Bluetooth bluetooth;
     bool enabled = true;
     std::vector<Key> keys;
     Locking locking;
     Activity activity;
+    Preferences preferences;
     bool tray = false;
     bool autostart = false;
 };

@@ -61,6 +61,7 @@ TEST(CheckReport, WhereEverythingWorksEachLineSaysSo) {
                   "ok    Toetsenbord en muis:       Mutter; laatste aanraking 3,2 s geleden",
                   "ok    Camera:                    PipeWire, /proc; niet in gebruik",
                   "ok    Microfoon:                 PulseAudio; in gebruik door Foo",
+                  "ok    Voorkeuren:                in orde",
                   "ok    Plaats voor het icoon:     aanwezig",
                   "ok    Start bij inloggen:        ja",
                   "Alles wat voor locken nodig is, werkt.",
@@ -81,6 +82,7 @@ TEST(CheckReport, WhereThereIsNothingEachLineSaysSo) {
             "-     Toetsenbord en muis:       niet te zien; wie typt telt niet als aanwezig",
             "-     Camera:                    niet te zien",
             "-     Microfoon:                 niet te zien",
+            "ok    Voorkeuren:                in orde",
             "-     Plaats voor het icoon:     geen",
             "-     Start bij inloggen:        nee",
             "Zo kan Wegslot niet locken.",
@@ -105,6 +107,23 @@ TEST(CheckReport, OnlyWhatLockingTakesDecides) {
     };
     for (const auto& change : breakages)
         EXPECT_FALSE(canLock(findings(with(change)))) << &change - breakages.data();
+}
+
+TEST(CheckReport, PreferencesThatWereMistypedAreNamedAndDoNotDecide) {
+    const auto facts = with([](CheckFacts& changed) {
+        changed.preferences.faults = {{"awayDelay", "awayDelay is geen getal"},
+                                      {"x\n", "x\uFFFD is onbekend"}};
+    });
+    const Finding typed = finding(facts, "preferences");
+    EXPECT_FALSE(typed.works);
+    EXPECT_EQ(typed.found, (Names{"awayDelay", "x\n"})); // for scripts, as it was typed
+    EXPECT_EQ(typed.text, "awayDelay is geen getal; x\uFFFD is onbekend");
+    EXPECT_TRUE(canLock(findings(facts)));
+    const auto broken = finding(
+        with([](CheckFacts& changed) { changed.preferences.unreadable = "regel 1, kolom 2"; }),
+        "preferences");
+    EXPECT_FALSE(broken.works);
+    EXPECT_EQ(broken.text, "regel 1, kolom 2");
 }
 
 TEST(CheckReport, OneKeyThatStaysIsEnough) {
@@ -190,7 +209,7 @@ TEST(CheckReport, ScriptsGetTheSameInJson) {
     const Json report = Json::parse(reportJson(findings(good()), std::nullopt));
     EXPECT_EQ(report.at("ok"), true);
     EXPECT_FALSE(report.contains("lock"));
-    EXPECT_EQ(report.at("checks").size(), 11U);
+    EXPECT_EQ(report.at("checks").size(), 12U);
     EXPECT_EQ(report.at("checks")[4], Json::parse(R"({"name": "lock", "ok": true, "needed": true,
                               "found": ["logind", "org.gnome.Shell.ScreenShield"],
                               "text": "logind; org.gnome.Shell.ScreenShield"})"));

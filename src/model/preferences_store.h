@@ -68,6 +68,7 @@ public:
     }
 
     [[nodiscard]] const Preferences& values() const { return values_; }
+    [[nodiscard]] const Preferences& defaults() const { return defaults_; }
 
 protected:
     void replace(Preferences values) { values_ = std::move(values); }

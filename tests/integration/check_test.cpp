@@ -230,6 +230,7 @@ TEST_F(CheckOnSwayTest, ALockCommandThatIsNoListIsNamedAndAnInstalledLockerUsed)
     EXPECT_EQ(status, 0);
     EXPECT_EQ(named(all, "lock").at("text"),
               "swaylock; lockCommand in de voorkeuren is geen lijst van woorden");
+    EXPECT_EQ(found(all, "preferences"), Names{"lockCommand"});
 }
 
 TEST_F(CheckWithRadioTest, OnX11TheServerTellsWhoTypesAndI3lockLocks) {

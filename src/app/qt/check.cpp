@@ -2,6 +2,7 @@
 
 #include "app/linux/folders.h"
 #include "model/lock_command.h"
+#include "model/preference_faults.h"
 #include "ui/linux/autostart_item.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ constexpr std::array listeners{"swayidle", "xss-lock", "hypridle", "xscreensaver
 
 } // namespace
 
-Check::Check(RealWorld& world, const PreferencesStore& preferences, const Settings& settings,
+Check::Check(RealWorld& world, const PreferencesFile& preferences, const Settings& settings,
              Scheduler& scheduler, const Clock& clock, std::vector<std::filesystem::path> autostart,
              Options options, PrintLine print, std::function<void(bool ok)> done)
     : world_(world),
@@ -73,13 +74,17 @@ void Check::proven(LockProof proof) {
 }
 
 CheckFacts Check::facts() {
-    CheckFacts facts{.bluetooth = bluetooth(),
-                     .enabled = settings_.enabled.get(),
-                     .keys = {},
-                     .locking = locking(),
-                     .activity = activity(),
-                     .tray = tray_,
-                     .autostart = hasAutostart()};
+    CheckFacts facts{
+        .bluetooth = bluetooth(),
+        .enabled = settings_.enabled.get(),
+        .keys = {},
+        .locking = locking(),
+        .activity = activity(),
+        .preferences = {.unreadable = std::nullopt, .faults = preferenceFaults(preferences_)},
+        .tray = tray_,
+        .autostart = hasAutostart()};
+    if (const auto& fault = preferences_.fault().get())
+        facts.preferences.unreadable = fault->message;
     for (const KeyDevice& key : settings_.keys.get())
         facts.keys.push_back(
             {.name = key.name, .changesAddress = world_.central.changesAddress(key.id)});

@@ -8,7 +8,7 @@
 #include "app/qt/real_world.h"
 #include "base/clock.h"
 #include "base/scheduler.h"
-#include "model/preferences_store.h"
+#include "model/preferences_file.h"
 #include "model/settings.h"
 
 #include <filesystem>
@@ -31,7 +31,7 @@ public:
 
     /// `autostart`: the folders where autostart entries are. `done` is called once, from the
     /// scheduler, with whether everything works that locking takes. All must outlive this.
-    Check(RealWorld& world, const PreferencesStore& preferences, const Settings& settings,
+    Check(RealWorld& world, const PreferencesFile& preferences, const Settings& settings,
           Scheduler& scheduler, const Clock& clock, std::vector<std::filesystem::path> autostart,
           Options options, PrintLine print, std::function<void(bool ok)> done);
 
@@ -46,7 +46,7 @@ private:
     [[nodiscard]] bool hasAutostart() const;
 
     RealWorld& world_;
-    const PreferencesStore& preferences_;
+    const PreferencesFile& preferences_;
     const Settings& settings_;
     Scheduler& scheduler_;
     const Clock& clock_;
