@@ -2,7 +2,8 @@
 
 wegslot_module(dbus
   FILES
-    dbus/bus.cpp dbus/bus.h dbus/caller.cpp dbus/caller.h dbus/connection.cpp dbus/connection.h
+    dbus/bus.cpp dbus/bus.h dbus/bus_address.cpp dbus/bus_address.h dbus/caller.cpp
+    dbus/caller.h dbus/connection.cpp dbus/connection.h
     dbus/forgeries.cpp dbus/forgeries.h dbus/message.cpp dbus/message.h dbus/object.cpp
     dbus/object.h dbus/writer.cpp dbus/writer.h
   USES base log

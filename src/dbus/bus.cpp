@@ -1,11 +1,13 @@
 #include "dbus/bus.h"
 
+#include "dbus/bus_address.h"
 #include "dbus/forgeries.h"
 #include "dbus/writer.h"
 
 #include <systemd/sd-bus.h>
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 
 namespace wegslot::dbus {
@@ -105,20 +107,30 @@ Subscription owning(sd_bus_slot* slot) {
     return Subscription{[slot] { sd_bus_slot_unref(slot); }};
 }
 
+/// What the library opens by itself takes files, and cannot be told otherwise any more.
+Result<std::unique_ptr<Bus>> opened(const std::string& what,
+                                    const std::optional<std::string>& address, Bus::Files files,
+                                    Forgeries& forgeries) {
+    if (!address) return failure(what, -ENOMEDIUM);
+    sd_bus* bus = nullptr;
+    if (const int error = sd_bus_new(&bus); error < 0) return failure(what, error);
+    sd_bus_set_address(bus, address->c_str());
+    sd_bus_set_bus_client(bus, 1);
+    sd_bus_negotiate_fds(bus, files == Bus::Files::allowed ? 1 : 0);
+    const int error = sd_bus_start(bus);
+    if (error >= 0) return std::make_unique<Bus>(bus, forgeries);
+    sd_bus_unref(bus);
+    return failure(what, error);
+}
+
 } // namespace
 
 Result<std::unique_ptr<Bus>> Bus::openSystem(Forgeries& forgeries) {
-    sd_bus* bus = nullptr;
-    const int error = sd_bus_open_system(&bus);
-    if (error < 0) return failure("systeembus", error);
-    return std::make_unique<Bus>(bus, forgeries);
+    return opened("systeembus", systemBusAddress(), Files::none, forgeries);
 }
 
-Result<std::unique_ptr<Bus>> Bus::openSession(Forgeries& forgeries) {
-    sd_bus* bus = nullptr;
-    const int error = sd_bus_open_user(&bus);
-    if (error < 0) return failure("sessiebus", error);
-    return std::make_unique<Bus>(bus, forgeries);
+Result<std::unique_ptr<Bus>> Bus::openSession(Forgeries& forgeries, Files files) {
+    return opened("sessiebus", sessionBusAddress(), files, forgeries);
 }
 
 Bus::~Bus() {

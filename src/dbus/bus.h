@@ -65,10 +65,16 @@ class Bus {
 public:
     using Listener = std::function<void(const Message&)>;
 
+    /// Whether open files may come and go with messages. To close one that somebody sent may take
+    /// for ever, so only who needs them has them.
+    enum class Files { none, allowed };
+
     /// Connects to the system bus or the session's, as the environment names them. `forgeries`,
-    /// which outlives the bus, is told of signals that were not their source's.
+    /// which outlives the bus, is told of signals that were not their source's. No files come over
+    /// the system bus.
     static Result<std::unique_ptr<Bus>> openSystem(Forgeries& forgeries);
-    static Result<std::unique_ptr<Bus>> openSession(Forgeries& forgeries);
+    static Result<std::unique_ptr<Bus>> openSession(Forgeries& forgeries,
+                                                    Files files = Files::none);
 
     Bus(sd_bus* bus, Forgeries& forgeries) : bus_(bus), forgeries_(forgeries) {}
     Bus(const Bus&) = delete;

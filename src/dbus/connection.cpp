@@ -10,8 +10,8 @@ Connection::Open systemBus(Forgeries& forgeries) {
     return [&forgeries] { return Bus::openSystem(forgeries); };
 }
 
-Connection::Open sessionBus(Forgeries& forgeries) {
-    return [&forgeries] { return Bus::openSession(forgeries); };
+Connection::Open sessionBus(Forgeries& forgeries, Bus::Files files) {
+    return [&forgeries, files] { return Bus::openSession(forgeries, files); };
 }
 
 Connection::Connection(Open open, Attach attach, Scheduler& scheduler, Complaints complaints)

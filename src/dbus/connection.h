@@ -14,7 +14,8 @@ namespace wegslot::dbus {
 
 /// How to open the system bus or the session's, whenever a connection wants to.
 [[nodiscard]] std::function<Result<std::unique_ptr<Bus>>()> systemBus(Forgeries& forgeries);
-[[nodiscard]] std::function<Result<std::unique_ptr<Bus>>()> sessionBus(Forgeries& forgeries);
+[[nodiscard]] std::function<Result<std::unique_ptr<Bus>>()>
+sessionBus(Forgeries& forgeries, Bus::Files files = Bus::Files::none);
 
 class Connection {
 public:

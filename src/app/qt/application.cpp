@@ -238,7 +238,7 @@ bool showsItself(Scheduler& scheduler, const Clock& clock) {
 int ask(control::Request request, const Clock& clock, Scheduler& scheduler,
         const ControlClient::Failed& absence = ControlClient::absent()) {
     dbus::Forgeries forgeries(clock);
-    const auto bus = dbus::Bus::openSession(forgeries);
+    const auto bus = dbus::Bus::openSession(forgeries, dbus::Bus::Files::allowed);
     if (!bus) {
         complain(absence.message + " (" + bus.failure().message + ")");
         return absence.status;

@@ -8,7 +8,7 @@ namespace wegslot {
 RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
     : forgeries(clock),
       systemBus(dbus::systemBus(forgeries), pump, scheduler),
-      sessionBus(dbus::sessionBus(forgeries), pump, scheduler),
+      sessionBus(dbus::sessionBus(forgeries, dbus::Bus::Files::allowed), pump, scheduler),
       bluetoothBus(dbus::systemBus(forgeries), pumpInBatches, scheduler,
                    dbus::Connection::Complaints::none),
       links(descriptors, scheduler),

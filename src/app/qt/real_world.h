@@ -34,7 +34,7 @@ struct RealWorld {
 
     dbus::Forgeries forgeries;
     dbus::Connection systemBus;
-    dbus::Connection sessionBus;
+    dbus::Connection sessionBus;   ///< with files: a recording goes into one that is sent
     dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left
     QtDescriptors descriptors;
     bluez::HciLinks links;

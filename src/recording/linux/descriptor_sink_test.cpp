@@ -196,6 +196,20 @@ TEST(ForeignDescriptor, IsTakenOverSoThatItsNumberMayBeClosed) {
     EXPECT_EQ(takenOver(-1), -1);
 }
 
+// As where the number of files that a program may have was lowered while it had them.
+TEST(ForeignDescriptor, OneThatCannotBeReplacedIsRefusedAndNotWaitedFor) {
+    const Pipe pipe;
+    constexpr int high = 900;
+    ASSERT_EQ(dup3(pipe.ends[1], high, O_CLOEXEC), high);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit fewer{.rlim_cur = high, .rlim_max = before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &fewer), 0);
+    EXPECT_EQ(takenOver(high), -1);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    close(high);
+}
+
 TEST(RandomUuid, IsAnotherEachTimeAndSaysThatItIsRandom) {
     const Uuid one = randomUuid();
     EXPECT_NE(one, randomUuid());

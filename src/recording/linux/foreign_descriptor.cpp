@@ -1,5 +1,7 @@
 #include "recording/linux/foreign_descriptor.h"
 
+#include <atomic>
+#include <memory>
 #include <thread>
 
 #include <fcntl.h>
@@ -34,9 +36,18 @@ int takenOver(int given) {
         return -1;
     }
     // The number changes hands at once; only then is the old file let go, which may take for ever.
-    std::thread([given, nothing] { dup3(nothing, given, O_CLOEXEC); }).detach();
-    while (!isSame(factsOf(given), factsOf(nothing)))
+    const auto isRefused = std::make_shared<std::atomic<bool>>(false);
+    std::thread([given, nothing, isRefused] {
+        if (dup3(nothing, given, O_CLOEXEC) < 0) *isRefused = true;
+    }).detach();
+    while (!isSame(factsOf(given), factsOf(nothing))) {
+        if (*isRefused) {
+            closeElsewhere(own);
+            close(nothing);
+            return -1;
+        }
         std::this_thread::yield();
+    }
     close(nothing);
     return own;
 }
