@@ -1,7 +1,5 @@
 #include "model/settings.h"
 
-#include "model/key_codec.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -18,76 +16,27 @@ Dbm startingThreshold(const std::optional<Dbm>& rssi) {
     return whole(Dbm{std::clamp(rssi->value - 15.0, -90.0, -65.0)});
 }
 
-PreferencesStore& withDefaults(PreferencesStore& store) {
-    store.registerDefaults({
-        {"enabled", true},
-        {"rule", std::string(storedText(LockRule::allAway))},
-        {"awayDelay", 5.0},
-        {"lostTimeout", 15.0},
-        {"warningEnabled", true},
-        {"warningSeconds", 5.0},
-        {"pauseDuringMeetings", true},
-        {"pauseWhileActive", true},
-        {"showOtherDevices", false},
-    });
-    return store;
-}
-
-Setting<bool> switchSetting(PreferencesStore& store, const char* name) {
-    return {[&store, name] { return store.boolean(name); },
-            [&store, name](bool value) { store.write(name, value); }};
-}
-
-Setting<Seconds> durationSetting(PreferencesStore& store, const char* name) {
-    return {[&store, name] { return Seconds{store.number(name)}; },
-            [&store, name](Seconds value) { store.write(name, value.count()); }};
-}
-
-Setting<LockRule> ruleSetting(PreferencesStore& store, const char* name) {
-    return {[&store, name] {
-                return lockRule(store.text(name).value_or("")).value_or(LockRule::allAway);
-            },
-            [&store, name](LockRule rule) { store.write(name, std::string(storedText(rule))); }};
-}
-
-Setting<std::vector<KeyDevice>> keysSetting(PreferencesStore& store, const char* name) {
-    return {[&store, name] {
-                const auto stored = store.data(name);
-                auto keys = stored ? decodeKeys(stored->bytes) : std::nullopt;
-                return std::move(keys).value_or(std::vector<KeyDevice>{});
-            },
-            [&store, name](const std::vector<KeyDevice>& list) {
-                if (auto bytes = encodeKeys(list)) store.write(name, Data{*std::move(bytes)});
-            }};
-}
-
 } // namespace
 
 Settings::Settings(PreferencesStore& store)
-    : store_(withDefaults(store)),
-      enabled(switchSetting(store_, "enabled")),
-      keys(keysSetting(store_, "keys")),
-      rule(ruleSetting(store_, "rule")),
-      awayDelay(durationSetting(store_, "awayDelay")),
-      lostTimeout(durationSetting(store_, "lostTimeout")),
-      warningEnabled(switchSetting(store_, "warningEnabled")),
-      warningSeconds(durationSetting(store_, "warningSeconds")),
-      pauseDuringMeetings(switchSetting(store_, "pauseDuringMeetings")),
-      pauseWhileActive(switchSetting(store_, "pauseWhileActive")),
-      showOtherDevices(switchSetting(store_, "showOtherDevices")),
-      changesByOthers_(store_.onChangeByOthers([this] { reread(); })) {}
+    : list_{store},
+      changesByOthers_(store.onChangeByOthers([this] { reread(); })) {
+    Preferences defaults;
+    visit([&defaults](const auto& setting) {
+        defaults.emplace(setting.name(), setting.byDefault());
+    });
+    store.registerDefaults(std::move(defaults));
+    reread();
+}
+
+const Settings& Settings::specimen() {
+    static MemoryStore store;
+    static const Settings settings(store);
+    return settings;
+}
 
 void Settings::reread() {
-    enabled.reread();
-    keys.reread();
-    rule.reread();
-    awayDelay.reread();
-    lostTimeout.reread();
-    warningEnabled.reread();
-    warningSeconds.reread();
-    pauseDuringMeetings.reread();
-    pauseWhileActive.reread();
-    showOtherDevices.reread();
+    visit([](auto& setting) { setting.reread(); });
 }
 
 void Settings::addKey(const SeenDevice& device) {

@@ -2,53 +2,14 @@
 // kind lives as long as the application. What others change in the store counts from then on.
 #pragma once
 
-#include "base/observable.h"
-#include "base/time.h"
-#include "model/key_device.h"
-#include "model/lock_rule.h"
-#include "model/preferences_store.h"
+#include "model/setting.h"
 #include "scanner/seen_device.h"
 
-#include <functional>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace wegslot {
-
-/// One choice: an observable whose assignments are written after they are stored.
-template <typename T>
-class Setting {
-public:
-    Setting(std::function<T()> read, std::function<void(const T&)> write)
-        : read_(std::move(read)),
-          value_(read_()),
-          write_(std::move(write)) {}
-
-    [[nodiscard]] const T& get() const { return value_.get(); }
-
-    void set(T value) {
-        value_.set(std::move(value));
-        write_(value_.get());
-    }
-
-    /// Takes over what the store says by now, if that is something else.
-    void reread() {
-        if (T now = read_(); now != value_.get()) value_.set(std::move(now));
-    }
-
-    [[nodiscard]] Subscription onChange(typename Observable<T>::Listener listener) const {
-        return value_.onChange(std::move(listener));
-    }
-
-    [[nodiscard]] Subscription follow(typename Observable<T>::Listener listener) const {
-        return value_.follow(std::move(listener));
-    }
-
-private:
-    std::function<T()> read_;
-    Observable<T> value_;
-    std::function<void(const T&)> write_;
-};
 
 class Settings {
 public:
@@ -58,6 +19,22 @@ public:
 
     Settings(const Settings&) = delete;
     Settings& operator=(const Settings&) = delete;
+
+    /// All at their defaults, and kept nowhere: for who asks which settings there are.
+    [[nodiscard]] static const Settings& specimen();
+
+    /// Calls `look` with each setting, in the order in which they stand below. A change of several
+    /// assigns them in this order too.
+    template <typename Look>
+    void visit(const Look& look) {
+        for (const AnySetting& any : list_.all)
+            std::visit([&look](auto* setting) { look(*setting); }, any);
+    }
+    template <typename Look>
+    void visit(const Look& look) const {
+        for (const AnySetting& any : list_.all)
+            std::visit([&look](const auto* setting) { look(*setting); }, any);
+    }
 
     /// Adds `device` as a key, unless it is one. Its threshold starts 15 dB below the present
     /// signal (a body in between costs about that much), within -90 and -65 dBm.
@@ -72,19 +49,23 @@ public:
 private:
     void reread();
 
-    PreferencesStore& store_;
+    SettingsList list_;
 
 public:
-    Setting<bool> enabled;
-    Setting<std::vector<KeyDevice>> keys;
-    Setting<LockRule> rule;
-    Setting<Seconds> awayDelay;   ///< weak for this long is away; any double
-    Setting<Seconds> lostTimeout; ///< silent for longer is away; any double
-    Setting<bool> warningEnabled;
-    Setting<Seconds> warningSeconds; ///< length of the countdown; any double
-    Setting<bool> pauseDuringMeetings;
-    Setting<bool> pauseWhileActive;
-    Setting<bool> showOtherDevices;
+    // Each is named here and nowhere else: what stores, records, replays or shows them all, walks.
+    Setting<bool> enabled{list_, "enabled", true};
+    Setting<std::vector<KeyDevice>> keys{list_, "keys", {}};
+    Setting<LockRule> rule{list_, "rule", LockRule::allAway};
+    /// Weak for this long is away; any double.
+    Setting<Seconds> awayDelay{list_, "awayDelay", Seconds{5}};
+    /// Silent for longer is away; any double.
+    Setting<Seconds> lostTimeout{list_, "lostTimeout", Seconds{15}};
+    Setting<bool> warningEnabled{list_, "warningEnabled", true};
+    /// Length of the countdown; any double.
+    Setting<Seconds> warningSeconds{list_, "warningSeconds", Seconds{5}};
+    Setting<bool> pauseDuringMeetings{list_, "pauseDuringMeetings", true};
+    Setting<bool> pauseWhileActive{list_, "pauseWhileActive", true};
+    Setting<bool> showOtherDevices{list_, "showOtherDevices", false};
 
 private:
     Subscription changesByOthers_;

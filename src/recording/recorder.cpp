@@ -1,6 +1,5 @@
 #include "recording/recorder.h"
 
-#include "model/key_codec.h"
 #include "model/log.h"
 
 #include <limits>
@@ -9,20 +8,17 @@
 namespace wegslot {
 namespace {
 
-PreferenceValue stored(bool value) { return value; }
+/// A value as a trace has it, which has to have every one.
+PreferenceValue traced(const auto& value) { return *stored(value); }
 
-PreferenceValue stored(Seconds value) { return value.count(); }
-
-PreferenceValue stored(LockRule rule) { return std::string(storedText(rule)); }
-
-PreferenceValue stored(const std::vector<KeyDevice>& keys) {
-    if (auto list = encodeKeys(keys)) return Data{*std::move(list)};
+PreferenceValue traced(const std::vector<KeyDevice>& keys) {
+    if (auto list = stored(keys)) return *std::move(list);
     // A list may hold what no stored one can: no signal reaches a threshold that is no number.
     std::vector<KeyDevice> writable = keys;
     for (KeyDevice& key : writable)
         if (!(key.threshold.value < std::numeric_limits<double>::max()))
             key.threshold = Dbm{std::numeric_limits<double>::max()};
-    return Data{encodeKeys(writable).value_or("[]")};
+    return stored(writable).value_or(Data{"[]"});
 }
 
 std::set<Uuid> idsOf(const std::vector<KeyDevice>& keys) {
@@ -89,42 +85,24 @@ void Recorder::letGo() {
 // --- What is told
 // ---------------------------------------------------------------------------------
 
-template <typename T>
-void Recorder::follow(const Setting<T>& setting, const char* name) {
-    subscriptions_.push_back(setting.onChange([this, name](const T& value) {
-        if (isRecording()) tell(trace::SettingsChange{{{name, stored(value)}}});
-    }));
-}
-
 void Recorder::followSettings() {
     const Settings& settings = model_.settings();
     // Before the list itself: the core asks at once which of the keys the stack knows.
     subscriptions_.push_back(settings.keys.onChange(
         [this](const std::vector<KeyDevice>& keys) { tellKnown(idsOf(keys)); }));
-    follow(settings.enabled, "enabled");
-    follow(settings.keys, "keys");
-    follow(settings.rule, "rule");
-    follow(settings.awayDelay, "awayDelay");
-    follow(settings.lostTimeout, "lostTimeout");
-    follow(settings.warningEnabled, "warningEnabled");
-    follow(settings.warningSeconds, "warningSeconds");
-    follow(settings.pauseDuringMeetings, "pauseDuringMeetings");
-    follow(settings.pauseWhileActive, "pauseWhileActive");
-    follow(settings.showOtherDevices, "showOtherDevices");
+    settings.visit([this](const auto& setting) {
+        subscriptions_.push_back(setting.onChange([this, &setting](const auto& value) {
+            if (isRecording())
+                tell(trace::SettingsChange{{{std::string(setting.name()), traced(value)}}});
+        }));
+    });
 }
 
 Preferences Recorder::preferences() const {
-    const Settings& settings = model_.settings();
-    return {{"enabled", stored(settings.enabled.get())},
-            {"keys", stored(settings.keys.get())},
-            {"rule", stored(settings.rule.get())},
-            {"awayDelay", stored(settings.awayDelay.get())},
-            {"lostTimeout", stored(settings.lostTimeout.get())},
-            {"warningEnabled", stored(settings.warningEnabled.get())},
-            {"warningSeconds", stored(settings.warningSeconds.get())},
-            {"pauseDuringMeetings", stored(settings.pauseDuringMeetings.get())},
-            {"pauseWhileActive", stored(settings.pauseWhileActive.get())},
-            {"showOtherDevices", stored(settings.showOtherDevices.get())}};
+    Preferences values;
+    model_.settings().visit(
+        [&values](const auto& setting) { values.emplace(setting.name(), traced(setting.get())); });
+    return values;
 }
 
 void Recorder::begin(Request request, CoreIs core) {

@@ -55,8 +55,6 @@ private:
     void didIdentify(const Uuid& from, const Uuid& to) override;
 
     void followSettings();
-    template <typename T>
-    void follow(const Setting<T>& setting, const char* name);
     void begin(Request request, CoreIs core);
     void letGo();
     void tellStanding();

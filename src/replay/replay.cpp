@@ -1,7 +1,5 @@
 #include "replay/replay.h"
 
-#include "model/key_codec.h"
-
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -21,30 +19,10 @@ Preferences overlaid(Preferences values, const Preferences& overrides, bool only
 
 // Assigns each value that is named, in the order in which the settings have them.
 void assign(Settings& settings, const Preferences& values) {
-    const auto with = [&values]<typename T>(const char* name, auto&& setting, T convert) {
-        const auto found = values.find(name);
-        if (found != values.end()) setting.set(convert(found->second));
-    };
-    const auto boolean = [](const PreferenceValue& value) { return std::get<bool>(value); };
-    const auto seconds = [](const PreferenceValue& value) {
-        return Seconds{std::get<double>(value)};
-    };
-    const auto rule = [](const PreferenceValue& value) {
-        return lockRule(std::get<std::string>(value)).value_or(LockRule::allAway);
-    };
-    const auto keys = [](const PreferenceValue& value) {
-        return decodeKeys(std::get<Data>(value).bytes).value_or(std::vector<KeyDevice>{});
-    };
-    with("enabled", settings.enabled, boolean);
-    with("keys", settings.keys, keys);
-    with("rule", settings.rule, rule);
-    with("awayDelay", settings.awayDelay, seconds);
-    with("lostTimeout", settings.lostTimeout, seconds);
-    with("warningEnabled", settings.warningEnabled, boolean);
-    with("warningSeconds", settings.warningSeconds, seconds);
-    with("pauseDuringMeetings", settings.pauseDuringMeetings, boolean);
-    with("pauseWhileActive", settings.pauseWhileActive, boolean);
-    with("showOtherDevices", settings.showOtherDevices, boolean);
+    settings.visit([&values](auto& setting) {
+        const auto found = values.find(setting.name());
+        if (found != values.end()) setting.assign(found->second);
+    });
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "replay/trace_reader.h"
 
-#include "model/key_codec.h"
-#include "model/lock_rule.h"
+#include "model/settings.h"
 #include "replay/json_tree.h"
 #include "replay/trace_fields.h"
 #include "replay/trace_names.h"
@@ -16,36 +15,46 @@ using namespace trace;
 
 // Preferences.
 
-PreferenceValue preference(PreferenceKind kind, const JsonNode& node, std::string_view name) {
-    switch (kind) {
-    case PreferenceKind::boolean:
-        return boolean(node, name);
-    case PreferenceKind::duration:
-        return duration(node, name).count();
-    case PreferenceKind::rule:
-        return text(node, name);
-    case PreferenceKind::keys:
+/// Reads a value of the kind that a preference has by default.
+struct ReadLike {
+    const JsonNode& node;
+    std::string_view name;
+
+    PreferenceValue operator()(bool) const { return boolean(node, name); }
+    PreferenceValue operator()(double) const { return duration(node, name).count(); }
+    PreferenceValue operator()(const std::string&) const { return text(node, name); }
+    PreferenceValue operator()(const Data&) const {
         if (node.as<JsonNode::Array>() == nullptr) fail(std::string(name) + " is geen lijst");
         return Data{written(node)};
     }
-    fail("onbekende voorkeur " + jsonString(name));
+};
+
+PreferenceValue preference(const auto& setting, const JsonNode& node) {
+    return std::visit(ReadLike{node, setting.name()}, setting.byDefault());
 }
 
 /// What a store may hold by accident, a person does not set.
-void checkMeaning(const PreferenceValue& value, std::string_view name) {
-    const auto* const rule = std::get_if<std::string>(&value);
-    if (rule != nullptr && !lockRule(*rule)) fail("onbekende regel " + jsonString(*rule));
-    const auto* const keys = std::get_if<Data>(&value);
-    if (keys != nullptr && !decodeKeys(keys->bytes))
-        fail(std::string(name) + " bevat een onleesbare of dubbele sleutel");
+void checkMeaning(const auto& setting, const PreferenceValue& value) {
+    if (setting.understands(value)) return;
+    if (const auto* const rule = std::get_if<std::string>(&value))
+        fail("onbekende regel " + jsonString(*rule));
+    fail(std::string(setting.name()) + " bevat een onleesbare of dubbele sleutel");
+}
+
+void checkMeaning(const Preferences& values) {
+    Settings::specimen().visit([&values](const auto& setting) {
+        const auto found = values.find(setting.name());
+        if (found != values.end()) checkMeaning(setting, found->second);
+    });
 }
 
 trace::SettingsChange settings(const JsonNode& node) {
     Fields fields(node, "settings");
     trace::SettingsChange change;
-    for (const auto& [name, kind] : preferenceKinds)
-        if (const JsonNode* const value = fields.optional(name))
-            change.values.emplace(name, preference(kind, *value, name));
+    Settings::specimen().visit([&](const auto& setting) {
+        if (const JsonNode* const value = fields.optional(setting.name()))
+            change.values.emplace(setting.name(), preference(setting, *value));
+    });
     fields.finish();
     return change;
 }
@@ -290,9 +299,7 @@ Result<trace::Line> TraceReader::read(std::string_view text) {
             const bool stored = read.time == Nanoseconds{0} && (position_ == Position::beginning ||
                                                                 position_ == Position::afterStart);
             if (stored) position = Position::afterSettings;
-            if (!stored)
-                for (const auto& [name, value] : change->values)
-                    checkMeaning(value, name);
+            if (!stored) checkMeaning(change->values);
         }
         last_ = read.time;
         position_ = position;
@@ -305,10 +312,14 @@ Result<trace::Line> TraceReader::read(std::string_view text) {
 Result<PreferenceValue> readPreference(std::string_view name, std::string_view value) {
     try {
         const auto tree = parseJson(value).value_or(JsonNode{std::string(value)});
-        PreferenceValue read =
-            preference(oneOf(preferenceKinds, std::string(name), "voorkeur"), tree, name);
-        checkMeaning(read, name);
-        return read;
+        std::optional<PreferenceValue> read;
+        Settings::specimen().visit([&](const auto& setting) {
+            if (setting.name() != name) return;
+            read = preference(setting, tree);
+            checkMeaning(setting, *read);
+        });
+        if (!read) fail("onbekende waarde " + jsonString(name) + " van voorkeur");
+        return *std::move(read);
     } catch (const Invalid& invalid) {
         return Failure{invalid.message};
     }

@@ -1,6 +1,7 @@
 #include "replay/trace_writer.h"
 
 #include "base/text.h"
+#include "model/settings.h"
 #include "replay/json_tree.h"
 #include "replay/trace_names.h"
 #include "scanner/model_identifier.h"
@@ -100,10 +101,10 @@ struct Content {
 
     Member operator()(const SettingsChange& event) const {
         Members members;
-        for (const auto& [name, kind] : preferenceKinds) {
-            const auto found = event.values.find(name);
-            if (found != event.values.end()) members.add(name, text(found->second));
-        }
+        Settings::specimen().visit([&](const auto& setting) {
+            const auto found = event.values.find(setting.name());
+            if (found != event.values.end()) members.add(setting.name(), text(found->second));
+        });
         return {"settings", members.object()};
     }
 

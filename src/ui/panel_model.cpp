@@ -16,7 +16,7 @@ PanelModel::PanelModel(Objects objects, Expand expand, std::function<void()> cha
              .showNameless = false,
              .showSettings = expand == Expand::all,
              .launchAtLogin = objects_.loginItem.isEnabled()} {
-    redrawOnSettings();
+    objects_.settings.visit([this](const auto& setting) { redrawOn(setting); });
     redrawOn(objects_.scanner.state());
     redrawOn(objects_.scanner.snapshot());
     redrawOn(objects_.monitor.phase());
@@ -29,20 +29,6 @@ PanelModel::PanelModel(Objects objects, Expand expand, std::function<void()> cha
 template <typename Source>
 void PanelModel::redrawOn(const Source& source) {
     subscriptions_.push_back(source.onChange([this](const auto&) { changed_(); }));
-}
-
-void PanelModel::redrawOnSettings() {
-    const Settings& settings = objects_.settings;
-    redrawOn(settings.enabled);
-    redrawOn(settings.keys);
-    redrawOn(settings.rule);
-    redrawOn(settings.awayDelay);
-    redrawOn(settings.lostTimeout);
-    redrawOn(settings.warningEnabled);
-    redrawOn(settings.warningSeconds);
-    redrawOn(settings.pauseDuringMeetings);
-    redrawOn(settings.pauseWhileActive);
-    redrawOn(settings.showOtherDevices);
 }
 
 PanelContent PanelModel::content() {

@@ -99,7 +99,6 @@ public:
 private:
     template <typename Source>
     void redrawOn(const Source& source);
-    void redrawOnSettings();
     void setLaunchAtLogin(bool on);
     [[nodiscard]] const SeenDevice* find(const Uuid& id) const;
 

@@ -97,23 +97,10 @@ TEST_F(PanelModelTest, GroupsOpenAndFold) {
 TEST_F(PanelModelTest, EveryChangeOfWhatItShowsIsTold) {
     open({keyNamed("A", 1)});
     static_cast<void>(changed());
-    Settings& settings = world.settings();
-    settings.enabled.set(true);
-    EXPECT_TRUE(changed());
-    settings.keys.set(settings.keys.get());
-    EXPECT_TRUE(changed());
-    settings.rule.set(LockRule::anyAway);
-    EXPECT_TRUE(changed());
-    for (Setting<Seconds>* delay :
-         {&settings.awayDelay, &settings.lostTimeout, &settings.warningSeconds}) {
-        delay->set(Seconds{9});
-        EXPECT_TRUE(changed());
-    }
-    for (Setting<bool>* choice : {&settings.warningEnabled, &settings.pauseDuringMeetings,
-                                  &settings.pauseWhileActive, &settings.showOtherDevices}) {
-        choice->set(true);
-        EXPECT_TRUE(changed());
-    }
+    world.settings().visit([this](auto& setting) {
+        setting.set(setting.get());
+        EXPECT_TRUE(changed()) << setting.name();
+    });
     world.scanner().refreshSnapshot();
     EXPECT_TRUE(changed());
     world.central.setState(CentralState::poweredOff);

@@ -1,0 +1,65 @@
+#include "model/setting.h"
+
+#include "model/key_codec.h"
+
+#include <string>
+
+namespace wegslot {
+namespace {
+
+struct Read {
+    const PreferencesStore& store;
+    std::string_view name;
+
+    PreferenceValue operator()(bool) const { return store.boolean(name); }
+    PreferenceValue operator()(double) const { return store.number(name); }
+    PreferenceValue operator()(const std::string& like) const {
+        return store.text(name).value_or(like);
+    }
+    PreferenceValue operator()(const Data& like) const { return store.data(name).value_or(like); }
+};
+
+} // namespace
+
+PreferenceValue read(const PreferencesStore& store, std::string_view name,
+                     const PreferenceValue& like) {
+    return std::visit(Read{store, name}, like);
+}
+
+std::optional<PreferenceValue> stored(bool value) { return value; }
+
+std::optional<PreferenceValue> stored(Seconds value) { return value.count(); }
+
+std::optional<PreferenceValue> stored(LockRule rule) { return std::string(storedText(rule)); }
+
+std::optional<PreferenceValue> stored(const std::vector<KeyDevice>& keys) {
+    auto list = encodeKeys(keys);
+    if (!list) return std::nullopt;
+    return Data{*std::move(list)};
+}
+
+template <>
+std::optional<bool> meaning(const PreferenceValue& value) {
+    const bool* const chosen = std::get_if<bool>(&value);
+    return chosen == nullptr ? std::nullopt : std::optional(*chosen);
+}
+
+template <>
+std::optional<Seconds> meaning(const PreferenceValue& value) {
+    const double* const number = std::get_if<double>(&value);
+    return number == nullptr ? std::nullopt : std::optional(Seconds{*number});
+}
+
+template <>
+std::optional<LockRule> meaning(const PreferenceValue& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    return text == nullptr ? std::nullopt : lockRule(*text);
+}
+
+template <>
+std::optional<std::vector<KeyDevice>> meaning(const PreferenceValue& value) {
+    const auto* const list = std::get_if<Data>(&value);
+    return list == nullptr ? std::nullopt : decodeKeys(list->bytes);
+}
+
+} // namespace wegslot
