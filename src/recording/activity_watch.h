@@ -4,7 +4,7 @@
 
 #include "base/clock.h"
 #include "platform/activity_detector.h"
-#include "replay/trace_event.h"
+#include "trace/event.h"
 
 #include <optional>
 #include <string>

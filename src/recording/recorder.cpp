@@ -28,18 +28,6 @@ std::set<Uuid> idsOf(const std::vector<KeyDevice>& keys) {
     return ids;
 }
 
-struct AsEvent {
-    trace::Event operator()(const action::LockNow&) const { return trace::LockNow{}; }
-
-    trace::Event operator()(const action::Pause& pause) const {
-        return trace::Pause{pause.duration};
-    }
-
-    trace::Event operator()(const action::Resume&) const { return trace::Resume{}; }
-
-    trace::Event operator()(const action::CancelWarning&) const { return trace::CancelWarning{}; }
-};
-
 } // namespace
 
 Recorder::Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& platform,
@@ -56,7 +44,7 @@ Recorder::Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& 
     subscriptions_.push_back(model_.scanner().discovery().onChange(
         [this](bool active) { tell(trace::Discovery{active}); }));
     subscriptions_.push_back(model_.monitor().asked().onChange(
-        [this](const UserAction& asked) { tell(std::visit(AsEvent{}, asked)); }));
+        [this](const UserAction& asked) { tell(trace::Action{asked}); }));
     // A tick has just begun, and will ask as well: what it finds then has to be told before it.
     subscriptions_.push_back(model_.monitor().keyStates().onChange(
         [this](const KeyStates&) { tellActivity(beforeJudgement()); }));
@@ -195,7 +183,9 @@ void Recorder::didDisconnect(const Uuid& id, const std::optional<std::string>& r
 }
 
 void Recorder::didReadRSSI(const Uuid& id, std::optional<int> rssi) {
-    tell(trace::RssiRead{id, rssi});
+    trace::RssiRead event{.id = id, .rssi = rssi, .error = std::nullopt};
+    if (!rssi) event.error = "niet gelezen";
+    tell(std::move(event));
 }
 
 void Recorder::didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) {

@@ -1,8 +1,8 @@
 #include "recording/recorder.h"
 
-#include "replay/trace_reader.h"
 #include "scanner/model_identifier.h"
 #include "tests/support/world.h"
+#include "trace/reader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "recording/recording.h"
 
-#include "replay/trace_writer.h"
+#include "trace/writer.h"
 
 #include <algorithm>
 #include <utility>

@@ -6,9 +6,9 @@
 #include "base/clock.h"
 #include "base/result.h"
 #include "recording/activity_watch.h"
-#include "recording/disguise.h"
 #include "replay/replayed_central.h"
-#include "replay/trace_event.h"
+#include "trace/disguise.h"
+#include "trace/event.h"
 
 #include <functional>
 #include <optional>

@@ -25,6 +25,15 @@ void assign(Settings& settings, const Preferences& values) {
     });
 }
 
+struct Ask {
+    Monitor& monitor;
+
+    void operator()(const action::LockNow&) const { monitor.lockNow(); }
+    void operator()(const action::Resume&) const { monitor.resume(); }
+    void operator()(const action::CancelWarning&) const { monitor.cancelWarning(); }
+    void operator()(const action::Pause& pause) const { monitor.pause(pause.duration); }
+};
+
 } // namespace
 
 // The core and the world that the trace plays around it.
@@ -152,20 +161,17 @@ struct Replay::Perform {
         core.model.scanner().setDiscoveryActive(event.active);
     }
 
-    void operator()(const trace::LockNow&) const { core.model.monitor().lockNow(); }
-
-    void operator()(const trace::Resume&) const { core.model.monitor().resume(); }
-
-    void operator()(const trace::CancelWarning&) const { core.model.monitor().cancelWarning(); }
-
-    void operator()(const trace::Pause& event) const { core.model.monitor().pause(event.duration); }
-
-    void operator()(const trace::ShowSnapshot&) const {
-        core.output.snapshot(core.model.scanner().snapshot().get());
+    void operator()(const trace::Action& event) const {
+        std::visit(Ask{core.model.monitor()}, event.asked);
     }
 
-    void operator()(const trace::ShowKeys&) const {
-        core.output.keys(core.model.settings().keys.get());
+    void operator()(const trace::Show& event) const {
+        switch (event.what) {
+        case trace::Shown::snapshot:
+            return core.output.snapshot(core.model.scanner().snapshot().get());
+        case trace::Shown::keys:
+            return core.output.keys(core.model.settings().keys.get());
+        }
     }
 
     void operator()(const trace::Identity& event) const {

@@ -8,7 +8,7 @@
 #include "replay/replay_output.h"
 #include "replay/replayed_central.h"
 #include "replay/replayed_platform.h"
-#include "replay/trace_reader.h"
+#include "trace/reader.h"
 
 #include <functional>
 #include <istream>

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "model/key_codec.h"
-#include "replay/json_tree.h"
 #include "scanner/device_names.h"
+#include "trace/json_tree.h"
 
 #include <utility>
 

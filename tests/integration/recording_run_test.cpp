@@ -2,11 +2,11 @@
 // recorded is replayed, and the replay does at its times what the program did.
 
 #include "model/preferences_file.h"
-#include "replay/trace_reader.h"
 #include "scanner/bluez/device_id.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/look_alike_logind.h"
 #include "tests/support/program.h"
+#include "trace/reader.h"
 
 #include <nlohmann/json.hpp>
 

@@ -3,8 +3,8 @@
 
 #include "base/text.h"
 #include "recording/recorder.h"
-#include "replay/trace_reader.h"
 #include "tests/support/world.h"
+#include "trace/reader.h"
 
 #include <gtest/gtest.h>
 

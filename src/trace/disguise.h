@@ -4,10 +4,9 @@
 #pragma once
 
 #include "base/uuid.h"
-#include "replay/trace_event.h"
+#include "trace/event.h"
 
 #include <functional>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -28,7 +27,6 @@ private:
     [[nodiscard]] Uuid id(const Uuid& real);
     /// The name of the device; one without stays without, and an empty one empty.
     void name(const Uuid& real, std::string& name);
-    void name(const Uuid& real, std::optional<std::string>& name);
     [[nodiscard]] bool tells(std::string_view text) const;
 
     std::function<Uuid()> freshId_;

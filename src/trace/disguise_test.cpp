@@ -1,4 +1,4 @@
-#include "recording/disguise.h"
+#include "trace/disguise.h"
 
 #include "model/key_codec.h"
 #include "scanner/model_identifier.h"
@@ -126,8 +126,11 @@ TEST_F(DisguiseTest, AReasonThatNamesSomebodyIsReplaced) {
     EXPECT_EQ(reason("reden 0x3B"), "reden 0x3B");
     for (const char* const telling :
          {"Telefoon van Jan ging uit", "AA:BB:CC:DD:EE:01 ging uit", "dev_aa_bb_cc ging uit",
-          "0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"})
+          "0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"}) {
         EXPECT_EQ(reason(telling), "onbekende reden") << telling;
+        EXPECT_EQ(masked(trace::ConnectFailed{numbered(1), telling}).error, "onbekende reden");
+        EXPECT_EQ(masked(trace::RssiRead{numbered(1), {}, telling}).error, "onbekende reden");
+    }
     EXPECT_EQ(masked(trace::Disconnected{numbered(1), {}}).error, std::nullopt);
 }
 

@@ -1,7 +1,7 @@
 // Writes the lines of a trace: what the reader makes of one is the event that was written.
 #pragma once
 
-#include "replay/trace_event.h"
+#include "trace/event.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "replay/trace_reader.h"
+#include "trace/reader.h"
 
 #include <gtest/gtest.h>
 
@@ -111,7 +111,8 @@ TEST(TraceReader, AStartIsAnInstantInUtc) {
 TEST(TraceReader, DurationsAreRoundedToMilliseconds) {
     const auto change = only<trace::SettingsChange>(R"({"t":1,"settings":{"awayDelay":1.0004}})");
     EXPECT_EQ(std::get<double>(change.values.at("awayDelay")), 1.0);
-    EXPECT_EQ(only<trace::Pause>(R"({"t":1,"action":{"pause":0.0006}})").duration, Seconds{0.001});
+    const auto asked = only<trace::Action>(R"({"t":1,"action":{"pause":0.0006}})").asked;
+    EXPECT_EQ(std::get<action::Pause>(asked).duration, Seconds{0.001});
 }
 
 TEST(TraceReader, AnAdvertisementHasItsFields) {

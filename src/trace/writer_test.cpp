@@ -1,6 +1,6 @@
-#include "replay/trace_writer.h"
+#include "trace/writer.h"
 
-#include "replay/trace_reader.h"
+#include "trace/reader.h"
 
 #include <gtest/gtest.h>
 
@@ -51,6 +51,7 @@ TEST(TraceWriter, EveryEventReadsBackAsItWas) {
             R"({"t":1,"advertisement":{"id":$,"rssi":-50,"manufacturerData":""}})",
             R"({"t":1,"connected":{"id":$}})",
             R"({"t":1,"connectFailed":{"id":$}})",
+            R"({"t":1,"connectFailed":{"id":$,"error":"weg"}})",
             R"({"t":1,"disconnected":{"id":$}})",
             R"({"t":1,"disconnected":{"id":$,"error":"weg"}})",
             R"({"t":1,"rssiRead":{"id":$,"rssi":-44}})",

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "base/result.h"
-#include "replay/trace_event.h"
+#include "trace/event.h"
 
 #include <string_view>
 

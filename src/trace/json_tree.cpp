@@ -1,4 +1,4 @@
-#include "replay/json_tree.h"
+#include "trace/json_tree.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,0 +1,252 @@
+// What a trace can tell the core, one type an event. Each says its word in a trace and lists its
+// fields once, in the order in which they are written; reading, writing and disguising walk that
+// list, and the type of a field says how. A field without a name is the whole value of its event;
+// an event that lists nothing has the value true.
+#pragma once
+
+#include "base/time.h"
+#include "base/uuid.h"
+#include "model/preferences_store.h"
+#include "monitor/session_events.h"
+#include "monitor/user_action.h"
+#include "scanner/bluetooth_central.h"
+#include "scanner/dbm.h"
+#include "scanner/model_identifier.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace wegslot::trace {
+
+/// What a text may say of somebody. There is no field for a plain text: each is disguised in a way.
+enum class Tells { device, application, reason, content };
+
+template <Tells>
+struct Text : std::string {
+    using std::string::string;
+    Text(std::string text) : std::string(std::move(text)) {}
+};
+
+using DeviceName = Text<Tells::device>;
+using ApplicationName = Text<Tells::application>;
+using Reason = Text<Tells::reason>;   ///< why something failed, in the stack's words
+using Content = Text<Tells::content>; ///< bytes of the characteristic that stands before it
+using MakersData = std::vector<std::uint8_t>;
+
+enum class Shown { snapshot, keys };
+
+struct Heard {
+    static constexpr std::string_view word = "advertisement";
+    Uuid id;
+    int rssi = 0;
+    std::optional<DeviceName> name;
+    std::optional<DeviceName> localName;
+    std::optional<MakersData> manufacturerData;
+
+    static void fields(auto& of, auto& walk) {
+        walk("id", of.id)("rssi", of.rssi)("name", of.name)("localName", of.localName)(
+            "manufacturerData", of.manufacturerData);
+    }
+};
+
+struct Start {
+    static constexpr std::string_view word = "start";
+    TimePoint wallClock;
+
+    static void fields(auto& of, auto& walk) { walk(of.wallClock); }
+};
+
+/// Preferences as a store holds them, by name; those not named are not touched.
+struct SettingsChange {
+    static constexpr std::string_view word = "settings";
+    Preferences values;
+
+    static void fields(auto& of, auto& walk) { walk(of.values); }
+};
+
+struct RadioState {
+    static constexpr std::string_view word = "bluetooth";
+    CentralState state{};
+    std::optional<CentralAuthorization> authorization;
+
+    static void fields(auto& of, auto& walk) {
+        walk("state", of.state)("authorization", of.authorization);
+    }
+};
+
+struct Known {
+    static constexpr std::string_view word = "known";
+    Uuid id;
+    std::optional<DeviceName> name;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id)("name", of.name); }
+};
+
+struct Connected {
+    static constexpr std::string_view word = "connected";
+    Uuid id;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id); }
+};
+
+struct ConnectFailed {
+    static constexpr std::string_view word = "connectFailed";
+    Uuid id;
+    std::optional<Reason> error;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id)("error", of.error); }
+};
+
+struct Disconnected {
+    static constexpr std::string_view word = "disconnected";
+    Uuid id;
+    std::optional<Reason> error;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id)("error", of.error); }
+};
+
+struct RssiRead {
+    static constexpr std::string_view word = "rssiRead";
+    Uuid id;
+    std::optional<int> rssi; ///< or else the error
+    std::optional<Reason> error;
+
+    static void fields(auto& of, auto& walk) {
+        walk("id", of.id).either("rssi", of.rssi, "error", of.error);
+    }
+};
+
+struct Services {
+    static constexpr std::string_view word = "services";
+    Uuid id;
+    std::vector<GattUuid> services;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id)("services", of.services); }
+};
+
+struct Characteristics {
+    static constexpr std::string_view word = "characteristics";
+    Uuid id;
+    std::vector<GattUuid> characteristics;
+
+    static void fields(auto& of, auto& walk) {
+        // Nobody asks for those of another one.
+        walk("id", of.id)
+            .always("service", ModelIdentifier::deviceInfoService)("characteristics",
+                                                                   of.characteristics);
+    }
+};
+
+struct Value {
+    static constexpr std::string_view word = "value";
+    Uuid id;
+    GattUuid characteristic{};
+    std::optional<Content> value;
+    std::optional<DeviceName> name;
+
+    static void fields(auto& of, auto& walk) {
+        walk("id", of.id)("characteristic", of.characteristic)("value", of.value)("name", of.name);
+    }
+};
+
+struct Session {
+    static constexpr std::string_view word = "session";
+    SessionEvent event{};
+
+    static void fields(auto& of, auto& walk) { walk(of.event); }
+};
+
+struct Input {
+    static constexpr std::string_view word = "input";
+
+    static void fields(auto& /*of*/, auto& /*walk*/) {}
+};
+
+struct Camera {
+    static constexpr std::string_view word = "camera";
+    bool inUse = false;
+
+    static void fields(auto& of, auto& walk) { walk(of.inUse); }
+};
+
+struct Microphone {
+    static constexpr std::string_view word = "microphone";
+    std::optional<ApplicationName> user;
+
+    static void fields(auto& of, auto& walk) { walk(of.user); }
+};
+
+struct AddKey {
+    static constexpr std::string_view word = "addKey";
+    Uuid id;
+
+    static void fields(auto& of, auto& walk) { walk(of.id); }
+};
+
+struct RemoveKey {
+    static constexpr std::string_view word = "removeKey";
+    Uuid id;
+
+    static void fields(auto& of, auto& walk) { walk(of.id); }
+};
+
+struct SetThreshold {
+    static constexpr std::string_view word = "setThreshold";
+    Uuid id;
+    Dbm value;
+
+    static void fields(auto& of, auto& walk) { walk("id", of.id)("value", of.value); }
+};
+
+struct Discovery {
+    static constexpr std::string_view word = "discovery";
+    bool active = false;
+
+    static void fields(auto& of, auto& walk) { walk(of.active); }
+};
+
+struct Action {
+    static constexpr std::string_view word = "action";
+    UserAction asked;
+
+    static void fields(auto& of, auto& walk) { walk(of.asked); }
+};
+
+struct Show {
+    static constexpr std::string_view word = "show";
+    Shown what{};
+
+    static void fields(auto& of, auto& walk) { walk(of.what); }
+};
+
+struct Identity {
+    static constexpr std::string_view word = "identity";
+    Uuid from;
+    Uuid to;
+
+    static void fields(auto& of, auto& walk) { walk("from", of.from)("to", of.to); }
+};
+
+struct End {
+    static constexpr std::string_view word = "end";
+
+    static void fields(auto& /*of*/, auto& /*walk*/) {}
+};
+
+/// What comes most often stands first: reading looks from there.
+using Event = std::variant<Heard, RssiRead, Start, SettingsChange, RadioState, Known, Connected,
+                           ConnectFailed, Disconnected, Services, Characteristics, Value, Session,
+                           Input, Camera, Microphone, AddKey, RemoveKey, SetThreshold, Discovery,
+                           Action, Show, Identity, End>;
+
+struct Line {
+    Nanoseconds time{0}; ///< since the start of the trace, whole milliseconds
+    Event event;
+};
+
+} // namespace wegslot::trace
