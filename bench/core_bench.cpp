@@ -6,7 +6,7 @@
 #include "bench/spread_id.h"
 #include "hud/hidden_hud.h"
 #include "replay/replay.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 
 #include <benchmark/benchmark.h>
 
@@ -54,12 +54,9 @@ private:
     VirtualTime time_{TimePoint{std::chrono::hours{500000}}};
     MemoryStore store_;
     PassingRadio central_;
-    ReplayedSession session_;
-    ReplayedActivity activity_{time_};
-    RecordedLock lock_{[] {}};
-    AppModel model_{{store_, central_, {time_, time_, session_, activity_, lock_}, [] {
-                         return std::make_unique<HiddenHud>();
-                     }}};
+    StagedPlatform platform_{time_, time_};
+    AppModel model_{
+        {store_, central_, platform_.ports, [] { return std::make_unique<HiddenHud>(); }}};
 };
 
 // Decode, filter, sample. Time passes as at 400 advertisements a second, without ticks.

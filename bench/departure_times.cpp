@@ -8,7 +8,7 @@
 // median, the 99th percentile, the longest, and the longest that the rules allow when reports are
 // read late.
 #include "app/app_model.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/fake_central.h"
 #include "tests/support/world.h"
@@ -52,9 +52,8 @@ public:
               time_,
               {.filtersDuplicates = what.filtersDuplicates, .startUp = startUp, .reading = reading},
               seed),
-          model_({store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
-                      return std::make_unique<RecordedHud>([](const Warning*) {});
-                  }}) {
+          model_({store_, radio_, platform_.ports,
+                  [] { return std::make_unique<StagedHud>([](const Warning*) {}); }}) {
         KeyDevice key = keyNamed("Telefoon", 1);
         key.isApple = what.connected; // those are the ones that are connected
         model_.settings().keys.set({key});
@@ -73,14 +72,14 @@ public:
         times.toLeaving.push_back(until<phase::Leaving>(gone));
         times.toWarning.push_back(until<phase::Warning>(gone));
         times.toLock.push_back(until<phase::Locked>(gone));
-        session_.tell(SessionEvent::locked);
+        platform_.session.tell(SessionEvent::locked);
 
         // Its owner comes back, sits down for a while and unlocks.
         time_.advance(30s + 3 * phase);
         radio_.speak(numbered(1));
         time_.advance(10s + phase);
         const TimePoint unlocked = time_.now();
-        session_.tell(SessionEvent::unlocked);
+        platform_.session.tell(SessionEvent::unlocked);
         times.toArmed.push_back(until<phase::Present>(unlocked));
 
         // Away once more, and the warning is cancelled by one who stayed.
@@ -104,9 +103,7 @@ private:
     CapturedLog log_;
     VirtualTime time_{World::start};
     MemoryStore store_;
-    ReplayedSession session_;
-    ReplayedActivity activity_{time_};
-    RecordedLock lock_{[] {}};
+    StagedPlatform platform_{time_, time_};
     FakeCentral radio_;
     AppModel model_;
 };

@@ -9,7 +9,7 @@
 #include "bench/spread_id.h"
 #include "hud/hidden_hud.h"
 #include "model/log.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 
 #include <array>
 #include <cstdint>
@@ -94,11 +94,11 @@ private:
         ++locks_;
         locked_ = true;
         lockAsked_ = false;
-        session_.tell(SessionEvent::locked);
+        platform_.session.tell(SessionEvent::locked);
     }
     void tellUnlocked() {
         locked_ = false;
-        session_.tell(SessionEvent::unlocked);
+        platform_.session.tell(SessionEvent::unlocked);
     }
 
     std::uint64_t newcomers_; ///< an hour
@@ -106,15 +106,12 @@ private:
     VirtualTime time_{TimePoint{500000h}};
     MemoryStore store_;
     PassingRadio radio_;
-    ReplayedSession session_;
-    ReplayedActivity activity_{time_};
     bool lockAsked_ = false;
     bool locked_ = false;
     int locks_ = 0;
-    RecordedLock lock_{[this] { lockAsked_ = true; }};
-    AppModel model_{{store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
-                         return std::make_unique<HiddenHud>();
-                     }}};
+    StagedPlatform platform_{time_, time_, [this] { lockAsked_ = true; }};
+    AppModel model_{
+        {store_, radio_, platform_.ports, [] { return std::make_unique<HiddenHud>(); }}};
     std::uint64_t reports_ = 0;
 };
 

@@ -253,7 +253,7 @@ wegslot_module(app_qt
     base log line_threads settings preferences_file replace_file scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
-    ui_ports control foreign_descriptor recording recording_linux replayed_world
+    ui_ports control foreign_descriptor recording recording_linux stage
   LIBRARIES Qt6::Widgets)
 target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
 

@@ -24,14 +24,11 @@ Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::funct
     : clock_(clock),
       start_(clock.now()),
       print_(std::move(print)),
-      activity_(clock),
-      lock_([this] { tell("   (de sessie wordt gevraagd te locken)"); }),
-      model_({store_,
-              central_,
-              {clock, scheduler, session_, activity_, lock_},
+      platform_(clock, scheduler, [this] { tell("   (de sessie wordt gevraagd te locken)"); }),
+      model_({store_, central_, platform_.ports,
               [this, &hud] { // asked for below, at once
                   JointHud::Parts parts;
-                  parts.push_back(std::make_unique<RecordedHud>([this](const Warning* shown) {
+                  parts.push_back(std::make_unique<StagedHud>([this](const Warning* shown) {
                       tell(shown == nullptr ? "   (het waarschuwingspaneel gaat weg)"
                                             : "   (het waarschuwingspaneel verschijnt)");
                   }));
@@ -52,13 +49,13 @@ Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::funct
     playSignal(9, 14, -92, -96);
     at(21.5, [this] {
         tell("   (het scherm is gelockt)");
-        session_.tell(SessionEvent::locked);
+        platform_.session.tell(SessionEvent::locked);
     });
     at(28, [this] { tell("   (je komt terug)"); });
     playSignal(28, 38, -60, -52);
     at(31, [this] {
         tell("   (je ontgrendelt het scherm)");
-        session_.tell(SessionEvent::unlocked);
+        platform_.session.tell(SessionEvent::unlocked);
     });
     at(38, [this, done = std::move(done)] {
         tell("   (einde van de demo)");

@@ -7,8 +7,8 @@
 #include "base/delayed_calls.h"
 #include "hud/warning_hud.h"
 #include "model/log.h"
-#include "replay/replayed_central.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_central.h"
+#include "stage/staged_platform.h"
 
 #include <functional>
 #include <memory>
@@ -36,10 +36,8 @@ private:
     const TimePoint start_;
     PrintLine print_;
     MemoryStore store_;
-    ReplayedCentral central_;
-    ReplayedSession session_;
-    ReplayedActivity activity_;
-    RecordedLock lock_;
+    StagedCentral central_;
+    StagedPlatform platform_;
     AppModel model_;
     LogDestination* logBefore_;
     Subscription phases_;

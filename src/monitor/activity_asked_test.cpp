@@ -67,8 +67,8 @@ TEST_F(ActivityAskedTest, WhatDoesNotCountIsNotAskedFor) {
 TEST_F(ActivityAskedTest, OnlyWhileTheKeysAreAwayAndThenOnceASecond) {
     AppModel model({world.store,
                     world.central,
-                    {world.time, world.time, world.session, activity, world.lock},
-                    [] { return std::make_unique<RecordedHud>([](const Warning*) {}); }});
+                    {world.time, world.time, world.session, activity, world.platform.lock},
+                    [] { return std::make_unique<StagedHud>([](const Warning*) {}); }});
     model.settings().keys.set({keyNamed("iPhone", 1)});
     static_cast<void>(model.monitor());
     world.central.setState(CentralState::poweredOn);

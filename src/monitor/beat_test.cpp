@@ -79,7 +79,7 @@ TEST(Beat, ACountdownTakesItsSecondsHoweverLateTheTicksAreRun) {
         AppModel::Surroundings around = world.surroundings();
         AppModel model({around.preferences,
                         around.central,
-                        {clock, world.time, world.session, world.activity, world.lock},
+                        {clock, world.time, world.session, world.activity, world.platform.lock},
                         around.makeHud});
         model.settings().keys.set({keyNamed("Telefoon", 1)});
         Monitor& monitor = model.monitor();

@@ -1,7 +1,7 @@
 #include "recording/activity_watch.h"
 
 #include "base/virtual_time.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 struct ActivityWatchTest : testing::Test {
     VirtualTime time{TimePoint{1000h}};
-    ReplayedActivity activity{time};
+    StagedActivity activity{time};
     ActivityWatch watch{activity, time};
 
     [[nodiscard]] int touches() {

@@ -1,7 +1,7 @@
 #include "recording/central_tap.h"
 
-#include "replay/replayed_central.h"
 #include "scanner/model_identifier.h"
+#include "stage/staged_central.h"
 #include "tests/support/world.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ struct Told final : CentralDelegate {
 } // namespace
 
 TEST(CentralTap, EachReportReachesTheListenerFirst) {
-    ReplayedCentral central;
+    StagedCentral central;
     CentralTap tap(central);
     std::vector<std::string> told;
     Told core("core", told);
@@ -82,7 +82,7 @@ TEST(CentralTap, EachReportReachesTheListenerFirst) {
 }
 
 TEST(CentralTap, WithoutAListenerTheCoreIsToldAllTheSame) {
-    ReplayedCentral central;
+    StagedCentral central;
     CentralTap tap(central);
     std::vector<std::string> told;
     Told core("core", told);
@@ -94,7 +94,7 @@ TEST(CentralTap, WithoutAListenerTheCoreIsToldAllTheSame) {
 }
 
 TEST(CentralTap, EveryQuestionAndEveryWishIsPassedOn) {
-    ReplayedCentral central;
+    StagedCentral central;
     CentralTap tap(central);
     std::vector<std::string> calls;
     central.onCall(

@@ -37,16 +37,12 @@ struct RecorderTest : testing::Test {
                 .anonymous = anonymous};
     }
 
-    [[nodiscard]] Monitor::Platform platform() {
-        return {world.time, world.time, world.session, world.activity, world.lock};
-    }
-
     void make(std::optional<Recorder::Request> atOnce) {
         AppModel::Surroundings surroundings = world.surroundings();
         world.model.emplace(AppModel::Surroundings{surroundings.preferences, radio,
                                                    surroundings.platform, surroundings.makeHud});
         recorder.emplace(
-            *world.model, radio, platform(), [this] { return numbered(++given); },
+            *world.model, radio, world.platform.ports, [this] { return numbered(++given); },
             std::move(atOnce));
     }
 

@@ -6,7 +6,7 @@
 #include "base/clock.h"
 #include "base/result.h"
 #include "recording/activity_watch.h"
-#include "replay/replayed_central.h"
+#include "stage/staged_central.h"
 #include "trace/disguise.h"
 #include "trace/event.h"
 
@@ -46,7 +46,7 @@ private:
     std::optional<Disguise> disguise_;
     TimePoint start_;
     Nanoseconds last_{0};
-    ReplayedCentral told_;
+    StagedCentral told_;
 };
 
 } // namespace wegslot

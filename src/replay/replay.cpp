@@ -42,13 +42,10 @@ public:
     Core(const Print& print, TimePoint start, PreferencesStore& store)
         : time(start),
           output(print, time),
-          activity(time),
-          lock([this] { output.lock(); }),
-          model({store,
-                 central,
-                 {time, time, session, activity, lock},
+          platform(time, time, [this] { output.lock(); }),
+          model({store, central, platform.ports,
                  [this] {
-                     return std::make_unique<RecordedHud>(
+                     return std::make_unique<StagedHud>(
                          [this](const Warning* shown) { output.warning(shown); });
                  }}),
           before_(Log::setDestination(&output)) {
@@ -67,10 +64,8 @@ public:
 
     VirtualTime time;
     ReplayOutput output;
-    ReplayedCentral central;
-    ReplayedSession session;
-    ReplayedActivity activity;
-    RecordedLock lock;
+    StagedCentral central;
+    StagedPlatform platform;
     AppModel model;
 
 private:
@@ -133,14 +128,16 @@ struct Replay::Perform {
         core.central.value(event.id, event.characteristic, event.value, event.name);
     }
 
-    void operator()(const trace::Session& event) const { core.session.tell(event.event); }
+    void operator()(const trace::Session& event) const { core.platform.session.tell(event.event); }
 
-    void operator()(const trace::Input&) const { core.activity.touch(); }
+    void operator()(const trace::Input&) const { core.platform.activity.touch(); }
 
-    void operator()(const trace::Camera& event) const { core.activity.setCamera(event.inUse); }
+    void operator()(const trace::Camera& event) const {
+        core.platform.activity.setCamera(event.inUse);
+    }
 
     void operator()(const trace::Microphone& event) const {
-        core.activity.setMicrophone(event.user);
+        core.platform.activity.setMicrophone(event.user);
     }
 
     void operator()(const trace::AddKey& event) const {

@@ -6,8 +6,8 @@
 #include "base/result.h"
 #include "base/virtual_time.h"
 #include "replay/replay_output.h"
-#include "replay/replayed_central.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_central.h"
+#include "stage/staged_platform.h"
 #include "trace/reader.h"
 
 #include <functional>

@@ -7,8 +7,8 @@
 #include "model/log.h"
 #include "monitor/key_state.h"
 #include "monitor/phase.h"
-#include "replay/replayed_platform.h"
 #include "scanner/seen_device.h"
+#include "stage/staged_platform.h"
 
 #include <functional>
 #include <string>

@@ -4,8 +4,8 @@
 #include "base/text.h"
 #include "base/virtual_time.h"
 #include "model/log.h"
-#include "replay/replayed_central.h"
 #include "scanner/scanner.h"
+#include "stage/staged_central.h"
 #include "tests/fuzz/expect.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::string_view text(reinterpret_cast<const char*>(data), size);
         const std::string_view half = text.substr(0, size / 2);
         VirtualTime time{TimePoint{}};
-        ReplayedCentral central;
+        StagedCentral central;
         Scanner scanner{central, time, time};
         const Uuid id{};
         scanner.setWatchedIDs({id});

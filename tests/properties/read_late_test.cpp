@@ -3,7 +3,7 @@
 #include "app/app_model.h"
 #include "recording/recorder.h"
 #include "replay/replay.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/dice.h"
 #include "tests/support/fake_central.h"
@@ -32,8 +32,8 @@ public:
           radio_(time_, {.filtersDuplicates = false, .reading = 100ms}, seed) {
         model_.settings().keys.set({keyNamed("Telefoon", 1)});
         recorder_.emplace(
-            model_, tap_, Monitor::Platform{time_, time_, session_, activity_, lock_},
-            [] { return Uuid{}; }, Recorder::Request{.sink = [this](std::string_view line) {
+            model_, tap_, platform_.ports, [] { return Uuid{}; },
+            Recorder::Request{.sink = [this](std::string_view line) {
                 trace_ += line;
                 return std::optional<Failure>();
             }});
@@ -67,12 +67,9 @@ private:
     MemoryStore store_;
     FakeCentral radio_;
     CentralTap tap_{radio_};
-    ReplayedSession session_;
-    ReplayedActivity activity_{time_};
-    RecordedLock lock_{[] {}};
-    AppModel model_{{store_, tap_, {time_, time_, session_, activity_, lock_}, [] {
-                         return std::make_unique<RecordedHud>([](const Warning*) {});
-                     }}};
+    StagedPlatform platform_{time_, time_};
+    AppModel model_{{store_, tap_, platform_.ports,
+                     [] { return std::make_unique<StagedHud>([](const Warning*) {}); }}};
     std::optional<Recorder> recorder_;
     std::string trace_;
     KeyStates before_;

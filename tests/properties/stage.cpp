@@ -46,7 +46,7 @@ private:
 
 Stage::Stage(TimePoint start)
     : time(start),
-      lock([this] { happened(effect::LockRequested{}); }),
+      platform(time, time, [this] { happened(effect::LockRequested{}); }),
       start_(start),
       logBefore_(Log::setDestination(this)) {
     central.onCall([this](std::string_view operation, const Uuid* id) {
@@ -72,9 +72,7 @@ void Stage::makeMonitor() {
 void Stage::endModel() { model.reset(); }
 
 AppModel::Surroundings Stage::surroundings() {
-    return {store, tap, {time, time, session, activity, lock}, [this] {
-                return std::make_unique<Panel>(*this);
-            }};
+    return {store, tap, platform.ports, [this] { return std::make_unique<Panel>(*this); }};
 }
 
 void Stage::sleep(Nanoseconds duration) {

@@ -6,8 +6,8 @@
 #include "base/virtual_time.h"
 #include "model/log.h"
 #include "recording/central_tap.h"
-#include "replay/replayed_central.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_central.h"
+#include "stage/staged_platform.h"
 #include "tests/properties/effect.h"
 
 #include <functional>
@@ -54,11 +54,11 @@ public:
 
     VirtualTime time;
     MemoryStore store;
-    ReplayedCentral central;
+    StagedCentral central;
     CentralTap tap{central}; ///< between the radio and the core, as in the application
-    ReplayedSession session;
-    ReplayedActivity activity{time};
-    RecordedLock lock;
+    StagedPlatform platform;
+    StagedSession& session = platform.session;
+    StagedActivity& activity = platform.activity;
 
     /// What happened since they were last taken.
     Effects effects;

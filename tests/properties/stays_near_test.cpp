@@ -8,7 +8,7 @@
 // a search every 20 s (of 10), a connection that does not wait for the keys, a key whose
 // connection ended and that is not due at once.
 #include "app/app_model.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/dice.h"
 #include "tests/support/fake_central.h"
@@ -126,10 +126,10 @@ public:
         : situation_(situation),
           dice_(situation.seed + 1'000'000),
           radio_(time_, situation.controller, situation.seed) {
-        model_.emplace(
-            AppModel::Surroundings{store_, radio_, {time_, time_, session_, activity_, lock_}, [] {
-                                       return std::make_unique<RecordedHud>([](const Warning*) {});
-                                   }});
+        model_.emplace(AppModel::Surroundings{store_, radio_, platform_.ports, [] {
+                                                  return std::make_unique<StagedHud>(
+                                                      [](const Warning*) {});
+                                              }});
         model_->settings().awayDelay.set(Seconds{situation.awayDelay});
         model_->settings().lostTimeout.set(Seconds{situation.lostTimeout});
         model_->settings().keys.set(keys());
@@ -300,9 +300,7 @@ private:
     VirtualTime time_{start};
     MemoryStore store_;
     FakeCentral radio_;
-    ReplayedSession session_;
-    ReplayedActivity activity_{time_};
-    RecordedLock lock_{[] {}};
+    StagedPlatform platform_{time_, time_};
     std::optional<AppModel> model_;
     std::string fault_;
     Nanoseconds longestSilence_{0};

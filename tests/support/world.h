@@ -4,8 +4,8 @@
 
 #include "app/app_model.h"
 #include "base/virtual_time.h"
-#include "replay/replayed_central.h"
-#include "replay/replayed_platform.h"
+#include "stage/staged_central.h"
+#include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 
 #include <gtest/gtest.h>
@@ -63,8 +63,8 @@ public:
     }
 
     [[nodiscard]] AppModel::Surroundings surroundings() {
-        return {store, central, {time, time, session, activity, lock}, [this] {
-                    return std::make_unique<RecordedHud>([this](const Warning* shown) {
+        return {store, central, platform.ports, [this] {
+                    return std::make_unique<StagedHud>([this](const Warning* shown) {
                         warning = shown == nullptr ? std::nullopt : std::optional(*shown);
                     });
                 }};
@@ -119,15 +119,15 @@ public:
     VirtualTime time{start};
     CapturedLog log;
     MemoryStore store;
-    ReplayedCentral central;
-    ReplayedSession session;
-    ReplayedActivity activity{time};
+    StagedCentral central;
     int locks = 0;
     std::function<void()> onLock; ///< told of each request, too
-    RecordedLock lock{[this] {
-        ++locks;
-        if (onLock) onLock();
-    }};
+    StagedPlatform platform{time, time, [this] {
+                                ++locks;
+                                if (onLock) onLock();
+                            }};
+    StagedSession& session = platform.session;
+    StagedActivity& activity = platform.activity;
     std::optional<Warning> warning; ///< the panel that is showing
     std::vector<std::string> calls; ///< "connect 7": operation and last byte of the id
     std::optional<AppModel> model;

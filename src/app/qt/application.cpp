@@ -156,7 +156,7 @@ struct Execute {
     int operator()(const command::Snapshot& picture) const {
         RealWorld world(scheduler, clock);
         ListeningCentral central(world.central);
-        RecordedLock lock([] {}); // nothing is locked for a picture
+        StagedLock lock([] {}); // nothing is locked for a picture
         AppModel model({preferences,
                         central,
                         {clock, scheduler, world.watcher, world.activity, lock},

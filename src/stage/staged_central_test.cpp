@@ -1,11 +1,11 @@
-#include "replay/replayed_central.h"
+#include "stage/staged_central.h"
 
 #include "tests/support/world.h"
 
 using namespace wegslot;
 
-TEST(ReplayedCentral, KnowsWhatWasHeardOrNamedInOrderOfIds) {
-    ReplayedCentral central;
+TEST(StagedCentral, KnowsWhatWasHeardOrNamedInOrderOfIds) {
+    StagedCentral central;
     central.know(numbered(3));
     central.advertise({.id = numbered(1), .rssi = -60});
     central.connected(numbered(2)); // a callback makes nothing known
@@ -13,8 +13,8 @@ TEST(ReplayedCentral, KnowsWhatWasHeardOrNamedInOrderOfIds) {
               (std::vector{numbered(1), numbered(3)}));
 }
 
-TEST(ReplayedCentral, KeepsAStatePerPeripheral) {
-    ReplayedCentral central;
+TEST(StagedCentral, KeepsAStatePerPeripheral) {
+    StagedCentral central;
     const Uuid id = numbered(1);
     EXPECT_EQ(central.peripheralState(id), PeripheralState::disconnected);
     central.connect(id);
@@ -28,8 +28,8 @@ TEST(ReplayedCentral, KeepsAStatePerPeripheral) {
     EXPECT_EQ(central.peripheralState(id), PeripheralState::disconnected);
 }
 
-TEST(ReplayedCentral, KeepsTheLastNameThatAnythingGave) {
-    ReplayedCentral central;
+TEST(StagedCentral, KeepsTheLastNameThatAnythingGave) {
+    StagedCentral central;
     const Uuid id = numbered(1);
     EXPECT_EQ(central.peripheralName(id), std::nullopt);
     central.know(id, "een");
@@ -41,8 +41,8 @@ TEST(ReplayedCentral, KeepsTheLastNameThatAnythingGave) {
     EXPECT_EQ(central.peripheralName(id), "twee");
 }
 
-TEST(ReplayedCentral, StateNameAndKnowledgeMoveToTheIdentity) {
-    ReplayedCentral central;
+TEST(StagedCentral, StateNameAndKnowledgeMoveToTheIdentity) {
+    StagedCentral central;
     central.know(numbered(1), "een");
     central.connected(numbered(1));
     central.identify(numbered(1), numbered(2));

@@ -1,6 +1,6 @@
 // A Bluetooth stack that does only what it is told: an open loop. It keeps a state and a name
 // per peripheral, reports what it is fed, and names each call of the core to a listener. The
-// replay feeds it from a trace, tests by hand.
+// demo feeds it by a script, the replay from a trace, tests by hand.
 #pragma once
 
 #include "scanner/bluetooth_central.h"
@@ -10,7 +10,7 @@
 
 namespace wegslot {
 
-class ReplayedCentral final : public BluetoothCentral {
+class StagedCentral final : public BluetoothCentral {
 public:
     /// The name of the operation, and the peripheral unless it is about none.
     using CallListener = std::function<void(std::string_view operation, const Uuid* id)>;

@@ -1,11 +1,12 @@
-// The world around the core, as a trace or a test tells it: the screen, the user's hands, the
-// camera and microphone, the lock and the warning panel. Each keeps what it was told and
-// reports what it was asked.
+// The world around the core as somebody stages it: the demo, a trace that is replayed, a test. The
+// screen, the user's hands, the camera and microphone, the lock and the warning panel, each of
+// which keeps what it was told and reports what it was asked.
 #pragma once
 
 #include "base/clock.h"
 #include "base/observable.h"
 #include "hud/warning_hud.h"
+#include "monitor/monitor.h"
 #include "monitor/session_events.h"
 #include "platform/activity_detector.h"
 #include "platform/lock_controller.h"
@@ -17,7 +18,7 @@
 
 namespace wegslot {
 
-class ReplayedSession final : public SessionEvents {
+class StagedSession final : public SessionEvents {
 public:
     void tell(SessionEvent event) { events_.set(event); }
 
@@ -29,9 +30,9 @@ private:
     Observable<SessionEvent> events_;
 };
 
-class ReplayedActivity final : public ActivityDetector {
+class StagedActivity final : public ActivityDetector {
 public:
-    explicit ReplayedActivity(const Clock& clock) : clock_(clock) {}
+    explicit StagedActivity(const Clock& clock) : clock_(clock) {}
 
     /// The user touches keyboard or mouse now; before the first touch the idle time is unknown.
     void touch() { lastInput_ = clock_.now(); }
@@ -56,14 +57,31 @@ private:
 };
 
 /// Calls a listener for each request.
-class RecordedLock final : public LockController {
+class StagedLock final : public LockController {
 public:
-    explicit RecordedLock(std::function<void()> listener) : listener_(std::move(listener)) {}
+    explicit StagedLock(std::function<void()> listener) : listener_(std::move(listener)) {}
 
     void lock() override { listener_(); }
 
 private:
     std::function<void()> listener_;
+};
+
+/// All that a monitor needs, on the clock that it is given.
+struct StagedPlatform {
+    StagedPlatform(
+        const Clock& clock, Scheduler& scheduler, std::function<void()> onLock = [] {})
+        : activity(clock),
+          lock(std::move(onLock)),
+          ports{clock, scheduler, session, activity, lock} {}
+
+    StagedPlatform(const StagedPlatform&) = delete;
+    StagedPlatform& operator=(const StagedPlatform&) = delete;
+
+    StagedSession session;
+    StagedActivity activity;
+    StagedLock lock;
+    Monitor::Platform ports;
 };
 
 /// What a warning panel shows.
@@ -76,11 +94,11 @@ struct Warning {
 
 /// Calls a listener when a panel appears (with it) and when one that was showing goes (with
 /// null).
-class RecordedHud final : public WarningHUD {
+class StagedHud final : public WarningHUD {
 public:
     using Listener = std::function<void(const Warning*)>;
 
-    explicit RecordedHud(Listener listener) : listener_(std::move(listener)) {}
+    explicit StagedHud(Listener listener) : listener_(std::move(listener)) {}
 
     void show(TimePoint deadline, Seconds total, const std::string& message,
               std::function<void()> onCancel) override {

@@ -1,4 +1,4 @@
-#include "replay/replayed_platform.h"
+#include "stage/staged_platform.h"
 
 #include "base/virtual_time.h"
 
@@ -9,8 +9,8 @@
 using namespace wegslot;
 using namespace std::chrono_literals;
 
-TEST(ReplayedSession, TellsWhoListensAndNobodyElse) {
-    ReplayedSession session;
+TEST(StagedSession, TellsWhoListensAndNobodyElse) {
+    StagedSession session;
     std::vector<SessionEvent> told;
     auto listening = session.observe([&](SessionEvent event) { told.push_back(event); });
     session.tell(SessionEvent::locked);
@@ -20,9 +20,9 @@ TEST(ReplayedSession, TellsWhoListensAndNobodyElse) {
     EXPECT_EQ(told, (std::vector{SessionEvent::locked, SessionEvent::locked}));
 }
 
-TEST(ReplayedActivity, IdleTimeGrowsFromTheLastTouch) {
+TEST(StagedActivity, IdleTimeGrowsFromTheLastTouch) {
     VirtualTime time{TimePoint{1000h}};
-    ReplayedActivity activity(time);
+    StagedActivity activity(time);
     EXPECT_EQ(activity.idleSeconds(), ActivityDetector::unknownIdle);
     activity.touch();
     EXPECT_EQ(activity.idleSeconds(), Seconds{0});
@@ -32,9 +32,9 @@ TEST(ReplayedActivity, IdleTimeGrowsFromTheLastTouch) {
     EXPECT_EQ(activity.idleSeconds(), Seconds{3602.5});
 }
 
-TEST(RecordedHud, ReportsEachPanelAndOnlyTheEndOfOneThatShowed) {
+TEST(StagedHud, ReportsEachPanelAndOnlyTheEndOfOneThatShowed) {
     std::vector<std::string> shown;
-    RecordedHud hud([&](const Warning* warning) {
+    StagedHud hud([&](const Warning* warning) {
         shown.push_back(warning == nullptr ? "-" : warning->message);
     });
     hud.hide();
@@ -45,9 +45,9 @@ TEST(RecordedHud, ReportsEachPanelAndOnlyTheEndOfOneThatShowed) {
     EXPECT_EQ(shown, (std::vector<std::string>{"een", "twee", "-"}));
 }
 
-TEST(RecordedLock, ReportsEachRequest) {
+TEST(StagedLock, ReportsEachRequest) {
     int requests = 0;
-    RecordedLock lock([&] { ++requests; });
+    StagedLock lock([&] { ++requests; });
     lock.lock();
     lock.lock();
     EXPECT_EQ(requests, 2);

@@ -1,21 +1,21 @@
-#include "replay/replayed_central.h"
+#include "stage/staged_central.h"
 
 namespace wegslot {
 
-void ReplayedCentral::setState(CentralState state,
-                               std::optional<CentralAuthorization> authorization) {
+void StagedCentral::setState(CentralState state,
+                             std::optional<CentralAuthorization> authorization) {
     state_ = state;
     if (authorization) authorization_ = *authorization;
     if (delegate_ != nullptr) delegate_->didUpdateState();
 }
 
-void ReplayedCentral::know(const Uuid& id, const std::optional<std::string>& name) {
+void StagedCentral::know(const Uuid& id, const std::optional<std::string>& name) {
     Peripheral& peripheral = peripherals_[id];
     peripheral.known = true;
     if (name) peripheral.name = name;
 }
 
-void ReplayedCentral::advertise(Advertisement advertisement) {
+void StagedCentral::advertise(Advertisement advertisement) {
     Peripheral& peripheral = peripherals_[advertisement.id];
     peripheral.known = true;
     if (advertisement.peripheralName) peripheral.name = *advertisement.peripheralName;
@@ -23,42 +23,42 @@ void ReplayedCentral::advertise(Advertisement advertisement) {
     if (delegate_ != nullptr) delegate_->didDiscover(advertisement);
 }
 
-void ReplayedCentral::connected(const Uuid& id) {
+void StagedCentral::connected(const Uuid& id) {
     peripherals_[id].state = PeripheralState::connected;
     if (delegate_ != nullptr) delegate_->didConnect(id);
 }
 
-void ReplayedCentral::connectFailed(const Uuid& id) {
+void StagedCentral::connectFailed(const Uuid& id) {
     peripherals_[id].state = PeripheralState::disconnected;
     if (delegate_ != nullptr) delegate_->didFailToConnect(id);
 }
 
-void ReplayedCentral::disconnected(const Uuid& id, const std::optional<std::string>& reason) {
+void StagedCentral::disconnected(const Uuid& id, const std::optional<std::string>& reason) {
     peripherals_[id].state = PeripheralState::disconnected;
     if (delegate_ != nullptr) delegate_->didDisconnect(id, reason);
 }
 
-void ReplayedCentral::rssiRead(const Uuid& id, std::optional<int> rssi) {
+void StagedCentral::rssiRead(const Uuid& id, std::optional<int> rssi) {
     if (delegate_ != nullptr) delegate_->didReadRSSI(id, rssi);
 }
 
-void ReplayedCentral::services(const Uuid& id, std::span<const GattUuid> services) {
+void StagedCentral::services(const Uuid& id, std::span<const GattUuid> services) {
     if (delegate_ != nullptr) delegate_->didDiscoverServices(id, services);
 }
 
-void ReplayedCentral::characteristics(const Uuid& id, GattUuid service,
-                                      std::span<const GattUuid> characteristics) {
+void StagedCentral::characteristics(const Uuid& id, GattUuid service,
+                                    std::span<const GattUuid> characteristics) {
     if (delegate_ != nullptr) delegate_->didDiscoverCharacteristics(id, service, characteristics);
 }
 
-void ReplayedCentral::value(const Uuid& id, GattUuid characteristic,
-                            const std::optional<std::string_view>& value,
-                            const std::optional<std::string>& name) {
+void StagedCentral::value(const Uuid& id, GattUuid characteristic,
+                          const std::optional<std::string_view>& value,
+                          const std::optional<std::string>& name) {
     if (name) peripherals_[id].name = name;
     if (delegate_ != nullptr) delegate_->didUpdateValue(id, characteristic, value);
 }
 
-void ReplayedCentral::identify(const Uuid& from, const Uuid& to) {
+void StagedCentral::identify(const Uuid& from, const Uuid& to) {
     const auto found = peripherals_.find(from);
     if (found != peripherals_.end() && from != to) {
         const Peripheral before = found->second;
@@ -71,14 +71,14 @@ void ReplayedCentral::identify(const Uuid& from, const Uuid& to) {
     if (delegate_ != nullptr) delegate_->didIdentify(from, to);
 }
 
-void ReplayedCentral::scan() { called("scan"); }
+void StagedCentral::scan() { called("scan"); }
 
-bool ReplayedCentral::changesAddress(const Uuid& id) const {
+bool StagedCentral::changesAddress(const Uuid& id) const {
     const auto found = peripherals_.find(id);
     return found != peripherals_.end() && found->second.changing;
 }
 
-std::vector<Uuid> ReplayedCentral::retrieve(const std::set<Uuid>& ids) {
+std::vector<Uuid> StagedCentral::retrieve(const std::set<Uuid>& ids) {
     std::vector<Uuid> known;
     for (const Uuid& id : ids) {
         const auto found = peripherals_.find(id);
@@ -87,39 +87,37 @@ std::vector<Uuid> ReplayedCentral::retrieve(const std::set<Uuid>& ids) {
     return known;
 }
 
-PeripheralState ReplayedCentral::peripheralState(const Uuid& id) const {
+PeripheralState StagedCentral::peripheralState(const Uuid& id) const {
     const auto found = peripherals_.find(id);
     return found == peripherals_.end() ? PeripheralState::disconnected : found->second.state;
 }
 
-std::optional<std::string> ReplayedCentral::peripheralName(const Uuid& id) const {
+std::optional<std::string> StagedCentral::peripheralName(const Uuid& id) const {
     const auto found = peripherals_.find(id);
     return found == peripherals_.end() ? std::nullopt : found->second.name;
 }
 
-void ReplayedCentral::connect(const Uuid& id) {
+void StagedCentral::connect(const Uuid& id) {
     peripherals_[id].state = PeripheralState::connecting;
     called("connect", &id);
 }
 
-void ReplayedCentral::cancelConnection(const Uuid& id) {
+void StagedCentral::cancelConnection(const Uuid& id) {
     peripherals_[id].state = PeripheralState::disconnected;
     called("cancel", &id);
 }
 
-void ReplayedCentral::readRSSI(const Uuid& id) { called("readRSSI", &id); }
+void StagedCentral::readRSSI(const Uuid& id) { called("readRSSI", &id); }
 
-void ReplayedCentral::discoverServices(const Uuid& id, GattUuid) {
-    called("discoverServices", &id);
-}
+void StagedCentral::discoverServices(const Uuid& id, GattUuid) { called("discoverServices", &id); }
 
-void ReplayedCentral::discoverCharacteristics(const Uuid& id, GattUuid, GattUuid) {
+void StagedCentral::discoverCharacteristics(const Uuid& id, GattUuid, GattUuid) {
     called("discoverCharacteristics", &id);
 }
 
-void ReplayedCentral::readValue(const Uuid& id, GattUuid) { called("readValue", &id); }
+void StagedCentral::readValue(const Uuid& id, GattUuid) { called("readValue", &id); }
 
-void ReplayedCentral::called(std::string_view operation, const Uuid* id) const {
+void StagedCentral::called(std::string_view operation, const Uuid* id) const {
     if (listener_) listener_(operation, id);
 }
 
