@@ -22,7 +22,7 @@ wegslot_module(bluez
     scanner/bluez/hci_wire.cpp scanner/bluez/hci_wire.h scanner/bluez/hearing.cpp
     scanner/bluez/hearing.h scanner/bluez/links.h scanner/bluez/loss_text.cpp
     scanner/bluez/loss_text.h scanner/bluez/object_tree.cpp scanner/bluez/object_tree.h
-    scanner/bluez/object_watch.cpp scanner/bluez/object_watch.h
+    scanner/bluez/object_watch.cpp scanner/bluez/object_watch.h scanner/bluez/teller.h
   TESTS
     scanner/bluez/assigned_numbers_test.cpp scanner/bluez/central_state_test.cpp
     scanner/bluez/device_id_test.cpp scanner/bluez/hci_wire_test.cpp

@@ -28,6 +28,7 @@ public:
         std::optional<Updater::World> updates{};
         /// Look for a release at once, and install it.
         bool updateNow = false;
+        Connecting connecting = Connecting::allowed;
     };
 
     explicit AppModel(Surroundings surroundings);
@@ -38,6 +39,13 @@ public:
     [[nodiscard]] Settings& settings() { return settings_; }
 
     [[nodiscard]] Scanner& scanner() { return scanner_; }
+
+    [[nodiscard]] BluetoothCentral& radio() { return surroundings_.central; }
+
+    /// The radio tells `link` from here on, which passes each report on to the scanner: before or
+    /// after it has done its own with it. Null for the scanner alone. May be called from within a
+    /// report.
+    void setLinkBeforeScanner(CentralDelegate* link);
 
     /// Made on the first read, so that settings and scanner are there before it listens to
     /// them; the same object from then on.

@@ -30,10 +30,11 @@ std::set<Uuid> idsOf(const std::vector<KeyDevice>& keys) {
 
 } // namespace
 
-Recorder::Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& platform,
+Recorder::Recorder(AppModel& model, const Monitor::Platform& platform,
                    std::function<Uuid()> freshId, std::optional<Request> atOnce)
     : model_(model),
-      radio_(radio),
+      radio_(model.radio()),
+      core_(model.scanner()),
       platform_(platform),
       freshId_(std::move(freshId)) {
     followSettings();
@@ -65,7 +66,7 @@ void Recorder::stop() {
 }
 
 void Recorder::letGo() {
-    radio_.setListener(nullptr);
+    model_.setLinkBeforeScanner(nullptr);
     activityTimer_.reset();
     recording_.reset();
 }
@@ -98,7 +99,7 @@ void Recorder::begin(Request request, CoreIs core) {
     if (request.anonymous) disguise.emplace(freshId_);
     recording_.emplace(std::move(request.sink), std::move(disguise), platform_.activity,
                        platform_.clock);
-    radio_.setListener(this);
+    model_.setLinkBeforeScanner(this);
     activityTimer_ = platform_.scheduler.every(ActivityWatch::interval, [this] { tellActivity(); });
     tell(trace::Start{platform_.clock.wallClock()});
     tell(trace::SettingsChange{preferences()});
@@ -146,7 +147,7 @@ void Recorder::tellKnown(const std::set<Uuid>& ids) {
 
 void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
     if (!isRecording()) return;
-    if (!at) at = radio_.isCatchingUp() ? beforeJudgement() : model_.monitor().heardAt();
+    if (!at) at = model_.scanner().isCatchingUp() ? beforeJudgement() : model_.monitor().heardAt();
     const auto failure = recording_->tell(std::move(event), *at);
     if (!failure) return;
     letGo();
@@ -155,11 +156,13 @@ void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
 
 // --- The radio
 // ------------------------------------------------------------------------------------
+// Each report is told before the core handles it: what it brings down is in the trace by then.
 
 void Recorder::didUpdateState() {
     // Before the state: once it is on the core asks which of its keys the stack knows.
     tellKnown(model_.scanner().watchedIDs());
     tell(trace::RadioState{radio_.state(), radio_.authorization()});
+    core_.didUpdateState();
 }
 
 void Recorder::didDiscover(const Advertisement& advertisement) {
@@ -172,29 +175,40 @@ void Recorder::didDiscover(const Advertisement& advertisement) {
     if (const auto& data = advertisement.manufacturerData)
         event.manufacturerData.emplace(data->begin(), data->end());
     tell(std::move(event));
+    core_.didDiscover(advertisement);
 }
 
-void Recorder::didConnect(const Uuid& id) { tell(trace::Connected{id}); }
+void Recorder::didConnect(const Uuid& id) {
+    tell(trace::Connected{id});
+    core_.didConnect(id);
+}
 
-void Recorder::didFailToConnect(const Uuid& id) { tell(trace::ConnectFailed{id}); }
+void Recorder::didFailToConnect(const Uuid& id) {
+    tell(trace::ConnectFailed{id, {}});
+    core_.didFailToConnect(id);
+}
 
 void Recorder::didDisconnect(const Uuid& id, const std::optional<std::string>& reason) {
     tell(trace::Disconnected{id, reason});
+    core_.didDisconnect(id, reason);
 }
 
 void Recorder::didReadRSSI(const Uuid& id, std::optional<int> rssi) {
     trace::RssiRead event{.id = id, .rssi = rssi, .error = std::nullopt};
     if (!rssi) event.error = "niet gelezen";
     tell(std::move(event));
+    core_.didReadRSSI(id, rssi);
 }
 
 void Recorder::didDiscoverServices(const Uuid& id, std::span<const GattUuid> services) {
     tell(trace::Services{id, {services.begin(), services.end()}});
+    core_.didDiscoverServices(id, services);
 }
 
-void Recorder::didDiscoverCharacteristics(const Uuid& id, GattUuid,
+void Recorder::didDiscoverCharacteristics(const Uuid& id, GattUuid service,
                                           std::span<const GattUuid> characteristics) {
     tell(trace::Characteristics{id, {characteristics.begin(), characteristics.end()}});
+    core_.didDiscoverCharacteristics(id, service, characteristics);
 }
 
 void Recorder::didUpdateValue(const Uuid& id, GattUuid characteristic,
@@ -205,8 +219,12 @@ void Recorder::didUpdateValue(const Uuid& id, GattUuid characteristic,
                        .name = recording_->newName(id, radio_.peripheralName(id))};
     if (value) event.value.emplace(*value);
     tell(std::move(event));
+    core_.didUpdateValue(id, characteristic, value);
 }
 
-void Recorder::didIdentify(const Uuid& from, const Uuid& to) { tell(trace::Identity{from, to}); }
+void Recorder::didIdentify(const Uuid& from, const Uuid& to) {
+    tell(trace::Identity{from, to});
+    core_.didIdentify(from, to);
+}
 
 } // namespace wegslot

@@ -1,10 +1,10 @@
 // Listens to everything that reaches the core from outside and, while somebody wants it, records it
 // as a trace that wegslot-replay plays. Stands there always, so that a recording can begin at any
-// time; while there is none nothing is asked, formatted or written.
+// time; while there is none nothing is asked, formatted or written. While there is one it is the
+// link between the radio and the scanner.
 #pragma once
 
 #include "app/app_model.h"
-#include "recording/central_tap.h"
 #include "recording/recording.h"
 
 #include <functional>
@@ -24,10 +24,10 @@ public:
 
     /// Makes the model's monitor, which nobody may have done before: an event has to be written
     /// before the core handles it. `atOnce`: records from here on, so that a replay makes its core
-    /// at the same instant. The model has been made over `radio` and `platform`; all must outlive
-    /// the recorder. `freshId` gives ids that nobody has.
-    Recorder(AppModel& model, CentralTap& radio, const Monitor::Platform& platform,
-             std::function<Uuid()> freshId, std::optional<Request> atOnce = {});
+    /// at the same instant. The model has been made over `platform`; both must outlive the
+    /// recorder. `freshId` gives ids that nobody has.
+    Recorder(AppModel& model, const Monitor::Platform& platform, std::function<Uuid()> freshId,
+             std::optional<Request> atOnce = {});
     ~Recorder() override;
 
     /// Begins with how things stand now. Refused while another recording runs.
@@ -65,7 +65,8 @@ private:
     [[nodiscard]] Preferences preferences() const;
 
     AppModel& model_;
-    CentralTap& radio_;
+    BluetoothCentral& radio_;
+    CentralDelegate& core_;
     Monitor::Platform platform_;
     std::function<Uuid()> freshId_;
     bool screenLocked_ = false;

@@ -22,7 +22,6 @@ const std::string one = "\"00000000-0000-0000-0000-000000000001\"";
 /// The core with a recorder from the start on, in virtual time.
 struct RecorderTest : testing::Test {
     World world;
-    CentralTap radio{world.central};
     std::optional<Recorder> recorder;
     Lines lines;
     std::optional<Failure> refusal; ///< of the next line
@@ -38,11 +37,9 @@ struct RecorderTest : testing::Test {
     }
 
     void make(std::optional<Recorder::Request> atOnce) {
-        AppModel::Surroundings surroundings = world.surroundings();
-        world.model.emplace(AppModel::Surroundings{surroundings.preferences, radio,
-                                                   surroundings.platform, surroundings.makeHud});
+        world.model.emplace(world.surroundings());
         recorder.emplace(
-            *world.model, radio, world.platform.ports, [this] { return numbered(++given); },
+            *world.model, world.platform.ports, [this] { return numbered(++given); },
             std::move(atOnce));
     }
 
@@ -135,6 +132,57 @@ TEST_F(RecorderTest, EachReportOfTheRadioIsTold) {
             R"({"value":{"id":)" + one + R"(,"characteristic":"2A24","value":"5031"}})",
             R"({"identity":{"from":)" + one + R"(,"to":"00000000-0000-0000-0000-000000000002"}})",
         }));
+}
+
+// Each of these reports makes the core do something, and something else.
+TEST_F(RecorderTest, TheCoreDoesTheSameWhetherItIsRecordedOrNot) {
+    const auto lived = [](World& lives) {
+        lives.settings().keys.set({keyNamed("Telefoon", 1)});
+        lives.central.setState(CentralState::poweredOn);
+        lives.hearApple(1, -50);
+        lives.hearApple(2, -60);
+        lives.central.connected(numbered(1));
+        lives.central.rssiRead(numbered(1), -40);
+        lives.pass(1s);
+        std::vector<std::string> done{
+            std::to_string(lives.scanner().smoothedRSSI(numbered(1))->value)};
+        lives.central.disconnected(numbered(1), "weg");
+        lives.central.connectFailed(numbered(1));
+        lives.pass(5s);
+        lives.central.services(numbered(2), std::vector{ModelIdentifier::deviceInfoService});
+        lives.central.characteristics(numbered(2), ModelIdentifier::deviceInfoService,
+                                      std::vector{ModelIdentifier::modelCharacteristic});
+        lives.scanner().setDiscoveryActive(true);
+        lives.hearApple(2, -60);
+        lives.central.value(numbered(2), ModelIdentifier::modelCharacteristic, "P1");
+        lives.central.identify(numbered(2), numbered(3));
+        lives.pass(1s);
+        for (const SeenDevice& device : lives.scanner().snapshot().get())
+            done.push_back(device.id.text() + " " + device.model.value_or("-"));
+        for (const std::string& call : lives.takeCalls())
+            done.push_back(call);
+        for (const std::string& message : lives.log.messages)
+            done.push_back(message);
+        return done;
+    };
+    start();
+    const auto recorded = lived(world);
+    EXPECT_EQ(told().size(), 14U); // the keys, ten kinds of report, one of them thrice, the list
+    TearDown();
+    World unheard;
+    unheard.model.emplace(unheard.surroundings());
+    static_cast<void>(unheard.monitor());
+    EXPECT_EQ(recorded, lived(unheard));
+}
+
+TEST_F(RecorderTest, AnEndedRecordingHearsNothingAndTheCoreGoesOn) {
+    start();
+    refusal = Failure{"vol"};
+    world.central.setState(CentralState::poweredOn); // ends it within the report
+    EXPECT_FALSE(recorder->isRecording());
+    EXPECT_TRUE(world.scanner().isPoweredOn());
+    world.hearApple(1, -50);
+    EXPECT_TRUE(world.logged("Gezien: " + numbered(1).text() + " naam=- type=0x10 rssi=-50"));
 }
 
 TEST_F(RecorderTest, ANameIsToldWhenItIsAnother) {

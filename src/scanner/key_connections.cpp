@@ -15,18 +15,19 @@ bool KeyConnections::setPassive(std::set<Uuid> ids) {
 }
 
 bool KeyConnections::isActive(const Uuid& id) const {
-    return watched_.contains(id) && !passive_.contains(id);
+    return mayConnect_ && watched_.contains(id) && !passive_.contains(id);
 }
 
 std::set<Uuid> KeyConnections::active() const {
     std::set<Uuid> active;
+    if (!mayConnect_) return active;
     std::ranges::set_difference(watched_, passive_, std::inserter(active, active.end()));
     return active;
 }
 
 std::set<Uuid> KeyConnections::onlyHeard() const {
     std::set<Uuid> heard;
-    std::ranges::set_intersection(watched_, passive_, std::inserter(heard, heard.end()));
+    std::ranges::set_difference(watched_, active(), std::inserter(heard, heard.end()));
     return heard;
 }
 

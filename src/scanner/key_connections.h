@@ -14,6 +14,10 @@
 
 namespace wegslot {
 
+/// Whether any device may be connected. Who looks on, beside a Wegslot that may hold the
+/// connections, only listens.
+enum class Connecting { allowed, never };
+
 class KeyConnections {
 public:
     /// Often enough for two samples in the smoothing window.
@@ -23,10 +27,13 @@ public:
     static constexpr Nanoseconds reconnectDelay = std::chrono::seconds{2};
 
     KeyConnections(BluetoothCentral& central, Scheduler& scheduler,
-                   const Observable<CentralState>& state)
+                   const Observable<CentralState>& state, Connecting connecting)
         : central_(central),
           state_(state),
+          mayConnect_(connecting == Connecting::allowed),
           delayed_(scheduler) {}
+
+    [[nodiscard]] bool mayConnect() const { return mayConnect_; }
 
     [[nodiscard]] const std::set<Uuid>& watched() const { return watched_; }
 
@@ -36,7 +43,7 @@ public:
     [[nodiscard]] bool setWatched(std::set<Uuid> ids);
     [[nodiscard]] bool setPassive(std::set<Uuid> ids);
 
-    /// A watched key that is not only listened to: it has to stay connected.
+    /// A watched key that is not only listened to: it has to stay connected, where any may be.
     [[nodiscard]] bool isActive(const Uuid& id) const;
 
     /// Connects every active key that is not, and disconnects every other peripheral but the
@@ -77,6 +84,7 @@ private:
 
     BluetoothCentral& central_;
     const Observable<CentralState>& state_;
+    const bool mayConnect_;
     std::set<Uuid> watched_;
     std::set<Uuid> passive_;
     std::unordered_set<Uuid> held_;

@@ -21,7 +21,8 @@ void ModelIdentifier::setDiscoveryActive(bool active) {
 }
 
 void ModelIdentifier::identifyNext() {
-    if (identifying_ || state_.get() != CentralState::poweredOn) return;
+    if (identifying_ || state_.get() != CentralState::poweredOn || !connections_.mayConnect())
+        return;
     const auto candidate = bestCandidate();
     if (!candidate || !connections_.holds(*candidate)) return;
 

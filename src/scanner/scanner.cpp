@@ -9,10 +9,11 @@
 
 namespace wegslot {
 
-Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock)
+Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock,
+                 Connecting connecting)
     : central_(central),
       clock_(clock),
-      connections_(central, scheduler, state_),
+      connections_(central, scheduler, state_, connecting),
       identifier_(central, scheduler, clock, state_, devices_, connections_) {
     central_.setDelegate(this);
     rssiTimer_ = scheduler.every(KeyConnections::pollInterval, [this] { connections_.pollRSSI(); });
@@ -44,7 +45,9 @@ std::string Scanner::stateDescription() const {
 }
 
 void Scanner::refreshSnapshot() {
+    catchingUp_ = true;
     central_.catchUp();
+    catchingUp_ = false;
     const TimePoint now = clock_.now();
     release(devices_.forgetStale(watchedIDs(), now));
     snapshot_.set(devices_.snapshot(now));

@@ -18,12 +18,14 @@
 
 namespace wegslot {
 
-class Scanner final : private CentralDelegate {
+class Scanner final : public CentralDelegate {
 public:
     /// A first sighting is logged from this strength on: about the same room.
     static constexpr int loggedFrom = DeviceTable::nearFrom;
 
-    Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock);
+    /// The central tells it from here on.
+    Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& clock,
+            Connecting connecting = Connecting::allowed);
     ~Scanner() override;
 
     /// The last state that the stack reported.
@@ -39,6 +41,9 @@ public:
 
     /// Hears what has come in, forgets who has been silent too long and publishes the list anew.
     void refreshSnapshot();
+
+    /// Whether what is told now came in before and was only now asked for.
+    [[nodiscard]] bool isCatchingUp() const { return catchingUp_; }
 
     /// When the device was last heard; nothing when it is unknown or forgotten.
     [[nodiscard]] std::optional<TimePoint> lastSeen(const Uuid& id) const;
@@ -110,6 +115,7 @@ private:
     DeviceTable devices_;
     std::unordered_set<Uuid> loggedDevices_; ///< also those that are forgotten
     bool includeOtherDevices_ = false;
+    bool catchingUp_ = false;
     KeyConnections connections_;
     ModelIdentifier identifier_;
     Timer rssiTimer_;

@@ -19,7 +19,6 @@ struct ConnectionContract : RadioContract {
 };
 
 using Identity = DeviceSpec::Identity;
-using Connecting = DeviceSpec::Connecting;
 using Loss = RadioWorld::Loss;
 
 } // namespace
@@ -50,7 +49,7 @@ TEST_F(ConnectionContract, AKeyThatWasNeverHeardIsConnectedWhenItAppears) {
 }
 
 TEST_F(ConnectionContract, ADeviceThatTakesNoConnectionsStaysPending) {
-    const Uuid id = silentKey({.connecting = Connecting::ignores});
+    const Uuid id = silentKey({.connecting = DeviceSpec::Connecting::ignores});
     connect(id);
     world->speak(id);
     EXPECT_TRUE(hears(id));

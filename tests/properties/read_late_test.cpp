@@ -32,7 +32,7 @@ public:
           radio_(time_, {.filtersDuplicates = false, .reading = 100ms}, seed) {
         model_.settings().keys.set({keyNamed("Telefoon", 1)});
         recorder_.emplace(
-            model_, tap_, platform_.ports, [] { return Uuid{}; },
+            model_, platform_.ports, [] { return Uuid{}; },
             Recorder::Request{.sink = [this](std::string_view line) {
                 trace_ += line;
                 return std::optional<Failure>();
@@ -66,9 +66,8 @@ private:
     VirtualTime time_{World::start};
     MemoryStore store_;
     FakeCentral radio_;
-    CentralTap tap_{radio_};
     StagedPlatform platform_{time_, time_};
-    AppModel model_{{store_, tap_, platform_.ports,
+    AppModel model_{{store_, radio_, platform_.ports,
                      [] { return std::make_unique<StagedHud>([](const Warning*) {}); }}};
     std::optional<Recorder> recorder_;
     std::string trace_;

@@ -106,8 +106,7 @@ Recorded recorded(std::uint64_t seed, bool anonymous, int from = 0) {
     };
     const Witness witness(stage, result.live);
     Recorder recorder(
-        *stage.model, stage.tap,
-        {stage.time, questions, stage.session, stage.activity, stage.platform.lock},
+        *stage.model, {stage.time, questions, stage.session, stage.activity, stage.platform.lock},
         [&given] { return numbered(++given); },
         from == 0 ? std::optional(request()) : std::nullopt);
     for (int event = 1; life.step(); ++event) {

@@ -72,7 +72,7 @@ void Stage::makeMonitor() {
 void Stage::endModel() { model.reset(); }
 
 AppModel::Surroundings Stage::surroundings() {
-    return {store, tap, platform.ports, [this] { return std::make_unique<Panel>(*this); }};
+    return {store, central, platform.ports, [this] { return std::make_unique<Panel>(*this); }};
 }
 
 void Stage::sleep(Nanoseconds duration) {

@@ -5,7 +5,6 @@
 #include "app/app_model.h"
 #include "base/virtual_time.h"
 #include "model/log.h"
-#include "recording/central_tap.h"
 #include "stage/staged_central.h"
 #include "stage/staged_platform.h"
 #include "tests/properties/effect.h"
@@ -55,7 +54,6 @@ public:
     VirtualTime time;
     MemoryStore store;
     StagedCentral central;
-    CentralTap tap{central}; ///< between the radio and the core, as in the application
     StagedPlatform platform;
     StagedSession& session = platform.session;
     StagedActivity& activity = platform.activity;

@@ -71,15 +71,12 @@ Preferences replayed(const std::vector<std::string>& lines) {
 
 struct EverySetting : testing::Test {
     World world;
-    CentralTap radio{world.central};
     std::vector<std::string> lines;
     std::optional<Recorder> recorder;
 
     void record() {
-        AppModel::Surroundings made = world.surroundings();
-        AppModel& model = world.model.emplace(
-            AppModel::Surroundings{made.preferences, radio, made.platform, made.makeHud});
-        recorder.emplace(model, radio, made.platform, [] { return Uuid{}; });
+        AppModel& model = world.model.emplace(world.surroundings());
+        recorder.emplace(model, world.platform.ports, [] { return Uuid{}; });
         EXPECT_FALSE(recorder->record({.sink = [this](std::string_view line) {
             lines.emplace_back(line);
             return std::nullopt;

@@ -27,7 +27,7 @@
 #include "model/preferences_file.h"
 #include "platform/linux/system_clock.h"
 #include "recording/linux/descriptor_sink.h"
-#include "scanner/listening_central.h"
+#include "stage/staged_platform.h"
 #include "ui/linux/autostart_item.h"
 
 #include <QCoreApplication>
@@ -155,13 +155,13 @@ struct Execute {
     }
     int operator()(const command::Snapshot& picture) const {
         RealWorld world(scheduler, clock);
-        ListeningCentral central(world.central);
         StagedLock lock([] {}); // nothing is locked for a picture
-        AppModel model({preferences,
-                        central,
-                        {clock, scheduler, world.watcher, world.activity, lock},
-                        [] { return std::make_unique<HiddenHud>(); },
-                        program});
+        AppModel model({.preferences = preferences,
+                        .central = world.central,
+                        .platform = {clock, scheduler, world.watcher, world.activity, lock},
+                        .makeHud = [] { return std::make_unique<HiddenHud>(); },
+                        .bundle = program,
+                        .connecting = Connecting::never});
         const Appearance appearance(world.sessionBus);
         AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
                                 world.processes);

@@ -32,11 +32,10 @@ RunningApplication::RunningApplication(const Setting& setting)
     : setting_(setting),
       world_(setting.scheduler, setting.clock),
       updates_(world_.sessionBus),
-      radio_(world_.central),
       model_([this] {
           return AppModel::Surroundings{
               .preferences = setting_.preferences,
-              .central = radio_,
+              .central = world_.central,
               .platform = world_.platform,
               .makeHud =
                   [this] { return warning(world_.sessionBus, setting_.clock, setting_.scheduler); },
@@ -44,7 +43,7 @@ RunningApplication::RunningApplication(const Setting& setting)
               .updates = updates_.world(),
               .updateNow = setting_.updateNow};
       }()),
-      recorder_(model_, radio_, world_.platform, randomUuid, setting.recording),
+      recorder_(model_, world_.platform, randomUuid, setting.recording),
       appearance_(world_.sessionBus),
       loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
                  world_.processes),

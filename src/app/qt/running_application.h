@@ -14,7 +14,6 @@
 #include "hud/linux/notice.h"
 #include "model/lock_command.h"
 #include "model/preferences_file.h"
-#include "recording/central_tap.h"
 #include "recording/recorder.h"
 #include "ui/linux/autostart_item.h"
 #include "ui/linux/desktop_opener.h"
@@ -59,7 +58,6 @@ private:
     Setting setting_;
     RealWorld world_;
     RealUpdates updates_;
-    CentralTap radio_;
     AppModel model_;
     Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor
     Appearance appearance_;

@@ -15,8 +15,8 @@ BluezCentral::BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, co
       scheduler_(scheduler),
       clock_(clock),
       links_(links),
-      connections_(*this, links, scheduler, clock),
-      gatt_(*this, scheduler),
+      connections_(tell_, *this, links, scheduler, clock),
+      gatt_(tell_, scheduler),
       schedule_(*this, scheduler, clock),
       delayed_(scheduler) {
     connection_ = systemBus.bus().onChange([this](dbus::Bus* bus) { busChanged(bus); });
@@ -93,7 +93,7 @@ void BluezCentral::report(CentralState state) {
         return;
     }
     reported_ = state;
-    if (delegate_ != nullptr) delegate_->didUpdateState();
+    tell_(&CentralDelegate::didUpdateState);
 }
 
 bool BluezCentral::canScan() const {
@@ -236,7 +236,7 @@ void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews
     if (device == nullptr || !device->id || !adapter_ || !bluez::isUnder(path, *adapter_)) return;
     const Uuid id = *device->id; // whoever is told may change what the device is
     if (news.formerId) {
-        if (delegate_ != nullptr) delegate_->didIdentify(*news.formerId, id);
+        tell_(&CentralDelegate::didIdentify, *news.formerId, id);
         connections_.moved(*news.formerId, id);
     }
     if (news.standing) {
@@ -247,12 +247,13 @@ void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews
     if (!news.rssi || !discovery_) return;
     if (hearing_.heard(id, clock_.now())) Log::write("Radio hoort weer apparaten");
     device = watch_->objects().device(path);
-    if (delegate_ != nullptr && device != nullptr)
-        delegate_->didDiscover({.id = id,
-                                .rssi = *news.rssi,
-                                .peripheralName = device->name,
-                                .manufacturerData = news.manufacturerData,
-                                .localName = {}});
+    if (device != nullptr)
+        tell_(&CentralDelegate::didDiscover,
+              Advertisement{.id = id,
+                            .rssi = *news.rssi,
+                            .peripheralName = device->name,
+                            .manufacturerData = news.manufacturerData,
+                            .localName = {}});
     schedule_.heard(id);
     connections_.heard(id);
 }
@@ -315,7 +316,7 @@ void BluezCentral::strengthRead(const Uuid& id, std::optional<int> rssi) {
     readings_.erase(id);
     const bool changed = rssi ? measured_.insert(id).second : measured_.erase(id) > 0;
     if (changed) listenForKeys(); // what no link tells, advertisements may
-    if (delegate_ != nullptr) delegate_->didReadRSSI(id, rssi);
+    tell_(&CentralDelegate::didReadRSSI, id, rssi);
 }
 
 void BluezCentral::discoverServices(const Uuid& id, GattUuid service) {
@@ -331,39 +332,16 @@ void BluezCentral::readValue(const Uuid& id, GattUuid characteristic) {
     gatt_.readValue(id, characteristic);
 }
 
-void BluezCentral::connected(const Uuid& id) {
-    if (delegate_ != nullptr) delegate_->didConnect(id);
-}
-
 void BluezCentral::radioNeeded() {
     schedule_.makeWay();
     if (!schedule_.isScanning()) connections_.radioIsFree();
 }
 
-void BluezCentral::connectFailed(const Uuid& id) {
-    if (delegate_ != nullptr) delegate_->didFailToConnect(id);
-}
-
-void BluezCentral::disconnected(const Uuid& id, const std::optional<std::string>& reason) {
+void BluezCentral::linkLost(const Uuid& id) {
     readings_.erase(id);
     measured_.erase(id);
     gatt_.drop(id);
     listenForKeys();
-    if (delegate_ != nullptr) delegate_->didDisconnect(id, reason);
-}
-
-void BluezCentral::servicesFound(const Uuid& id, std::span<const GattUuid> services) {
-    if (delegate_ != nullptr) delegate_->didDiscoverServices(id, services);
-}
-
-void BluezCentral::characteristicsFound(const Uuid& id, GattUuid service,
-                                        std::span<const GattUuid> characteristics) {
-    if (delegate_ != nullptr) delegate_->didDiscoverCharacteristics(id, service, characteristics);
-}
-
-void BluezCentral::valueRead(const Uuid& id, GattUuid characteristic,
-                             const std::optional<std::string_view>& value) {
-    if (delegate_ != nullptr) delegate_->didUpdateValue(id, characteristic, value);
 }
 
 } // namespace wegslot

@@ -17,6 +17,7 @@
 #include "scanner/bluez/hearing.h"
 #include "scanner/bluez/links.h"
 #include "scanner/bluez/object_watch.h"
+#include "scanner/bluez/teller.h"
 #include "scanner/scan_schedule.h"
 
 #include <map>
@@ -31,8 +32,7 @@ class BluezCentral final : public BluetoothCentral,
                            private ScanRadio,
                            private bluez::WatchListener,
                            private bluez::Discovery::Listener,
-                           private bluez::ConnectionListener,
-                           private bluez::GattClient::Listener {
+                           private bluez::ConnectionListener {
 public:
     /// How long a new connection to the bus may take before the radio counts as gone meanwhile.
     static constexpr Nanoseconds renewal = std::chrono::seconds{5};
@@ -42,7 +42,7 @@ public:
     BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
                  bluez::Links& links);
 
-    void setDelegate(CentralDelegate* delegate) override { delegate_ = delegate; }
+    void setDelegate(CentralDelegate* delegate) override { tell_.setDelegate(delegate); }
     [[nodiscard]] CentralState state() const override {
         return reported_.value_or(CentralState::unknown);
     }
@@ -86,16 +86,9 @@ private:
     void discovering(bool discovering) override;
     void discoveryDenied() override;
 
-    void connected(const Uuid& id) override;
-    void connectFailed(const Uuid& id) override;
-    void disconnected(const Uuid& id, const std::optional<std::string>& reason) override;
+    void linkLost(const Uuid& id) override;
     void radioNeeded() override;
     void radioReleased() override { schedule_.resume(); }
-    void servicesFound(const Uuid& id, std::span<const GattUuid> services) override;
-    void characteristicsFound(const Uuid& id, GattUuid service,
-                              std::span<const GattUuid> characteristics) override;
-    void valueRead(const Uuid& id, GattUuid characteristic,
-                   const std::optional<std::string_view>& value) override;
 
     void busChanged(dbus::Bus* bus);
     void evaluate();
@@ -115,7 +108,7 @@ private:
     Scheduler& scheduler_;
     const Clock& clock_;
     bluez::Links& links_;
-    CentralDelegate* delegate_ = nullptr;
+    bluez::Teller tell_;
     dbus::Bus* bus_ = nullptr;
     std::unique_ptr<bluez::ObjectWatch> watch_;
     std::unique_ptr<bluez::Discovery> discovery_;

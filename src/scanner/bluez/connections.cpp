@@ -22,9 +22,10 @@ bool isToldAsOne(const Device& device) {
 
 } // namespace
 
-Connections::Connections(ConnectionListener& listener, Links& links, Scheduler& scheduler,
-                         const Clock& clock)
-    : listener_(listener),
+Connections::Connections(const Teller& tell, ConnectionListener& listener, Links& links,
+                         Scheduler& scheduler, const Clock& clock)
+    : tell_(tell),
+      listener_(listener),
       links_(links),
       scheduler_(scheduler),
       clock_(clock),
@@ -91,7 +92,7 @@ void Connections::cancel(const Uuid& id) {
     if (isOurs) close(id, *known); // gives up the attempt
     ours_.erase(id);
     delayed_.after(Nanoseconds{0}, [this, id, stage] {
-        if (stage == Stage::connected) return listener_.disconnected(id, std::nullopt);
+        if (stage == Stage::connected) return tellLost(id, std::nullopt);
         if (stage != Stage::waiting) arrangeRadio();
     });
 }
@@ -297,7 +298,7 @@ void Connections::succeed(Found connection) {
     failures_.erase(id);
     if (attempted) arrangeRadio();
     if (const Device* const known = device(id)) lookAgainAt(*known);
-    listener_.connected(id);
+    tell_(&CentralDelegate::didConnect, id);
 }
 
 void Connections::fail(Found connection) {
@@ -311,7 +312,7 @@ void Connections::fail(Found connection) {
         failures.notBefore = clock_.now() + std::min(doubled, longestSpacing);
         arrangeRadio();
     }
-    listener_.connectFailed(id);
+    tell_(&CentralDelegate::didFailToConnect, id);
 }
 
 void Connections::lose(Found connection) {
@@ -322,7 +323,12 @@ void Connections::lose(Found connection) {
     connections_.erase(connection);
     if (radio_) ours_.erase(id); // else the link may stand, and it is only we who went
     if (again) connect(id);
-    listener_.disconnected(id, reason);
+    tellLost(id, reason);
+}
+
+void Connections::tellLost(const Uuid& id, const std::optional<std::string>& reason) {
+    listener_.linkLost(id);
+    tell_(&CentralDelegate::didDisconnect, id, reason);
 }
 
 std::optional<std::string> Connections::lossReason(const Uuid& id,

@@ -12,6 +12,7 @@
 #include "scanner/bluetooth_central.h"
 #include "scanner/bluez/links.h"
 #include "scanner/bluez/object_tree.h"
+#include "scanner/bluez/teller.h"
 
 #include <map>
 #include <optional>
@@ -20,8 +21,8 @@
 
 namespace wegslot::bluez {
 
-/// Who is told; never from within `connect`, `cancel`, `radioIsFree` or `arrangeRadio`, but for the
-/// radio.
+/// Who has to do something about it. The delegate is told by `Connections` itself, and neither from
+/// within `connect`, `cancel`, `radioIsFree` or `arrangeRadio`, but for the radio.
 class ConnectionListener {
 public:
     ConnectionListener() = default;
@@ -29,9 +30,8 @@ public:
     ConnectionListener& operator=(const ConnectionListener&) = delete;
     virtual ~ConnectionListener() = default;
 
-    virtual void connected(const Uuid& id) = 0;
-    virtual void connectFailed(const Uuid& id) = 0;
-    virtual void disconnected(const Uuid& id, const std::optional<std::string>& reason) = 0;
+    /// The delegate is told next.
+    virtual void linkLost(const Uuid& id) = 0;
 
     /// A device was heard that is to be connected, as soon as `radioIsFree`; and that is over.
     virtual void radioNeeded() = 0;
@@ -54,8 +54,8 @@ public:
     /// After BlueZ has answered that a link is closed, its property says so within this.
     static constexpr Nanoseconds closing = std::chrono::seconds{1};
 
-    Connections(ConnectionListener& listener, Links& links, Scheduler& scheduler,
-                const Clock& clock);
+    Connections(const Teller& tell, ConnectionListener& listener, Links& links,
+                Scheduler& scheduler, const Clock& clock);
     ~Connections();
     Connections(const Connections&) = delete;
     Connections& operator=(const Connections&) = delete;
@@ -144,10 +144,12 @@ private:
     void lookAgainAt(const Device& device);
     void fail(Found connection);
     void lose(Found connection);
+    void tellLost(const Uuid& id, const std::optional<std::string>& reason);
     void close(const Uuid& id, const Device& device);
     Subscription call(const Uuid& id, const Device& device, const std::string& member,
                       std::function<void(const dbus::Message&)> answer);
 
+    const Teller& tell_;
     ConnectionListener& listener_;
     Links& links_;
     Scheduler& scheduler_;

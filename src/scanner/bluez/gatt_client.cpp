@@ -12,8 +12,8 @@ constexpr std::size_t longestValue = 512;
 
 } // namespace
 
-GattClient::GattClient(Listener& listener, Scheduler& scheduler)
-    : listener_(listener),
+GattClient::GattClient(const Teller& tell, Scheduler& scheduler)
+    : tell_(tell),
       scheduler_(scheduler),
       delayed_(scheduler) {}
 
@@ -41,7 +41,7 @@ void GattClient::readValue(const Uuid& id, GattUuid characteristic) {
         device == nullptr ? "" : radio_->watch.gatt().characteristic(*device, characteristic);
     if (found.empty()) {
         delayed_.after(Nanoseconds{0}, [this, id, characteristic] {
-            listener_.valueRead(id, characteristic, std::nullopt);
+            tell_(&CentralDelegate::didUpdateValue, id, characteristic, std::nullopt);
         });
         return;
     }
@@ -59,7 +59,7 @@ void GattClient::readValue(const Uuid& id, GattUuid characteristic) {
                              std::optional<std::string> value;
                              if (bytes && bytes->size() <= longestValue)
                                  value.emplace(bytes->begin(), bytes->end());
-                             listener_.valueRead(id, characteristic, value);
+                             tell_(&CentralDelegate::didUpdateValue, id, characteristic, value);
                          });
 }
 
@@ -105,8 +105,9 @@ void GattClient::answer(const Uuid& id, std::span<const GattUuid> found) {
     const auto question = questions_.extract(id);
     if (question.empty()) return;
     if (question.mapped().characteristic)
-        return listener_.characteristicsFound(id, question.mapped().service, found);
-    listener_.servicesFound(id, found);
+        return tell_(&CentralDelegate::didDiscoverCharacteristics, id, question.mapped().service,
+                     found);
+    tell_(&CentralDelegate::didDiscoverServices, id, found);
 }
 
 } // namespace wegslot::bluez

@@ -8,11 +8,11 @@
 #include "dbus/bus.h"
 #include "scanner/bluetooth_central.h"
 #include "scanner/bluez/object_watch.h"
+#include "scanner/bluez/teller.h"
 
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace wegslot::bluez {
 
@@ -21,22 +21,8 @@ public:
     /// BlueZ may say that the services are known before it has announced the last of them.
     static constexpr Nanoseconds announcements = std::chrono::seconds{1};
 
-    /// Who is told; never from within an operation of the client.
-    class Listener {
-    public:
-        Listener() = default;
-        Listener(const Listener&) = delete;
-        Listener& operator=(const Listener&) = delete;
-        virtual ~Listener() = default;
-
-        virtual void servicesFound(const Uuid& id, std::span<const GattUuid> services) = 0;
-        virtual void characteristicsFound(const Uuid& id, GattUuid service,
-                                          std::span<const GattUuid> characteristics) = 0;
-        virtual void valueRead(const Uuid& id, GattUuid characteristic,
-                               const std::optional<std::string_view>& value) = 0;
-    };
-
-    GattClient(Listener& listener, Scheduler& scheduler);
+    /// Tells through `tell`, and never from within an operation of the client.
+    GattClient(const Teller& tell, Scheduler& scheduler);
 
     /// The radio to work with; both must stay until `clearRadio`.
     void setRadio(dbus::Bus& bus, const ObjectWatch& watch, std::string adapter);
@@ -74,7 +60,7 @@ private:
     void look(const Uuid& id);
     void answer(const Uuid& id, std::span<const GattUuid> found);
 
-    Listener& listener_;
+    const Teller& tell_;
     Scheduler& scheduler_;
     std::optional<Radio> radio_;
     std::map<Uuid, Question> questions_;
