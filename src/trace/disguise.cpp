@@ -1,6 +1,7 @@
 #include "trace/disguise.h"
 
 #include "model/key_codec.h"
+#include "model/settings.h"
 #include "scanner/model_identifier.h"
 
 #include <algorithm>
@@ -79,7 +80,7 @@ struct Disguise::Mask {
         if (characteristic != ModelIdentifier::modelCharacteristic) content.reset();
     }
     void hide(Preferences& values) const {
-        const auto found = values.find("keys");
+        const auto found = values.find(Settings::specimen().keys.name());
         if (found == values.end()) return;
         auto keys =
             decodeKeys(std::get<Data>(found->second).bytes).value_or(std::vector<KeyDevice>{});
