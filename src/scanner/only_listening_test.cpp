@@ -14,6 +14,7 @@ struct OnlyListening : testing::Test {
         world.model.emplace(std::move(surroundings));
         world.settings().keys.set({key});
         static_cast<void>(world.monitor());
+        world.central.know(key.id);
         world.central.setState(CentralState::poweredOn);
     }
 
