@@ -1,9 +1,9 @@
 // What the core costs: per advertisement, per tick, per line of a trace.
 
-#include "app/app_model.h"
 #include "base/virtual_time.h"
 #include "bench/passing_radio.h"
 #include "bench/spread_id.h"
+#include "core/app_model.h"
 #include "hud/hidden_hud.h"
 #include "replay/replay.h"
 #include "stage/staged_platform.h"

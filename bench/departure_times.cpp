@@ -7,7 +7,7 @@
 // Prints a line for each of the times: how the key is followed, which time, and in seconds the
 // median, the 99th percentile, the longest, and the longest that the rules allow when reports are
 // read late.
-#include "app/app_model.h"
+#include "core/app_model.h"
 #include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/fake_central.h"

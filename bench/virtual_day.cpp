@@ -3,12 +3,12 @@
 // `virtual_day [HOURS [NEWCOMERS]]`, the latter an hour, prints a line an hour: the hour, bytes in
 // use, bytes resident, times locked so far.
 
-#include "app/app_model.h"
 #include "base/virtual_time.h"
 #include "bench/passing_radio.h"
 #include "bench/spread_id.h"
+#include "core/app_model.h"
 #include "hud/hidden_hud.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "stage/staged_platform.h"
 
 #include <array>

@@ -1,5 +1,24 @@
 # The worlds at the edge. Each sees only the ports that it implements.
 
+wegslot_module(file_log THREADED
+  FILES log/linux/file_log.cpp log/linux/file_log.h
+  TESTS log/linux/file_log_test.cpp
+  USES base line_threads log)
+
+wegslot_module(files_linux
+  FILES
+    files/linux/file_content.cpp files/linux/file_content.h files/linux/own_file.cpp
+    files/linux/own_file.h files/linux/replace_file.cpp files/linux/replace_file.h
+  TESTS
+    files/linux/file_content_test.cpp files/linux/own_file_test.cpp
+    files/linux/replace_file_test.cpp)
+
+wegslot_module(preferences_file
+  FILES model/linux/preferences_file.cpp model/linux/preferences_file.h
+  TESTS model/linux/preferences_file_test.cpp
+  USES base files_linux log settings
+  LIBRARIES nlohmann_json::nlohmann_json)
+
 wegslot_module(dbus
   FILES
     dbus/bus.cpp dbus/bus.h dbus/bus_address.cpp dbus/bus_address.h dbus/caller.cpp
@@ -29,6 +48,11 @@ wegslot_module(bluez
     scanner/bluez/hearing_test.cpp scanner/bluez/loss_text_test.cpp
   USES base log scanner dbus
   LIBRARIES PkgConfig::NETTLE)
+
+wegslot_module(random_uuid
+  FILES platform/linux/random_uuid.cpp platform/linux/random_uuid.h
+  TESTS platform/linux/random_uuid_test.cpp
+  USES base)
 
 wegslot_module(spawn_linux
   FILES platform/linux/spawn.cpp platform/linux/spawn.h
@@ -87,7 +111,7 @@ wegslot_module(media_linux
     platform/linux/media/application_names_test.cpp
     platform/linux/media/capture_devices_test.cpp
     platform/linux/media/recording_stream_test.cpp
-  USES base desktop_entry platform platform_linux
+  USES base desktop_entry files_linux platform platform_linux
   LIBRARIES PkgConfig::PULSE PkgConfig::PIPEWIRE)
 
 wegslot_module(hud_linux
@@ -96,7 +120,7 @@ wegslot_module(hud_linux
     hud/linux/notifications.h hud/linux/warning_notification.cpp
     hud/linux/warning_notification.h
     hud/linux/warning_sound.cpp hud/linux/warning_sound.h
-  USES base hud dbus
+  USES base hud dbus monitor
   LIBRARIES PkgConfig::CANBERRA Threads::Threads)
 
 wegslot_module(brand_qt
@@ -111,7 +135,7 @@ wegslot_module(hud_qt
     hud/qt/keyboard_loan.h hud/qt/qt_warning_hud.cpp hud/qt/qt_warning_hud.h
     hud/qt/warning_panel.cpp hud/qt/warning_panel.h hud/qt/warning_picture.cpp
     hud/qt/warning_picture.h
-  USES base hud brand brand_qt
+  USES base hud brand brand_qt monitor
   LIBRARIES Qt6::Widgets PkgConfig::XCB)
 
 wegslot_module(ui_linux
@@ -121,7 +145,7 @@ wegslot_module(ui_linux
     ui/linux/tray_item.cpp ui/linux/tray_item.h ui/linux/tray_menu.cpp ui/linux/tray_menu.h
     ui/linux/tray_registration.cpp ui/linux/tray_registration.h
   TESTS ui/linux/autostart_item_test.cpp
-  USES base brand dbus desktop_entry log platform replace_file tray ui_ports)
+  USES base brand dbus desktop_entry log platform files_linux tray ui_ports)
 
 qt_add_resources(icon_resources ui/icons/icons.qrc)
 set_source_files_properties(${icon_resources} PROPERTIES COMPILE_OPTIONS -w) # written by Qt's tool
@@ -178,8 +202,7 @@ wegslot_module(desktop_qt
 
 wegslot_module(app_linux
   FILES
-    app/linux/activation.cpp app/linux/activation.h app/linux/file_watch.cpp
-    app/linux/file_watch.h app/linux/folders.cpp app/linux/folders.h
+    app/linux/file_watch.cpp app/linux/file_watch.h app/linux/folders.cpp app/linux/folders.h
     app/linux/instance_lock.cpp app/linux/instance_lock.h app/linux/standard_output.cpp
     app/linux/standard_output.h
   TESTS app/linux/instance_lock_test.cpp
@@ -192,12 +215,12 @@ wegslot_module(foreign_descriptor
 wegslot_module(recording_linux THREADED
   FILES
     recording/linux/descriptor_sink.cpp recording/linux/descriptor_sink.h
-    recording/linux/random_uuid.cpp recording/linux/random_uuid.h
   TESTS recording/linux/descriptor_sink_test.cpp
-  USES base foreign_descriptor line_threads replace_file)
+  USES base foreign_descriptor line_threads files_linux)
 
 wegslot_module(control_linux
   FILES
+    control/linux/activation.cpp control/linux/activation.h
     control/linux/control_client.cpp control/linux/control_client.h
     control/linux/control_service.cpp control/linux/control_service.h
   USES base log control dbus app_linux foreign_descriptor)
@@ -215,7 +238,7 @@ if(WEGSLOT_UPDATES)
       update/linux/own_bundle.cpp update/linux/own_bundle.h
       update/linux/swap_script.h update/linux/tool.cpp update/linux/tool.h
       update/linux/unpacked_folder.cpp update/linux/unpacked_folder.h
-    USES base log replace_file update dbus spawn_linux)
+    USES base files_linux log update dbus random_uuid spawn_linux)
 
   wegslot_module(update_qt
     FILES
@@ -250,7 +273,7 @@ wegslot_module(app_qt
     app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
-    base log line_threads settings preferences_file replace_file scanner monitor hud hud_linux
+    base file_log log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
     ui_ports control foreign_descriptor recording recording_linux stage

@@ -2,11 +2,11 @@
 // time, every phase and log line printed. Touches no radio and no file; the warning may be shown.
 #pragma once
 
-#include "app/app_model.h"
 #include "app/key_commands.h"
 #include "base/delayed_calls.h"
-#include "hud/warning_hud.h"
-#include "model/log.h"
+#include "core/app_model.h"
+#include "log/log.h"
+#include "monitor/warning_hud.h"
 #include "stage/staged_central.h"
 #include "stage/staged_platform.h"
 

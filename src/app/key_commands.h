@@ -2,9 +2,9 @@
 // application's settings and scanner, but judges nothing.
 #pragma once
 
-#include "app/app_model.h"
 #include "base/result.h"
 #include "base/scheduler.h"
+#include "core/app_model.h"
 
 #include <functional>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "dbus/connection.h"
 
-#include "model/log.h"
+#include "log/log.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include "dbus/forgeries.h"
 
 #include "dbus/bus.h"
-#include "model/log.h"
+#include "log/log.h"
 
 #include <optional>
 #include <string>

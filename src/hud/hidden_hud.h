@@ -1,7 +1,7 @@
 // A warning that nobody sees, for when there is no screen to put it on.
 #pragma once
 
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 namespace wegslot {
 

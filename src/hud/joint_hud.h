@@ -2,7 +2,7 @@
 // cancel; which one did is not passed on.
 #pragma once
 
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 #include <memory>
 #include <utility>

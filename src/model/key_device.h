@@ -4,6 +4,7 @@
 #include "base/uuid.h"
 #include "scanner/dbm.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -18,5 +19,12 @@ struct KeyDevice {
 
     friend bool operator==(const KeyDevice&, const KeyDevice&) = default;
 };
+
+/// The threshold for somebody who sits at the computer and hears the key with `rssi`: 15 dB below
+/// it (a body in between costs about that much), within -90 and -65 dBm. Narrower than what can be
+/// chosen by hand: a quick choice is never an extreme one.
+[[nodiscard]] inline Dbm thresholdFromHere(Dbm rssi) {
+    return {std::clamp(rssi.value - 15.0, -90.0, -65.0)};
+}
 
 } // namespace wegslot

@@ -13,7 +13,7 @@ Dbm startingThreshold(const std::optional<Dbm>& rssi) {
     constexpr Dbm withoutSignal{-75.0};
     if (!rssi) return withoutSignal;
     // Held within the range first and rounded after.
-    return whole(Dbm{std::clamp(rssi->value - 15.0, -90.0, -65.0)});
+    return whole(thresholdFromHere(*rssi));
 }
 
 } // namespace

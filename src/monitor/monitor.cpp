@@ -1,7 +1,7 @@
 #include "monitor/monitor.h"
 
 #include "base/text.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "monitor/away_message.h"
 
 #include <algorithm>

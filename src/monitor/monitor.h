@@ -6,7 +6,6 @@
 #include "base/clock.h"
 #include "base/observable.h"
 #include "base/scheduler.h"
-#include "hud/warning_hud.h"
 #include "model/settings.h"
 #include "monitor/beat.h"
 #include "monitor/key_state.h"
@@ -14,10 +13,11 @@
 #include "monitor/phase.h"
 #include "monitor/presence.h"
 #include "monitor/rule_fold.h"
-#include "monitor/session_events.h"
 #include "monitor/user_action.h"
+#include "monitor/warning_hud.h"
 #include "platform/activity_detector.h"
 #include "platform/lock_controller.h"
+#include "platform/session_events.h"
 #include "scanner/scanner.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "platform/locker_lock.h"
 
-#include "model/log.h"
+#include "log/log.h"
 
 namespace wegslot {
 

@@ -1,6 +1,6 @@
 #include "recording/recorder.h"
 
-#include "model/log.h"
+#include "log/log.h"
 
 #include <limits>
 #include <utility>

@@ -4,7 +4,7 @@
 // link between the radio and the scanner.
 #pragma once
 
-#include "app/app_model.h"
+#include "core/app_model.h"
 #include "recording/recording.h"
 
 #include <functional>

@@ -2,9 +2,9 @@
 // screen and a user that the trace plays.
 #pragma once
 
-#include "app/app_model.h"
 #include "base/result.h"
 #include "base/virtual_time.h"
+#include "core/app_model.h"
 #include "replay/replay_output.h"
 #include "stage/staged_central.h"
 #include "stage/staged_platform.h"

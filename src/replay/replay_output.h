@@ -3,8 +3,8 @@
 #pragma once
 
 #include "base/virtual_time.h"
+#include "log/log.h"
 #include "model/key_device.h"
-#include "model/log.h"
 #include "monitor/key_state.h"
 #include "monitor/phase.h"
 #include "scanner/seen_device.h"

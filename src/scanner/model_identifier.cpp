@@ -1,7 +1,7 @@
 #include "scanner/model_identifier.h"
 
 #include "base/text.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "scanner/log_name.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "scanner/scanner.h"
 
 #include "base/text.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "scanner/log_name.h"
 
 #include <array>

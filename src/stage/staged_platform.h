@@ -5,11 +5,11 @@
 
 #include "base/clock.h"
 #include "base/observable.h"
-#include "hud/warning_hud.h"
 #include "monitor/monitor.h"
-#include "monitor/session_events.h"
+#include "monitor/warning_hud.h"
 #include "platform/activity_detector.h"
 #include "platform/lock_controller.h"
+#include "platform/session_events.h"
 
 #include <functional>
 #include <optional>

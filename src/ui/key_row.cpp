@@ -65,6 +65,4 @@ KeyRow keyRow(const KeyFacts& facts) {
     return row;
 }
 
-Dbm thresholdFromHere(Dbm rssi) { return {std::clamp(rssi.value - 15, -90.0, -65.0)}; }
-
 } // namespace wegslot::panel

@@ -46,8 +46,4 @@ struct KeyRow {
 
 [[nodiscard]] KeyRow keyRow(const KeyFacts& facts);
 
-/// The threshold for somebody who sits at the computer and hears the key with `rssi`: 15 dB below
-/// it, within -90 and -65 dBm. Narrower than the slider: a quick choice is never an extreme one.
-[[nodiscard]] Dbm thresholdFromHere(Dbm rssi);
-
 } // namespace wegslot::panel

@@ -1,7 +1,7 @@
 #include "ui/panel_model.h"
 
 #include "base/text.h"
-#include "model/log.h"
+#include "log/log.h"
 
 #include <algorithm>
 #include <utility>
@@ -132,7 +132,7 @@ void PanelModel::releaseThreshold() {
 void PanelModel::setFromHere(const Uuid& id) {
     const SeenDevice* const device = find(id);
     if (device == nullptr || !device->rssi) return;
-    objects_.settings.setThreshold(panel::thresholdFromHere(*device->rssi), id);
+    objects_.settings.setThreshold(thresholdFromHere(*device->rssi), id);
 }
 
 void PanelModel::holdLists() { flags_.heldPlaces = shown_; }

@@ -1,7 +1,7 @@
 #include "update/updater.h"
 
 #include "base/text.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "update/verify.h"
 
 #include <algorithm>

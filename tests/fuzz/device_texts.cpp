@@ -3,7 +3,7 @@
 
 #include "base/text.h"
 #include "base/virtual_time.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "scanner/scanner.h"
 #include "stage/staged_central.h"
 #include "tests/fuzz/expect.h"

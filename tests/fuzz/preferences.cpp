@@ -3,7 +3,7 @@
 // same to who reads it next.
 
 #include "base/virtual_time.h"
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 #include "model/settings.h"
 #include "tests/fuzz/expect.h"
 #include "tests/support/temporary_folder.h"

@@ -1,6 +1,6 @@
 // A second start of Wegslot asks the first one to show itself, on a real bus.
 
-#include "app/linux/activation.h"
+#include "control/linux/activation.h"
 
 #include "tests/support/bus_loop.h"
 #include "tests/support/look_alike.h"

@@ -2,7 +2,7 @@
 
 #include "control/linux/control_service.h"
 
-#include "app/linux/activation.h"
+#include "control/linux/activation.h"
 #include "tests/support/bus_loop.h"
 #include "tests/support/world.h"
 

@@ -1,7 +1,7 @@
 // Who may send may lie: what another user, on a bus with the system's own policy, or a program in
 // a sandbox says under the name of a service is not taken for the service's word.
 
-#include "app/linux/activation.h"
+#include "control/linux/activation.h"
 #include "platform/linux/screen_lock_watcher.h"
 #include "platform/locker_lock.h"
 #include "scanner/bluez/object_watch.h"

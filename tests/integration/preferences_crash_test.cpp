@@ -2,7 +2,7 @@
 // read, with the change that was under way or the one before it.
 
 #include "base/virtual_time.h"
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 #include "model/settings.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/dice.h"

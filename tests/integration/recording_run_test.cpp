@@ -1,7 +1,7 @@
 // The program itself with --record, on a bus with a radio and a logind that the test plays: what it
 // recorded is replayed, and the replay does at its times what the program did.
 
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 #include "scanner/bluez/device_id.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/look_alike_logind.h"

@@ -1,6 +1,6 @@
 // Reports that wait a little until they are read together, and are all read before each judgement:
 // a recording of that is judged by a replay, which reads each at once, as it was judged live.
-#include "app/app_model.h"
+#include "core/app_model.h"
 #include "recording/recorder.h"
 #include "replay/replay.h"
 #include "stage/staged_platform.h"

@@ -2,9 +2,9 @@
 // monitor wrote, assigned, showed and asked for, and every call of the radio.
 #pragma once
 
-#include "app/app_model.h"
 #include "base/virtual_time.h"
-#include "model/log.h"
+#include "core/app_model.h"
+#include "log/log.h"
 #include "stage/staged_central.h"
 #include "stage/staged_platform.h"
 #include "tests/properties/effect.h"

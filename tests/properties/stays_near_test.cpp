@@ -7,7 +7,7 @@
 // longest burst of 2.31 s (of 2.35), a next scan after 2.70 s (of 2.65), a presence of 5 s (of 30),
 // a search every 20 s (of 10), a connection that does not wait for the keys, a key whose
 // connection ended and that is not due at once.
-#include "app/app_model.h"
+#include "core/app_model.h"
 #include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/dice.h"

@@ -1,7 +1,7 @@
 // Collects log messages for a test, in the order they were written.
 #pragma once
 
-#include "model/log.h"
+#include "log/log.h"
 
 #include <string>
 #include <utility>

@@ -2,8 +2,8 @@
 // a user. A test tells what happens and reads what came of it.
 #pragma once
 
-#include "app/app_model.h"
 #include "base/virtual_time.h"
+#include "core/app_model.h"
 #include "stage/staged_central.h"
 #include "stage/staged_platform.h"
 #include "tests/support/captured_log.h"

@@ -8,7 +8,7 @@
 #include "app/qt/real_world.h"
 #include "base/clock.h"
 #include "base/scheduler.h"
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 #include "model/settings.h"
 
 #include <filesystem>

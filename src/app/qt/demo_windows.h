@@ -2,11 +2,11 @@
 // session.
 #pragma once
 
-#include "app/app_model.h"
 #include "app/qt/appearance.h"
 #include "app/qt/bus_pump.h"
 #include "app/qt/menu_panel.h"
 #include "app/qt/status_icon.h"
+#include "core/app_model.h"
 #include "dbus/forgeries.h"
 
 #include <QCoreApplication>

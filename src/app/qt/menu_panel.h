@@ -1,8 +1,8 @@
 // The application's panel, made when it is first opened.
 #pragma once
 
-#include "app/app_model.h"
 #include "app/qt/appearance.h"
+#include "core/app_model.h"
 #include "ui/login_item.h"
 #include "ui/panel_model.h"
 #include "ui/qt/panel/panel_window.h"

@@ -5,11 +5,11 @@
 #include "app/qt/warning.h"
 #include "base/text.h"
 #include "control/phase_reason.h"
+#include "log/log.h"
 #include "model/lock_command.h"
-#include "model/log.h"
+#include "platform/linux/random_uuid.h"
 #include "recording/linux/descriptor_sink.h"
 #include "recording/linux/foreign_descriptor.h"
-#include "recording/linux/random_uuid.h"
 #include "ui/qt/local_clock_time.h"
 
 #include <QCoreApplication>

@@ -1,8 +1,6 @@
 // The running application: the core in the real world, with its icon, its panel and its updates.
 #pragma once
 
-#include "app/app_model.h"
-#include "app/linux/activation.h"
 #include "app/linux/file_watch.h"
 #include "app/qt/appearance.h"
 #include "app/qt/menu_panel.h"
@@ -10,10 +8,12 @@
 #include "app/qt/real_world.h"
 #include "app/qt/status_icon.h"
 #include "base/line_threads.h"
+#include "control/linux/activation.h"
 #include "control/linux/control_service.h"
+#include "core/app_model.h"
 #include "hud/linux/notice.h"
+#include "model/linux/preferences_file.h"
 #include "model/lock_command.h"
-#include "model/preferences_file.h"
 #include "recording/recorder.h"
 #include "ui/linux/autostart_item.h"
 #include "ui/linux/desktop_opener.h"

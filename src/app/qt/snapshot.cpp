@@ -1,6 +1,6 @@
 #include "app/qt/snapshot.h"
 
-#include "model/own_file.h"
+#include "files/linux/own_file.h"
 
 #include <QCoreApplication>
 #include <QFile>

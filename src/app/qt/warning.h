@@ -5,7 +5,7 @@
 #include "base/clock.h"
 #include "base/scheduler.h"
 #include "dbus/connection.h"
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
 #include "control/linux/control_client.h"
 
-#include "app/linux/activation.h"
 #include "base/text.h"
 #include "control/control_text.h"
+#include "control/linux/activation.h"
 
 #include <cstdlib>
 #include <utility>

@@ -1,9 +1,9 @@
 #include "control/linux/control_service.h"
 
-#include "app/linux/activation.h"
 #include "base/text.h"
+#include "control/linux/activation.h"
 #include "dbus/caller.h"
-#include "model/log.h"
+#include "log/log.h"
 #include "recording/linux/foreign_descriptor.h"
 
 #include <optional>

@@ -1,5 +1,7 @@
 #include "hud/linux/notifications.h"
 
+#include "base/application_id.h"
+
 #include <utility>
 
 namespace wegslot::notifications {
@@ -16,7 +18,7 @@ dbus::Call callTo(const char* member, std::vector<dbus::Argument> arguments) {
 dbus::Call notify(const Content& content) {
     constexpr std::uint8_t critical = 2;
     constexpr std::int32_t untilClosed = 0;
-    const std::string application = "nl.wegslot.Wegslot";
+    const std::string application = applicationId;
     dbus::Dictionary hints{{"urgency", critical}, {"desktop-entry", application}};
     hints.insert(hints.end(), content.hints.begin(), content.hints.end());
     return callTo("Notify", {std::string("Wegslot"), std::uint32_t{0}, application, content.title,

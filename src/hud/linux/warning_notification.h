@@ -3,7 +3,7 @@
 #pragma once
 
 #include "dbus/connection.h"
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 #include <cstdint>
 #include <memory>

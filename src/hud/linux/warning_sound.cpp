@@ -1,5 +1,7 @@
 #include "hud/linux/warning_sound.h"
 
+#include "base/application_id.h"
+
 #include <condition_variable>
 #include <mutex>
 #include <system_error>
@@ -48,7 +50,7 @@ void WarningSound::play(Playing& playing) {
     if (ca_proplist_create(&properties) != CA_SUCCESS) return;
     const std::unique_ptr<ca_proplist, End<ca_proplist_destroy>> ownedProperties(properties);
     ca_proplist_sets(properties, CA_PROP_APPLICATION_NAME, "Wegslot");
-    ca_proplist_sets(properties, CA_PROP_APPLICATION_ID, "nl.wegslot.Wegslot");
+    ca_proplist_sets(properties, CA_PROP_APPLICATION_ID, applicationId);
     ca_proplist_sets(properties, CA_PROP_EVENT_ID, "window-attention");
     ca_proplist_sets(properties, CA_PROP_MEDIA_ROLE, "event");
     const auto finished = [](ca_context*, std::uint32_t, int, void* data) {

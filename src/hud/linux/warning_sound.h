@@ -2,7 +2,7 @@
 // is no sound, nobody is told and nobody waits.
 #pragma once
 
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 #include <chrono>
 #include <memory>

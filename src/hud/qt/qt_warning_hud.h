@@ -4,7 +4,7 @@
 
 #include "base/clock.h"
 #include "base/scheduler.h"
-#include "hud/warning_hud.h"
+#include "monitor/warning_hud.h"
 
 #include <memory>
 

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "base/observable.h"
-#include "monitor/session_events.h"
 #include "platform/linux/login_session.h"
 #include "platform/linux/screen_savers.h"
 #include "platform/lock_facts.h"
 #include "platform/lock_sequence.h"
 #include "platform/locker_watch.h"
+#include "platform/session_events.h"
 
 namespace wegslot {
 

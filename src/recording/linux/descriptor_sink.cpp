@@ -1,6 +1,6 @@
 #include "recording/linux/descriptor_sink.h"
 
-#include "model/own_file.h"
+#include "files/linux/own_file.h"
 #include "recording/linux/foreign_descriptor.h"
 
 #include <algorithm>

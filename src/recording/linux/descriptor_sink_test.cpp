@@ -1,7 +1,6 @@
 #include "recording/linux/descriptor_sink.h"
 
 #include "recording/linux/foreign_descriptor.h"
-#include "recording/linux/random_uuid.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -208,11 +207,4 @@ TEST(ForeignDescriptor, OneThatCannotBeReplacedIsRefusedAndNotWaitedFor) {
     EXPECT_EQ(takenOver(high), -1);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
     close(high);
-}
-
-TEST(RandomUuid, IsAnotherEachTimeAndSaysThatItIsRandom) {
-    const Uuid one = randomUuid();
-    EXPECT_NE(one, randomUuid());
-    EXPECT_EQ(one.text()[14], '4');
-    EXPECT_NE(std::string("89AB").find(one.text()[19]), std::string::npos);
 }

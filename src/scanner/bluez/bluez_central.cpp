@@ -1,6 +1,6 @@
 #include "scanner/bluez/bluez_central.h"
 
-#include "model/log.h"
+#include "log/log.h"
 
 #include <utility>
 

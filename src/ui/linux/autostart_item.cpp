@@ -1,13 +1,12 @@
 #include "ui/linux/autostart_item.h"
 
 #include "base/text.h"
-#include "model/replace_file.h"
+#include "files/linux/file_content.h"
+#include "files/linux/replace_file.h"
 #include "platform/linux/media/desktop_entry_text.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -22,14 +21,8 @@ bool isThere(const fs::path& file) {
     return fs::exists(file, ignored);
 }
 
-/// Nothing for what cannot be read. A pipe or a device is not even tried: that could take for ever.
-std::optional<std::string> contentOf(const fs::path& file) {
-    std::error_code ignored;
-    if (!fs::is_regular_file(file, ignored)) return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(stream), {});
-}
+/// In bytes: many times as large as any entry.
+constexpr std::size_t largestEntry = 1 << 20U;
 
 /// Signs that desktops do not read in a program's path as the standard has them written there.
 constexpr std::string_view misread = "%\\";
@@ -62,7 +55,7 @@ bool AutostartItem::isEnabled() const {
     for (const fs::path& folder : folders_) {
         if (!isThere(folder / fileName)) continue;
         // The first one counts, also when it says that there is to be none.
-        const auto text = contentOf(folder / fileName);
+        const auto text = contentOf(folder / fileName, largestEntry);
         const auto entry = text ? readDesktopEntry(*text) : std::nullopt;
         return entry && isStarted(*entry);
     }
@@ -72,7 +65,7 @@ bool AutostartItem::isEnabled() const {
 std::optional<Failure> AutostartItem::setEnabled(bool enabled) {
     std::string before;
     if (isThere(ownFile())) {
-        auto text = contentOf(ownFile());
+        auto text = contentOf(ownFile(), largestEntry);
         if (!text) return failureAt(ownFile(), "niet te lezen");
         before = *std::move(text);
     }

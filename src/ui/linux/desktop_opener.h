@@ -3,18 +3,21 @@
 #pragma once
 
 #include "base/handle.h"
+#include "base/result.h"
 #include "platform/processes.h"
-#include "ui/opener.h"
 
+#include <filesystem>
 #include <map>
+#include <optional>
 
 namespace wegslot {
 
-class DesktopOpener final : public Opener {
+class DesktopOpener {
 public:
     explicit DesktopOpener(Processes& processes) : processes_(processes) {}
 
-    [[nodiscard]] std::optional<Failure> open(const std::filesystem::path& file) override;
+    /// Nothing when the desktop has been asked; it says itself what it cannot open.
+    [[nodiscard]] std::optional<Failure> open(const std::filesystem::path& file);
 
 private:
     Processes& processes_;

@@ -1,14 +1,14 @@
 #include "ui/linux/tray_item.h"
 
+#include "base/application_id.h"
 #include "dbus/caller.h"
-#include "model/log.h"
+#include "log/log.h"
 
 #include <utility>
 
 namespace wegslot {
 namespace {
 
-constexpr auto itemId = "nl.wegslot.Wegslot";
 constexpr auto title = "Wegslot";
 
 using Write = std::function<void(dbus::Writer&)>;
@@ -90,7 +90,7 @@ std::vector<dbus::Property> TrayItem::properties() {
         });
     };
     return {{"Category", "s", text("SystemServices")},
-            {"Id", "s", text(itemId)},
+            {"Id", "s", text(applicationId)},
             {"Title", "s", text(title)},
             {"Status", "s", text("Active")},
             {"WindowId", "i", [](dbus::Writer& writer) { writer.int32(0); }},

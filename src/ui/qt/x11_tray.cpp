@@ -1,6 +1,6 @@
 #include "ui/qt/x11_tray.h"
 
-#include "model/log.h"
+#include "log/log.h"
 #include "ui/qt/symbol_images.h"
 
 #include <QAction>

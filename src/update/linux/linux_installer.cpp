@@ -2,8 +2,10 @@
 
 #include "base/text.h"
 #include "base/uuid.h"
-#include "model/log.h"
-#include "model/replace_file.h"
+#include "files/linux/file_content.h"
+#include "files/linux/replace_file.h"
+#include "log/log.h"
+#include "platform/linux/random_uuid.h"
 #include "platform/linux/spawn.h"
 #include "update/bundle_info.h"
 #include "update/linux/only_ours.h"
@@ -13,11 +15,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <optional>
 #include <system_error>
 
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,15 +34,6 @@ constexpr Nanoseconds versionPatience = 5s;
 
 Failure failureAt(const fs::path& path, int error) {
     return Failure{path.filename().string() + ": " + std::strerror(error)};
-}
-
-std::optional<Uuid> randomUuid() {
-    Uuid uuid;
-    const auto size = static_cast<ssize_t>(uuid.bytes.size());
-    if (getrandom(uuid.bytes.data(), uuid.bytes.size(), 0) != size) return std::nullopt;
-    uuid.bytes[6] = static_cast<std::uint8_t>((uuid.bytes[6] & 0x0FU) | 0x40U); // RFC 4122, 4.4
-    uuid.bytes[8] = static_cast<std::uint8_t>((uuid.bytes[8] & 0x3FU) | 0x80U);
-    return uuid;
 }
 
 bool isOwnFolder(const fs::path& path) {
@@ -65,15 +56,6 @@ Result<Ready> unpackInto(const fs::path& folder, std::span<const std::uint8_t> i
     return Ready{};
 }
 
-/// What stands in a file of at most `most` bytes; nothing for any other.
-std::string contentOf(const fs::path& path, std::size_t most) {
-    std::ifstream file(path, std::ios::binary);
-    std::string content(most + 1, '\0');
-    file.read(content.data(), static_cast<std::streamsize>(content.size()));
-    content.resize(static_cast<std::size_t>(file.gcount()));
-    return content.size() > most ? std::string() : content;
-}
-
 } // namespace
 
 Result<std::string> LinuxInstaller::unpack(std::span<const std::uint8_t> image) {
@@ -82,9 +64,7 @@ Result<std::string> LinuxInstaller::unpack(std::span<const std::uint8_t> image) 
         Log::write("Updatebestand geweigerd: " + *objection);
         return Failure{unexpectedApp};
     }
-    const auto uuid = randomUuid();
-    if (!uuid) return Failure{"geen toeval voor een tijdelijke map"};
-    const fs::path folder = temporary_ / (std::string(folderPrefix) + uuid->text());
+    const fs::path folder = temporary_ / (std::string(folderPrefix) + randomUuid().text());
     std::error_code ignored;
     fs::create_directories(temporary_, ignored);
     if (mkdir(folder.c_str(), 0700) != 0) return failureAt(folder, errno);
@@ -98,7 +78,8 @@ Result<std::string> LinuxInstaller::unpack(std::span<const std::uint8_t> image) 
 
 Result<Ready> LinuxInstaller::examine(const std::string& app, const Release& release) {
     constexpr std::size_t largestInfo = 65536;
-    const BundleInfo info = readBundleInfo(contentOf(fs::path(app) / infoFile, largestInfo));
+    const BundleInfo info =
+        readBundleInfo(contentOf(fs::path(app) / infoFile, largestInfo).value_or(""));
     if (info.identifier != identifier_ || info.build != release.build) {
         Log::write("Updatebestand geweigerd: het is " + info.identifier + " " +
                    std::to_string(info.build));

@@ -1,6 +1,7 @@
 #include "platform/linux/media/application_names.h"
 
 #include "base/text.h"
+#include "files/linux/file_content.h"
 #include "platform/linux/media/desktop_entry.h"
 
 #include <algorithm>
@@ -11,10 +12,6 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace wegslot {
 namespace {
@@ -50,21 +47,6 @@ std::vector<EntryFile> entryFilesIn(const fs::path& folder, std::size_t most) {
     return files;
 }
 
-/// Nothing for what is no plain file, too large or unreadable. Opening a pipe must not wait.
-std::optional<std::string> contentOf(const fs::path& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (file < 0) return std::nullopt;
-    struct stat facts {};
-    const bool fits = fstat(file, &facts) == 0 && S_ISREG(facts.st_mode) &&
-                      static_cast<std::size_t>(facts.st_size) <= ApplicationNames::largestEntry;
-    std::string content(fits ? static_cast<std::size_t>(facts.st_size) : 0, '\0');
-    const ssize_t size = fits ? read(file, content.data(), content.size()) : -1;
-    close(file);
-    if (size < 0) return std::nullopt;
-    content.resize(static_cast<std::size_t>(size));
-    return content;
-}
-
 std::string lowerCase(std::string text) {
     std::ranges::transform(text, text.begin(), [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -93,7 +75,7 @@ std::optional<DesktopEntry> find(const std::vector<EntryFile>& files, const File
     std::set<std::string_view> decided;
     for (const auto& file : files) {
         if (decided.contains(file.id) || !mayBe(file)) continue;
-        const auto content = contentOf(file.path);
+        const auto content = contentOf(file.path, ApplicationNames::largestEntry);
         auto entry = content ? readDesktopEntry(*content) : std::nullopt;
         if (!entry) continue;
         decided.insert(file.id);

@@ -1,5 +1,6 @@
 #include "platform/linux/media/pulse_microphone.h"
 
+#include "base/application_id.h"
 #include "platform/linux/media/recording_stream.h"
 
 #include <pulse/context.h>
@@ -107,7 +108,7 @@ void PulseMicrophone::Server::connect() {
     const Lock lock(loop_);
     disconnect();
     pa_proplist* const properties = pa_proplist_new();
-    pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, "nl.wegslot.Wegslot");
+    pa_proplist_sets(properties, PA_PROP_APPLICATION_ID, applicationId);
     context_ =
         pa_context_new_with_proplist(pa_threaded_mainloop_get_api(loop_), "Wegslot", properties);
     pa_proplist_free(properties);

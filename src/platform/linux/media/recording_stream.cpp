@@ -7,7 +7,7 @@
 namespace wegslot {
 namespace {
 
-constexpr auto applicationId = "application.id";
+constexpr auto ownApplicationId = "application.id";
 constexpr auto portalId = "pipewire.access.portal.app_id";
 constexpr auto processBinary = "application.process.binary";
 constexpr auto applicationName = "application.name";
@@ -36,7 +36,7 @@ bool isLevelMeter(const RecordingStream& stream) {
         return valueOf(stream.properties, marker) == "true";
     });
     if (marked) return true;
-    const auto id = told(stream, applicationId);
+    const auto id = told(stream, ownApplicationId);
     return std::ranges::find(volumeControls, id) != volumeControls.end();
 }
 
@@ -48,7 +48,7 @@ bool isRecording(const RecordingStream& stream) {
 }
 
 std::string identifierOf(const RecordingStream& stream) {
-    for (const char* const name : {applicationId, portalId, processBinary, applicationName})
+    for (const char* const name : {ownApplicationId, portalId, processBinary, applicationName})
         if (auto value = told(stream, name); !value.empty()) return value;
     return {};
 }

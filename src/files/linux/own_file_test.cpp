@@ -1,4 +1,4 @@
-#include "model/own_file.h"
+#include "files/linux/own_file.h"
 
 #include "tests/support/temporary_folder.h"
 

@@ -1,4 +1,4 @@
-#include "model/own_file.h"
+#include "files/linux/own_file.h"
 
 #include <cerrno>
 #include <filesystem>

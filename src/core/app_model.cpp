@@ -1,4 +1,4 @@
-#include "app/app_model.h"
+#include "core/app_model.h"
 
 #include <utility>
 

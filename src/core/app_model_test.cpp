@@ -1,4 +1,4 @@
-#include "app/app_model.h"
+#include "core/app_model.h"
 
 #include "tests/support/fake_updates.h"
 #include "tests/support/world.h"

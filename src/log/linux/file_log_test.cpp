@@ -1,5 +1,5 @@
-#include "model/file_log.h"
-#include "model/log.h"
+#include "log/linux/file_log.h"
+#include "log/log.h"
 
 #include "base/virtual_time.h"
 #include "tests/support/temporary_folder.h"

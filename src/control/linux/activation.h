@@ -3,6 +3,7 @@
 // can be activated. Which of the two may work with the preferences is decided by `InstanceLock`.
 #pragma once
 
+#include "base/application_id.h"
 #include "base/scheduler.h"
 #include "dbus/connection.h"
 #include "dbus/object.h"
@@ -17,7 +18,7 @@ namespace wegslot {
 /// The side of the first one.
 class Activation {
 public:
-    static constexpr auto name = "nl.wegslot.Wegslot";
+    static constexpr auto name = applicationId;
     static constexpr auto path = "/nl/wegslot/Wegslot";
     static constexpr auto interfaceName = "org.freedesktop.Application";
 

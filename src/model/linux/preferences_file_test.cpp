@@ -1,4 +1,4 @@
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 
 #include "base/virtual_time.h"
 #include "model/settings.h"

@@ -1,4 +1,4 @@
-#include "model/file_log.h"
+#include "log/linux/file_log.h"
 
 #include "base/text.h"
 

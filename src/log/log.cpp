@@ -1,4 +1,4 @@
-#include "model/log.h"
+#include "log/log.h"
 
 #include <mutex>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "recording/linux/random_uuid.h"
+#include "platform/linux/random_uuid.h"
 
 #include <cstdlib>
 

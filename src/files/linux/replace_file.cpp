@@ -1,4 +1,4 @@
-#include "model/replace_file.h"
+#include "files/linux/replace_file.h"
 
 #include <cerrno>
 #include <cstdio>

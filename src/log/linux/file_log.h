@@ -6,8 +6,8 @@
 
 #include "base/clock.h"
 #include "base/line_threads.h"
-#include "model/log.h"
-#include "model/sighting_limit.h"
+#include "log/log.h"
+#include "log/sighting_limit.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,14 +1,13 @@
-#include "model/preferences_file.h"
+#include "model/linux/preferences_file.h"
 
-#include "model/log.h"
-#include "model/replace_file.h"
+#include "files/linux/file_content.h"
+#include "files/linux/replace_file.h"
+#include "log/log.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,13 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
+/// In bytes: some hundred thousand keys.
+constexpr std::size_t largestFile = 16 << 20U;
+
 /// A file's content; nothing when it is there but cannot be read.
-std::optional<std::string> contentOf(const fs::path& file) {
+std::optional<std::string> textOf(const fs::path& file) {
     std::error_code error;
     if (!fs::exists(file, error) && !error) return std::string();
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream || fs::is_directory(file, error)) return std::nullopt;
-    return std::string(std::istreambuf_iterator<char>(stream), {});
+    return contentOf(file, largestFile);
 }
 
 /// Nothing for a value that no preference has (null, which is how NaN was written).
@@ -119,13 +119,13 @@ fs::path PreferencesFile::copyOf(const fs::path& file) { return file.string() + 
 
 void PreferencesFile::load() {
     reread();
-    if (!fault_.get()) return keepCopy(contentOf(file_).value_or(""));
-    if (const auto copy = contentOf(copyOf(file_)))
+    if (!fault_.get()) return keepCopy(textOf(file_).value_or(""));
+    if (const auto copy = textOf(copyOf(file_)))
         if (auto values = understood(*copy)) adopt(*std::move(values));
 }
 
 void PreferencesFile::reread() {
-    const auto content = contentOf(file_);
+    const auto content = textOf(file_);
     if (!content)
         return setFault(Failure{"Voorkeuren niet leesbaar, wijzigingen worden niet bewaard: " +
                                 file_.string()});
@@ -173,7 +173,7 @@ void PreferencesFile::adopt(Preferences values) {
 }
 
 void PreferencesFile::keepCopy(const std::string& content) const {
-    if (!writable_ || content.empty() || contentOf(copyOf(file_)) == content) return;
+    if (!writable_ || content.empty() || textOf(copyOf(file_)) == content) return;
     constexpr mode_t ownerOnly = 0600;
     if (const int error = replaceFile(copyOf(file_), content, ownerOnly))
         Log::write("Kopie van de voorkeuren niet bewaard: " + std::string(std::strerror(error)));

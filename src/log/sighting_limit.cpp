@@ -1,4 +1,4 @@
-#include "model/sighting_limit.h"
+#include "log/sighting_limit.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "app/linux/activation.h"
+#include "control/linux/activation.h"
 
 #include <cstdint>
 #include <string_view>
