@@ -152,19 +152,19 @@ TEST_F(ActivityWatchTest, CameraAndMicrophoneAreToldWhenTheyChange) {
     activity.setMicrophone("Vergaderen");
     auto changes = watch.changes();
     ASSERT_EQ(changes.size(), 2U);
-    EXPECT_TRUE(std::get<trace::Camera>(changes[0]).inUse);
-    EXPECT_EQ(std::get<trace::Microphone>(changes[1]).user, "Vergaderen");
+    EXPECT_TRUE(std::get<trace::Camera>(changes[0]).value);
+    EXPECT_EQ(std::get<trace::Microphone>(changes[1]).value, "Vergaderen");
     EXPECT_TRUE(watch.changes().empty());
 
     activity.setCamera(false);
     activity.setMicrophone("");
     changes = watch.changes();
     ASSERT_EQ(changes.size(), 2U);
-    EXPECT_FALSE(std::get<trace::Camera>(changes[0]).inUse);
-    EXPECT_EQ(std::get<trace::Microphone>(changes[1]).user, "");
+    EXPECT_FALSE(std::get<trace::Camera>(changes[0]).value);
+    EXPECT_EQ(std::get<trace::Microphone>(changes[1]).value, "");
 
     activity.setMicrophone({});
     changes = watch.changes();
     ASSERT_EQ(changes.size(), 1U);
-    EXPECT_EQ(std::get<trace::Microphone>(changes[0]).user, std::nullopt);
+    EXPECT_EQ(std::get<trace::Microphone>(changes[0]).value, std::nullopt);
 }

@@ -84,7 +84,7 @@ struct Replay::Perform {
     void operator()(const trace::End&) const {}
 
     void operator()(const trace::SettingsChange& event) const {
-        assign(core.model.settings(), overlaid(event.values, overrides, true));
+        assign(core.model.settings(), overlaid(event.value, overrides, true));
     }
 
     void operator()(const trace::RadioState& event) const {
@@ -128,26 +128,26 @@ struct Replay::Perform {
         core.central.value(event.id, event.characteristic, event.value, event.name);
     }
 
-    void operator()(const trace::Session& event) const { core.platform.session.tell(event.event); }
+    void operator()(const trace::Session& event) const { core.platform.session.tell(event.value); }
 
     void operator()(const trace::Input&) const { core.platform.activity.touch(); }
 
     void operator()(const trace::Camera& event) const {
-        core.platform.activity.setCamera(event.inUse);
+        core.platform.activity.setCamera(event.value);
     }
 
     void operator()(const trace::Microphone& event) const {
-        core.platform.activity.setMicrophone(event.user);
+        core.platform.activity.setMicrophone(event.value);
     }
 
     void operator()(const trace::AddKey& event) const {
         const auto& listed = core.model.scanner().snapshot().get();
-        const auto device = std::ranges::find(listed, event.id, &SeenDevice::id);
+        const auto device = std::ranges::find(listed, event.value, &SeenDevice::id);
         if (device != listed.end()) core.model.settings().addKey(*device);
     }
 
     void operator()(const trace::RemoveKey& event) const {
-        core.model.settings().removeKey(event.id);
+        core.model.settings().removeKey(event.value);
     }
 
     void operator()(const trace::SetThreshold& event) const {
@@ -155,15 +155,15 @@ struct Replay::Perform {
     }
 
     void operator()(const trace::Discovery& event) const {
-        core.model.scanner().setDiscoveryActive(event.active);
+        core.model.scanner().setDiscoveryActive(event.value);
     }
 
     void operator()(const trace::Action& event) const {
-        std::visit(Ask{core.model.monitor()}, event.asked);
+        std::visit(Ask{core.model.monitor()}, event.value);
     }
 
     void operator()(const trace::Show& event) const {
-        switch (event.what) {
+        switch (event.value) {
         case trace::Shown::snapshot:
             return core.output.snapshot(core.model.scanner().snapshot().get());
         case trace::Shown::keys:
@@ -193,7 +193,7 @@ Result<bool> Replay::run(std::istream& trace) {
             return Failure{"regel " + std::to_string(number) + ": " + line.failure().message};
         if (reader.isSetUp()) {
             if (const auto* const start = std::get_if<trace::Start>(&line->event))
-                start_ = start->wallClock;
+                start_ = start->value;
             if (const auto* const change = std::get_if<trace::SettingsChange>(&line->event))
                 set(*change);
             continue;
@@ -208,7 +208,7 @@ Result<bool> Replay::run(std::istream& trace) {
 }
 
 void Replay::set(const trace::SettingsChange& change) {
-    for (const auto& [name, value] : overlaid(change.values, overrides_, false))
+    for (const auto& [name, value] : overlaid(change.value, overrides_, false))
         store_.write(name, value);
 }
 

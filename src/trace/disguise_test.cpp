@@ -42,8 +42,8 @@ TEST_F(DisguiseTest, AnIdBecomesTheSameOneWhereverItStands) {
     EXPECT_EQ(masked(trace::Services{id, {}}).id, other);
     EXPECT_EQ(masked(trace::Characteristics{id, {}}).id, other);
     EXPECT_EQ(masked(trace::Value{.id = id, .characteristic = GattUuid{1}}).id, other);
-    EXPECT_EQ(masked(trace::AddKey{id}).id, other);
-    EXPECT_EQ(masked(trace::RemoveKey{id}).id, other);
+    EXPECT_EQ(masked(trace::AddKey{id}).value, other);
+    EXPECT_EQ(masked(trace::RemoveKey{id}).value, other);
     EXPECT_EQ(masked(trace::SetThreshold{id, Dbm{-70}}).id, other);
     EXPECT_EQ(masked(trace::Identity{id, numbered(2)}).from, other);
     EXPECT_EQ(masked(trace::Identity{numbered(2), id}).to, other);
@@ -69,8 +69,8 @@ TEST_F(DisguiseTest, AKeyHasTheIdAndTheNameOfItsDevice) {
     KeyDevice key = keyNamed("Mijn tag", 1);
     key.model = "iPhone14,2";
     const auto change = masked(withKeys({key, keyNamed("", 2)}));
-    EXPECT_EQ(std::get<double>(change.values.at("awayDelay")), 5);
-    const auto keys = decodeKeys(std::get<Data>(change.values.at("keys")).bytes).value();
+    EXPECT_EQ(std::get<double>(change.value.at("awayDelay")), 5);
+    const auto keys = decodeKeys(std::get<Data>(change.value.at("keys")).bytes).value();
     ASSERT_EQ(keys.size(), 2U);
     EXPECT_EQ(keys[0].id, heard.id);
     EXPECT_EQ(keys[0].name, "Apparaat 1");
@@ -110,11 +110,11 @@ TEST_F(DisguiseTest, OnlyTheModelIsLeftOfWhatWasRead) {
 }
 
 TEST_F(DisguiseTest, ApplicationsAreNumbered) {
-    EXPECT_EQ(masked(trace::Microphone{"Vergaderen"}).user, "App 1");
-    EXPECT_EQ(masked(trace::Microphone{"Opname"}).user, "App 2");
-    EXPECT_EQ(masked(trace::Microphone{"Vergaderen"}).user, "App 1");
-    EXPECT_EQ(masked(trace::Microphone{""}).user, "");
-    EXPECT_EQ(masked(trace::Microphone{std::nullopt}).user, std::nullopt);
+    EXPECT_EQ(masked(trace::Microphone{"Vergaderen"}).value, "App 1");
+    EXPECT_EQ(masked(trace::Microphone{"Opname"}).value, "App 2");
+    EXPECT_EQ(masked(trace::Microphone{"Vergaderen"}).value, "App 1");
+    EXPECT_EQ(masked(trace::Microphone{""}).value, "");
+    EXPECT_EQ(masked(trace::Microphone{std::nullopt}).value, std::nullopt);
 }
 
 TEST_F(DisguiseTest, AReasonThatNamesSomebodyIsReplaced) {

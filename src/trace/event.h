@@ -13,6 +13,9 @@
 #include "scanner/dbm.h"
 #include "scanner/model_identifier.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -40,6 +43,45 @@ using MakersData = std::vector<std::uint8_t>;
 
 enum class Shown { snapshot, keys };
 
+/// A text as an argument of a template.
+template <std::size_t size>
+struct Literal {
+    std::array<char, size> text{};
+
+    constexpr Literal(const char (&written)[size]) { std::copy_n(written, size, text.data()); }
+};
+
+/// An event that is one value.
+template <Literal name, typename T>
+struct Whole {
+    static constexpr std::string_view word{name.text.data(), name.text.size() - 1};
+    T value{};
+
+    static void fields(auto& of, auto& walk) { walk(of.value); }
+};
+
+/// An event that only happens.
+template <Literal name>
+struct Bare {
+    static constexpr std::string_view word{name.text.data(), name.text.size() - 1};
+
+    static void fields(auto& /*of*/, auto& /*walk*/) {}
+};
+
+using Start = Whole<"start", TimePoint>; ///< what the wall clock shows
+/// As a store holds them, by name; those not named are not touched.
+using SettingsChange = Whole<"settings", Preferences>;
+using Session = Whole<"session", SessionEvent>;
+using Input = Bare<"input">; ///< keyboard or mouse was touched
+using Camera = Whole<"camera", bool>;
+using Microphone = Whole<"microphone", std::optional<ApplicationName>>;
+using AddKey = Whole<"addKey", Uuid>;
+using RemoveKey = Whole<"removeKey", Uuid>;
+using Discovery = Whole<"discovery", bool>;
+using Action = Whole<"action", UserAction>;
+using Show = Whole<"show", Shown>;
+using End = Bare<"end">;
+
 struct Heard {
     static constexpr std::string_view word = "advertisement";
     Uuid id;
@@ -52,21 +94,6 @@ struct Heard {
         walk("id", of.id)("rssi", of.rssi)("name", of.name)("localName", of.localName)(
             "manufacturerData", of.manufacturerData);
     }
-};
-
-struct Start {
-    static constexpr std::string_view word = "start";
-    TimePoint wallClock;
-
-    static void fields(auto& of, auto& walk) { walk(of.wallClock); }
-};
-
-/// Preferences as a store holds them, by name; those not named are not touched.
-struct SettingsChange {
-    static constexpr std::string_view word = "settings";
-    Preferences values;
-
-    static void fields(auto& of, auto& walk) { walk(of.values); }
 };
 
 struct RadioState {
@@ -154,47 +181,6 @@ struct Value {
     }
 };
 
-struct Session {
-    static constexpr std::string_view word = "session";
-    SessionEvent event{};
-
-    static void fields(auto& of, auto& walk) { walk(of.event); }
-};
-
-struct Input {
-    static constexpr std::string_view word = "input";
-
-    static void fields(auto& /*of*/, auto& /*walk*/) {}
-};
-
-struct Camera {
-    static constexpr std::string_view word = "camera";
-    bool inUse = false;
-
-    static void fields(auto& of, auto& walk) { walk(of.inUse); }
-};
-
-struct Microphone {
-    static constexpr std::string_view word = "microphone";
-    std::optional<ApplicationName> user;
-
-    static void fields(auto& of, auto& walk) { walk(of.user); }
-};
-
-struct AddKey {
-    static constexpr std::string_view word = "addKey";
-    Uuid id;
-
-    static void fields(auto& of, auto& walk) { walk(of.id); }
-};
-
-struct RemoveKey {
-    static constexpr std::string_view word = "removeKey";
-    Uuid id;
-
-    static void fields(auto& of, auto& walk) { walk(of.id); }
-};
-
 struct SetThreshold {
     static constexpr std::string_view word = "setThreshold";
     Uuid id;
@@ -203,39 +189,12 @@ struct SetThreshold {
     static void fields(auto& of, auto& walk) { walk("id", of.id)("value", of.value); }
 };
 
-struct Discovery {
-    static constexpr std::string_view word = "discovery";
-    bool active = false;
-
-    static void fields(auto& of, auto& walk) { walk(of.active); }
-};
-
-struct Action {
-    static constexpr std::string_view word = "action";
-    UserAction asked;
-
-    static void fields(auto& of, auto& walk) { walk(of.asked); }
-};
-
-struct Show {
-    static constexpr std::string_view word = "show";
-    Shown what{};
-
-    static void fields(auto& of, auto& walk) { walk(of.what); }
-};
-
 struct Identity {
     static constexpr std::string_view word = "identity";
     Uuid from;
     Uuid to;
 
     static void fields(auto& of, auto& walk) { walk("from", of.from)("to", of.to); }
-};
-
-struct End {
-    static constexpr std::string_view word = "end";
-
-    static void fields(auto& /*of*/, auto& /*walk*/) {}
 };
 
 /// What comes most often stands first: reading looks from there.

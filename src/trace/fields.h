@@ -1,15 +1,11 @@
-// One line of a trace taken apart: the fields of its objects, each read as a value of a certain
-// type. What is missing, unknown, repeated or wrongly typed ends the reading with the fault's text.
+// The fields of an object in a line of a trace. What is missing, unknown or repeated ends the
+// reading of the line with the fault's text.
 #pragma once
 
-#include "trace/event.h"
 #include "trace/json_tree.h"
-#include "trace/words.h"
 
-#include <algorithm>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -50,42 +46,5 @@ private:
     std::string_view where_;
     std::vector<Field> fields_;
 };
-
-[[nodiscard]] const std::string& text(const JsonNode& node, std::string_view what);
-[[nodiscard]] bool boolean(const JsonNode& node, std::string_view what);
-[[nodiscard]] const JsonNode::Array& list(const JsonNode& node, std::string_view what);
-/// In seconds, rounded to whole milliseconds.
-[[nodiscard]] double duration(const JsonNode& node, std::string_view what);
-
-// One value of a field; `what` names it in a fault.
-
-void take(const JsonNode& node, std::string_view what, bool& value);
-/// Held within the range of an int: what is beyond it is out of every range of ours.
-void take(const JsonNode& node, std::string_view what, int& value);
-void take(const JsonNode& node, std::string_view what, Dbm& value);
-void take(const JsonNode& node, std::string_view what, Uuid& value);
-void take(const JsonNode& node, std::string_view what, GattUuid& value);
-void take(const JsonNode& node, std::string_view what, std::vector<GattUuid>& value);
-/// "2026-11-15T23:50:00Z" exactly.
-void take(const JsonNode& node, std::string_view what, TimePoint& value);
-void take(const JsonNode& node, std::string_view what, UserAction& value);
-/// From hexadecimal text, as are the bytes of a characteristic.
-void take(const JsonNode& node, std::string_view what, MakersData& value);
-void take(const JsonNode& node, std::string_view what, Content& value);
-
-template <Tells tells>
-void take(const JsonNode& node, std::string_view what, Text<tells>& value) {
-    value = Text<tells>(text(node, what));
-}
-
-template <typename T>
-requires std::is_enum_v<T>
-void take(const JsonNode& node, std::string_view what, T& value) {
-    const std::string& chosen = text(node, what);
-    const auto found = std::ranges::find(words<T>, chosen, &Word<T>::first);
-    if (found == words<T>.end())
-        fail("onbekende waarde " + jsonString(chosen) + " van " + std::string(what));
-    value = found->second;
-}
 
 } // namespace wegslot::trace

@@ -98,7 +98,7 @@ TEST(TraceReader, SettingsAfterTimeZeroAreAnEvent) {
 }
 
 TEST(TraceReader, AStartIsAnInstantInUtc) {
-    EXPECT_EQ(only<trace::Start>(R"({"t":0,"start":"2026-11-15T23:50:00Z"})").wallClock,
+    EXPECT_EQ(only<trace::Start>(R"({"t":0,"start":"2026-11-15T23:50:00Z"})").value,
               std::chrono::sys_days{std::chrono::year{2026} / 11 / 15} + 23h + 50min);
     for (const char* const text :
          {"2026-11-15", "2026-13-01T00:00:00Z", "2026-02-30T00:00:00Z", "2026-11-15T24:00:00Z",
@@ -110,8 +110,8 @@ TEST(TraceReader, AStartIsAnInstantInUtc) {
 
 TEST(TraceReader, DurationsAreRoundedToMilliseconds) {
     const auto change = only<trace::SettingsChange>(R"({"t":1,"settings":{"awayDelay":1.0004}})");
-    EXPECT_EQ(std::get<double>(change.values.at("awayDelay")), 1.0);
-    const auto asked = only<trace::Action>(R"({"t":1,"action":{"pause":0.0006}})").asked;
+    EXPECT_EQ(std::get<double>(change.value.at("awayDelay")), 1.0);
+    const auto asked = only<trace::Action>(R"({"t":1,"action":{"pause":0.0006}})").value;
     EXPECT_EQ(std::get<action::Pause>(asked).duration, Seconds{0.001});
 }
 
@@ -189,8 +189,8 @@ TEST(TraceReader, EventsWithoutContentAreTrue) {
 }
 
 TEST(TraceReader, NullStandsOnlyForNoMicrophone) {
-    EXPECT_EQ(only<trace::Microphone>(R"({"t":0,"microphone":null})").user, std::nullopt);
-    EXPECT_EQ(only<trace::Microphone>(R"({"t":0,"microphone":"App"})").user, "App");
+    EXPECT_EQ(only<trace::Microphone>(R"({"t":0,"microphone":null})").value, std::nullopt);
+    EXPECT_EQ(only<trace::Microphone>(R"({"t":0,"microphone":"App"})").value, "App");
     EXPECT_EQ(fault(R"({"t":0,"camera":null})"), "camera is geen true of false");
 }
 

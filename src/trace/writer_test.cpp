@@ -116,7 +116,7 @@ TEST(TraceWriter, NumbersThatJsonCannotSayAreWrittenAsOnesThatMeanTheSame) {
         line.pop_back();
         const auto read = reader.read(line);
         ASSERT_TRUE(read) << line;
-        const auto& values = std::get<trace::SettingsChange>(read->event).values;
+        const auto& values = std::get<trace::SettingsChange>(read->event).value;
         EXPECT_EQ(rounded(Seconds{std::get<double>(values.at("awayDelay"))}),
                   rounded(Seconds{number}));
     }

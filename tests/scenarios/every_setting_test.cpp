@@ -62,8 +62,8 @@ Preferences replayed(const std::vector<std::string>& lines) {
         const auto* const change = std::get_if<trace::SettingsChange>(&read->event);
         if (change == nullptr) continue;
         settings.visit([change](auto& setting) {
-            const auto found = change->values.find(setting.name());
-            if (found != change->values.end()) setting.assign(found->second);
+            const auto found = change->value.find(setting.name());
+            if (found != change->value.end()) setting.assign(found->second);
         });
     }
     return store.values();
