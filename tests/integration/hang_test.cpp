@@ -164,6 +164,9 @@ TEST_F(HangTest, AFileOnADiskThatDoesNotAnswerHoldsUpNobodyButItsThread) {
     HangingDisk disk;
     if (!disk.isThere()) GTEST_SKIP() << "no disk of our own without root and /dev/fuse";
     begin({WEGSLOT_PROGRAM});
+    // It is asked once only, and has its name on the bus a moment after it has begun.
+    ASSERT_TRUE(loop.runUntil(
+        [this] { return said({"status"}).find("draait niet") == std::string::npos; }));
     const pid_t asking = recordInto(disk.file(), loop.daemon.address());
     ASSERT_TRUE(loop.runUntil([this] { return logged("Opname gevraagd door "); }));
     EXPECT_TRUE(loop.runUntil([&disk] { return disk.says("hangs setattr"); }));
