@@ -1,4 +1,4 @@
-// Where the buses are, as their specification has it: what the environment says, and else the place
+// Where the buses are, as every program finds them: what the environment says, and else the place
 // where they always are.
 #pragma once
 
