@@ -54,6 +54,41 @@ TEST_F(ControlStatusTest, KeysAreAsThePanelHasThem) {
                                                     .threshold = Dbm{-75}}}));
 }
 
+TEST_F(ControlStatusTest, WhatIsNearbyIsApplesAndTheKeysAndOthersOnRequest) {
+    world.run({keyNamed("Plaatje", 2)});
+    world.settings().showOtherDevices.set(true);
+    world.hearApple(1, -60, 0x10, "Telefoon");
+    world.central.advertise({.id = numbered(2), .rssi = -50, .localName = "Plaatje"});
+    world.central.advertise({.id = numbered(3), .rssi = -40, .localName = "Muis"});
+    world.pass(std::chrono::seconds{1});
+    const auto idsOf = [](const control::Nearby& nearby) {
+        std::vector<std::string> ids;
+        for (const control::Device& device : nearby.devices)
+            ids.push_back(device.id.substr(35));
+        return ids;
+    };
+    const auto all = control::nearby(world.scanner(), true);
+    EXPECT_EQ(idsOf(all), (std::vector<std::string>{"3", "2", "1"}));
+    EXPECT_EQ(idsOf(control::nearby(world.scanner(), false)), (std::vector<std::string>{"2", "1"}));
+    EXPECT_TRUE(all.includesOthers);
+    EXPECT_EQ(all.radio, "");
+    EXPECT_EQ(all.devices[0], (control::Device{.id = numbered(3).text(),
+                                               .name = "Muis",
+                                               .kind = "Bluetooth-apparaat",
+                                               .rssi = Dbm{-40},
+                                               .changesAddress = false}));
+    world.central.setState(CentralState::poweredOff);
+    EXPECT_EQ(control::nearby(world.scanner(), true).radio, "Bluetooth staat uit");
+}
+
+TEST_F(ControlStatusTest, AFloodOfDevicesIsNotAllTold) {
+    world.run({keyNamed("Telefoon", 1)});
+    for (unsigned number = 1; number <= control::mostDevices + 1; ++number)
+        world.hearApple(number, -60);
+    world.pass(std::chrono::seconds{1});
+    EXPECT_EQ(control::nearby(world.scanner(), true).devices.size(), control::mostDevices);
+}
+
 TEST_F(ControlStatusTest, APauseHasAnEndOnTheClockOfTheWall) {
     world.run({keyNamed("Telefoon", 1)});
     world.hearApple(1, -50);
