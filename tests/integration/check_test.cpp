@@ -107,11 +107,21 @@ TEST_F(CheckTest, WithoutAnythingItSaysThatNothingIsThere) {
     const Json all = report();
     EXPECT_EQ(status, 1);
     EXPECT_EQ(all.at("ok"), false);
-    EXPECT_EQ(all.at("checks").size(), 11U);
+    EXPECT_EQ(all.at("checks").size(), 12U);
     for (const Json& check : all.at("checks")) {
-        const bool always = check.at("name") == "camera"; // there is /proc
+        // There is /proc, and none mistyped what nobody typed.
+        const bool always = check.at("name") == "camera" || check.at("name") == "preferences";
         EXPECT_EQ(check.at("ok"), always) << check;
     }
+}
+
+TEST_F(CheckTest, WhatWasMistypedInThePreferencesIsNamed) {
+    home.setPreferences(R"({"awayDelay": "5", "awaydelay": 5, "enabled": true})");
+    const Json all = report();
+    EXPECT_FALSE(works(all, "preferences"));
+    EXPECT_EQ(found(all, "preferences"), (Names{"awayDelay", "awaydelay"}));
+    EXPECT_EQ(named(all, "preferences").at("text"),
+              "awayDelay is geen getal; awaydelay is onbekend");
 }
 
 TEST_F(CheckTest, ItLeavesNothingBehind) {
