@@ -92,6 +92,7 @@ def break_each(breaks, arguments, targets, noticed_by):
     """Breaks those that are named, or all, and prints who notices; the exit status. `noticed_by`
     is asked of a copy, and of what is broken in it (None for nothing)."""
     if arguments == ["--list"]:
+        check_texts(breaks)
         print("\n".join(broken.name for broken in breaks))
         return 0
     breaks = chosen(breaks, arguments)
