@@ -70,30 +70,31 @@ void BluezCentral::evaluate() {
 }
 
 void BluezCentral::report(CentralState state) {
+    if (isUndecided(state)) return;
+    const Radio now{state, adapter_};
+    if (now.isOn()) renewal_.reset();
+    if (!now.goesOnAfter(reported_)) giveUpRadio();
+    const bool isNews = now.isNewsAfter(reported_);
+    reported_ = now;
+    if (isNews) return tell_(&CentralDelegate::didUpdateState);
+    if (!scanWanted_) return;
+    takeRadio();
+    listenForKeys(); // the adapter may offer more than it did
+}
+
+bool BluezCentral::isUndecided(CentralState state) const {
     // While the first answers are on their way there is nothing to say yet.
-    const bool asking = bus_ != nullptr && (surroundings_.daemon == Daemon::unknown ||
-                                            surroundings_.daemon == Daemon::loading);
-    if (!reported_ && asking) return;
+    const bool isAsking = bus_ != nullptr && (surroundings_.daemon == Daemon::unknown ||
+                                              surroundings_.daemon == Daemon::loading);
+    // A new connection to the bus is back in a moment; nothing has happened to the radio.
+    const bool isRenewing = renewal_ && state != CentralState::poweredOn;
+    return (!reported_ && isAsking) || isRenewing;
+}
 
-    const bool on = state == CentralState::poweredOn;
-    if (!on && renewal_) return; // back in a moment; nothing has happened to the radio
-    if (on) renewal_.reset();
-
-    const bool sameAdapter = adapter_ == reportedAdapter_;
-    reportedAdapter_ = adapter_;
-    if (!on || !sameAdapter) {
-        connections_.leave(); // an adapter that may stay
-        dropRadio();
-        scanWanted_ = false;
-    }
-    if (state == reported_ && (sameAdapter || !on)) {
-        if (!scanWanted_) return;
-        takeRadio();
-        listenForKeys(); // the adapter may offer more than it did
-        return;
-    }
-    reported_ = state;
-    tell_(&CentralDelegate::didUpdateState);
+void BluezCentral::giveUpRadio() {
+    connections_.leave(); // an adapter that may stay
+    dropRadio();
+    scanWanted_ = false;
 }
 
 bool BluezCentral::canScan() const {

@@ -44,7 +44,7 @@ public:
 
     void setDelegate(CentralDelegate* delegate) override { tell_.setDelegate(delegate); }
     [[nodiscard]] CentralState state() const override {
-        return reported_.value_or(CentralState::unknown);
+        return reported_ ? reported_->state : CentralState::unknown;
     }
     /// Whether bluetoothd runs and lets this user talk to it.
     [[nodiscard]] bool hasDaemon() const { return surroundings_.daemon == bluez::Daemon::ready; }
@@ -90,9 +90,28 @@ private:
     void radioNeeded() override;
     void radioReleased() override { schedule_.resume(); }
 
+    /// What there is to report: a state, and whose it is.
+    struct Radio {
+        CentralState state;
+        std::optional<std::string> adapter;
+
+        [[nodiscard]] bool isOn() const { return state == CentralState::poweredOn; }
+
+        /// Whether what listens and what is connected may go on.
+        [[nodiscard]] bool goesOnAfter(const std::optional<Radio>& before) const {
+            return isOn() && before && adapter == before->adapter;
+        }
+
+        [[nodiscard]] bool isNewsAfter(const std::optional<Radio>& before) const {
+            return !before || state != before->state || (isOn() && adapter != before->adapter);
+        }
+    };
+
     void busChanged(dbus::Bus* bus);
     void evaluate();
     void report(CentralState state);
+    [[nodiscard]] bool isUndecided(CentralState state) const;
+    void giveUpRadio();
     void takeRadio();
     void dropRadio();
     [[nodiscard]] bool canScan() const;
@@ -120,11 +139,10 @@ private:
     Wanted wanted_;
     bluez::Surroundings surroundings_;
     bool discoveryDenied_ = false;
-    bool toldUnreadable_ = false;        ///< that links' strengths cannot be read
-    bool scanWanted_ = false;            ///< the scanner asked for it since the radio came on
-    std::optional<std::string> adapter_; ///< path of the chosen one
-    std::optional<CentralState> reported_;
-    std::optional<std::string> reportedAdapter_;
+    bool toldUnreadable_ = false;           ///< that links' strengths cannot be read
+    bool scanWanted_ = false;               ///< the scanner asked for it since the radio came on
+    std::optional<std::string> adapter_;    ///< path of the chosen one
+    std::optional<Radio> reported_;         ///< last
     std::map<Uuid, Subscription> readings_; ///< of connections' strengths, under way
     std::set<Uuid> measured_;               ///< whose last reading gave one
     DelayedCalls delayed_;
