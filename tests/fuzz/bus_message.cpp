@@ -5,55 +5,18 @@
 #include "dbus/message.h"
 #include "scanner/bluez/gatt_tree.h"
 #include "scanner/bluez/object_tree.h"
-#include "tests/fuzz/expect.h"
-
-#include <systemd/sd-bus.h>
+#include "tests/fuzz/bus_input.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 
-#include <sys/socket.h>
-
 using namespace wegslot;
 
 namespace {
 
-sd_bus* lonelyBus() {
-    std::array<int, 2> ends{};
-    sd_bus* bus = nullptr;
-    expect(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()) == 0);
-    expect(sd_bus_new(&bus) >= 0);
-    expect(sd_bus_set_fd(bus, ends[0], ends[0]) >= 0);
-    expect(sd_bus_start(bus) >= 0);
-    return bus;
-}
-
-/// Takes the bytes one after the other; zeros follow their end.
-class Bytes {
-public:
-    Bytes(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
-    [[nodiscard]] bool areLeft() const { return left_ > 0; }
-    std::uint8_t next() {
-        if (left_ == 0) return 0;
-        --left_;
-        return *data_++;
-    }
-    unsigned below(unsigned bound) { return next() % bound; }
-    std::uint64_t number() {
-        std::uint64_t number = 0;
-        for (unsigned count = below(9); count > 0; --count)
-            number = number << 8U | next();
-        return number;
-    }
-
-private:
-    const std::uint8_t* data_;
-    std::size_t left_;
-};
-
 /// Words that the readers know, and others.
-std::string word(Bytes& bytes) {
+std::string word(Input& bytes) {
     constexpr std::array known{"org.bluez.Device1",
                                "org.bluez.Adapter1",
                                "org.bluez.Bearer.LE1",
@@ -77,14 +40,14 @@ std::string word(Bytes& bytes) {
     return text;
 }
 
-std::string path(Bytes& bytes) {
+std::string path(Input& bytes) {
     constexpr std::array known{"/", "/org/bluez/hci0", "/org/bluez/hci0/dev_1",
                                "/org/bluez/hci0/dev_1/service1/char1"};
     return known[bytes.below(known.size())];
 }
 
 /// The signature of one complete type.
-std::string type(Bytes& bytes, unsigned depth) {
+std::string type(Input& bytes, unsigned depth) {
     constexpr std::string_view basic = "ybnqiuxtdsog";
     const unsigned kind = depth == 0 ? 0 : bytes.below(8);
     const auto basicType = [&] { return std::string(1, basic[bytes.below(basic.size())]); };
@@ -97,10 +60,10 @@ std::string type(Bytes& bytes, unsigned depth) {
     return basicType();
 }
 
-void append(sd_bus_message* message, const std::string& signature, Bytes& bytes, unsigned depth);
+void append(sd_bus_message* message, const std::string& signature, Input& bytes, unsigned depth);
 
 /// As many complete types as `signature` has.
-void appendAll(sd_bus_message* message, std::string_view signature, Bytes& bytes, unsigned depth) {
+void appendAll(sd_bus_message* message, std::string_view signature, Input& bytes, unsigned depth) {
     const auto lengthOf = [](std::string_view from) {
         std::size_t at = 0;
         while (from[at] == 'a')
@@ -121,25 +84,32 @@ void appendAll(sd_bus_message* message, std::string_view signature, Bytes& bytes
     }
 }
 
-void appendContainer(sd_bus_message* message, char kind, const std::string& contents, Bytes& bytes,
+void appendContainer(sd_bus_message* message, char kind, const std::string& contents, Input& bytes,
                      unsigned depth) {
     expect(sd_bus_message_open_container(message, kind, contents.c_str()) >= 0);
     appendAll(message, contents, bytes, depth);
     expect(sd_bus_message_close_container(message) >= 0);
 }
 
-void appendBasic(sd_bus_message* message, char type, Bytes& bytes) {
+std::uint64_t wide(Input& bytes) {
+    std::uint64_t number = 0;
+    for (unsigned count = bytes.below(9); count > 0; --count)
+        number = number << 8U | bytes.byte();
+    return number;
+}
+
+void appendBasic(sd_bus_message* message, char type, Input& bytes) {
     if (type == 's' || type == 'o' || type == 'g') {
         const std::string text = type == 's' ? word(bytes) : type == 'o' ? path(bytes) : "a{sv}";
         expect(sd_bus_message_append_basic(message, type, text.c_str()) >= 0);
         return;
     }
     // Wide enough for each, and zero above its lowest byte for a truth.
-    const std::uint64_t number = type == 'b' ? bytes.below(2) : bytes.number();
+    const std::uint64_t number = type == 'b' ? bytes.below(2) : wide(bytes);
     expect(sd_bus_message_append_basic(message, type, &number) >= 0);
 }
 
-void append(sd_bus_message* message, const std::string& signature, Bytes& bytes, unsigned depth) {
+void append(sd_bus_message* message, const std::string& signature, Input& bytes, unsigned depth) {
     const std::string contents = signature.substr(1, signature.size() - 2);
     switch (signature.front()) {
     case 'v':
@@ -226,14 +196,14 @@ void ask(unsigned question, dbus::Reader& reader, bluez::ObjectTree& tree, bluez
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr unsigned deepest = 4;
     constexpr unsigned questions = 15;
-    static sd_bus* const bus = lonelyBus();
-    Bytes bytes(data, size);
+    static sd_bus* const bus = unconnectedBus();
+    Input bytes(data, size);
     sd_bus_message* message = nullptr;
     expect(sd_bus_message_new_signal(bus, &message, "/a", "a.b", "C") >= 0);
     std::array<unsigned, 4> asked{};
     for (unsigned& question : asked)
         question = bytes.below(questions);
-    for (unsigned values = 0; values < 6 && bytes.areLeft(); ++values)
+    for (unsigned values = 0; values < 6 && !bytes.empty(); ++values)
         append(message, type(bytes, deepest), bytes, deepest);
     if (sd_bus_message_seal(message, 1, 0) < 0) { // more than a message can hold
         sd_bus_message_unref(message);

@@ -3,76 +3,50 @@
 
 #include "scanner/bluez/gatt_tree.h"
 #include "scanner/bluez/object_tree.h"
-#include "tests/fuzz/expect.h"
-
-#include <systemd/sd-bus.h>
+#include "tests/fuzz/bus_input.h"
 
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
 
-#include <sys/socket.h>
-
 using namespace wegslot;
 
 namespace {
 
-sd_bus* unconnectedBus() {
-    std::array<int, 2> ends{};
-    sd_bus* bus = nullptr;
-    expect(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()) == 0);
-    expect(sd_bus_new(&bus) >= 0);
-    expect(sd_bus_set_fd(bus, ends[0], ends[0]) >= 0);
-    expect(sd_bus_start(bus) >= 0);
-    return bus;
+std::int16_t number(Input& input) {
+    return static_cast<std::int16_t>(input.byte() << 8U | input.byte());
 }
 
-// Takes the input apart, byte by byte; zeros follow its end.
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : data_(data), left_(size) {}
-    [[nodiscard]] bool empty() const { return left_ == 0; }
-    std::uint8_t byte() {
-        if (left_ == 0) return 0;
-        --left_;
-        return *data_++;
-    }
-    std::int16_t number() { return static_cast<std::int16_t>(byte() << 8U | byte()); }
-    std::string text() {
-        std::string text;
-        for (unsigned length = byte() % 32; length > 0; --length)
-            text += static_cast<char>(1 + byte() % 127); // what D-Bus would not carry stays out
-        return text;
-    }
-
-private:
-    const std::uint8_t* data_;
-    std::size_t left_;
-};
+std::string text(Input& input) {
+    std::string text;
+    for (unsigned length = input.below(32); length > 0; --length)
+        text += static_cast<char>(1 + input.below(127)); // what D-Bus would not carry stays out
+    return text;
+}
 
 void appendValue(sd_bus_message* message, Input& input) {
     switch (input.byte() % 8) {
     case 0:
-        sd_bus_message_append(message, "v", "n", input.number());
+        sd_bus_message_append(message, "v", "n", number(input));
         return;
     case 1:
         sd_bus_message_append(message, "v", "b", input.byte() % 2);
         return;
     case 2:
-        sd_bus_message_append(message, "v", "s", input.text().c_str());
+        sd_bus_message_append(message, "v", "s", text(input).c_str());
         return;
     case 3:
-        sd_bus_message_append(message, "v", "d", 1.0 * input.number());
+        sd_bus_message_append(message, "v", "d", 1.0 * number(input));
         return;
     case 4:
-        sd_bus_message_append(message, "v", "as", 2, input.text().c_str(), "central");
+        sd_bus_message_append(message, "v", "as", 2, text(input).c_str(), "central");
         return;
     case 5:
-        sd_bus_message_append(message, "v", "(so)", input.text().c_str(), "/a/b");
+        sd_bus_message_append(message, "v", "(so)", text(input).c_str(), "/a/b");
         return;
     case 6:
-        sd_bus_message_append(message, "v", "v", "v", "n", input.number());
+        sd_bus_message_append(message, "v", "v", "v", "n", number(input));
         return;
     default:
         break;
@@ -81,9 +55,9 @@ void appendValue(sd_bus_message* message, Input& input) {
     sd_bus_message_open_container(message, 'a', "{qv}");
     for (unsigned entries = input.byte() % 4; entries > 0; --entries) {
         const bool maker = input.byte() % 2 == 0;
-        const auto company = static_cast<std::uint16_t>(maker ? 0x004C : input.number());
+        const auto company = static_cast<std::uint16_t>(maker ? 0x004C : number(input));
         if (input.byte() % 3 == 0) {
-            sd_bus_message_append(message, "{qv}", company, "s", input.text().c_str());
+            sd_bus_message_append(message, "{qv}", company, "s", text(input).c_str());
         } else {
             sd_bus_message_append(message, "{qv}", company, "ay", 2, input.byte(), input.byte());
         }
@@ -106,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     while (!input.empty()) {
         sd_bus_message_open_container(message, 'e', "sv");
         const std::size_t choice = input.byte() % (names.size() + 1);
-        const std::string other = choice == names.size() ? input.text() : "";
+        const std::string other = choice == names.size() ? text(input) : "";
         sd_bus_message_append(message, "s", choice == names.size() ? other.c_str() : names[choice]);
         appendValue(message, input);
         sd_bus_message_close_container(message);
