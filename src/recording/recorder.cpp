@@ -71,8 +71,7 @@ void Recorder::letGo() {
     recording_.reset();
 }
 
-// --- What is told
-// ---------------------------------------------------------------------------------
+// --- What is told --------------------------------------------------------------------------------
 
 void Recorder::followSettings() {
     const Settings& settings = model_.settings();
@@ -97,33 +96,36 @@ Preferences Recorder::preferences() const {
 void Recorder::begin(Request request, CoreIs core) {
     std::optional<Disguise> disguise;
     if (request.anonymous) disguise.emplace(freshId_);
+    // How things stand is told of one instant, however long telling it takes: a replay starts with
+    // it.
+    const TimePoint now = platform_.clock.now();
     recording_.emplace(std::move(request.sink), std::move(disguise), platform_.activity,
-                       platform_.clock);
+                       platform_.clock, now);
     model_.setLinkBeforeScanner(this);
     activityTimer_ = platform_.scheduler.every(ActivityWatch::interval, [this] { tellActivity(); });
-    tell(trace::Start{platform_.clock.wallClock()});
-    tell(trace::SettingsChange{preferences()});
-    if (core == CoreIs::running) return tellStanding();
-    tellKnown(model_.scanner().watchedIDs());
-    tellActivity();
+    tell(trace::Start{platform_.clock.wallClock()}, now);
+    tell(trace::SettingsChange{preferences()}, now);
+    if (core == CoreIs::running) tellStanding(now);
+    tellKnown(model_.scanner().watchedIDs(), now);
+    tellActivity(now);
 }
 
 // How things stand in a core that has been running for a while.
-void Recorder::tellStanding() {
+void Recorder::tellStanding(TimePoint now) {
     const Scanner& scanner = model_.scanner();
-    tell(trace::RadioState{radio_.state(), radio_.authorization()});
+    tell(trace::RadioState{radio_.state(), radio_.authorization()}, now);
     std::set<Uuid> devices = scanner.watchedIDs();
-    tellKnown(devices);
+    tellKnown(devices, now);
     for (const SeenDevice& device : scanner.snapshot().get()) {
         devices.insert(device.id);
         if (isRecording() && !recording_->isKnown(device.id))
-            tell(trace::Known{device.id, radio_.peripheralName(device.id)});
+            tell(trace::Known{device.id, radio_.peripheralName(device.id)}, now);
     }
     for (const Uuid& id : devices)
-        if (radio_.peripheralState(id) == PeripheralState::connected) tell(trace::Connected{id});
-    if (screenLocked_) tell(trace::Session{SessionEvent::locked});
-    if (scanner.discoveryActive()) tell(trace::Discovery{true});
-    tellActivity();
+        if (radio_.peripheralState(id) == PeripheralState::connected)
+            tell(trace::Connected{id}, now);
+    if (screenLocked_) tell(trace::Session{SessionEvent::locked}, now);
+    if (scanner.discoveryActive()) tell(trace::Discovery{true}, now);
 }
 
 void Recorder::tellActivity(std::optional<TimePoint> at) {
@@ -138,11 +140,11 @@ TimePoint Recorder::beforeJudgement() const {
 }
 
 /// Those of `ids` that the stack can be asked for and that no line has told of yet.
-void Recorder::tellKnown(const std::set<Uuid>& ids) {
+void Recorder::tellKnown(const std::set<Uuid>& ids, std::optional<TimePoint> at) {
     if (!isRecording()) return;
     for (const Uuid& id : radio_.retrieve(ids))
         if (isRecording() && !recording_->isKnown(id))
-            tell(trace::Known{id, radio_.peripheralName(id)});
+            tell(trace::Known{id, radio_.peripheralName(id)}, at);
 }
 
 void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
@@ -154,8 +156,7 @@ void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
     Log::write("Opname gestopt: " + failure->message);
 }
 
-// --- The radio
-// ------------------------------------------------------------------------------------
+// --- The radio -----------------------------------------------------------------------------------
 // Each report is told before the core handles it: what it brings down is in the trace by then.
 
 void Recorder::didUpdateState() {

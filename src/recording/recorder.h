@@ -57,11 +57,11 @@ private:
     void followSettings();
     void begin(Request request, CoreIs core);
     void letGo();
-    void tellStanding();
+    void tellStanding(TimePoint now);
     void tellActivity(std::optional<TimePoint> at = {});
     void tell(trace::Event event, std::optional<TimePoint> at = {});
     [[nodiscard]] TimePoint beforeJudgement() const;
-    void tellKnown(const std::set<Uuid>& ids);
+    void tellKnown(const std::set<Uuid>& ids, std::optional<TimePoint> at = {});
     [[nodiscard]] Preferences preferences() const;
 
     AppModel& model_;

@@ -78,6 +78,22 @@ TEST_F(RecorderTest, BeginsWithTheClockAndTheSettings) {
               "\"showOtherDevices\":false}}\n");
 }
 
+TEST_F(RecorderTest, HowThingsStandIsToldOfOneInstantHoweverLongTellingTakes) {
+    make({});
+    world.central.setState(CentralState::poweredOn);
+    world.hear(1, -50);
+    world.time.advance(1s); // the list of devices has it
+    const auto slowly = [this](std::string_view line) {
+        lines.emplace_back(line);
+        world.time.sleep(3ms);
+        return std::optional<Failure>();
+    };
+    ASSERT_EQ(recorder->record({.sink = slowly, .anonymous = false}), std::nullopt);
+    EXPECT_EQ(lines.size(), 3U); // the start, the settings, the radio
+    for (const std::string& line : lines)
+        EXPECT_TRUE(line.starts_with("{\"t\":0,")) << line;
+}
+
 TEST_F(RecorderTest, WhileNobodyRecordsNothingIsAskedOrWritten) {
     make({});
     world.central.setState(CentralState::poweredOn);

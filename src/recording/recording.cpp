@@ -8,11 +8,11 @@
 namespace wegslot {
 
 Recording::Recording(Sink sink, std::optional<Disguise> disguise, ActivityDetector& detector,
-                     const Clock& clock)
+                     const Clock& clock, TimePoint start)
     : activity(detector, clock),
       sink_(std::move(sink)),
       disguise_(std::move(disguise)),
-      start_(clock.now()) {}
+      start_(start) {}
 
 std::optional<Failure> Recording::tell(trace::Event event, TimePoint at) {
     // Rounded down: what came before a beat of the core must not come after it.

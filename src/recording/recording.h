@@ -22,9 +22,9 @@ public:
     /// Takes one line, with its line feed; why it could not, if it could not.
     using Sink = std::function<std::optional<Failure>(std::string_view line)>;
 
-    /// Time zero is now. Without `disguise` everything is told as it is.
+    /// `start` is time zero. Without `disguise` everything is told as it is.
     Recording(Sink sink, std::optional<Disguise> disguise, ActivityDetector& activity,
-              const Clock& clock);
+              const Clock& clock, TimePoint start);
 
     /// What happened `at`; not before the event told last. A failure is the recording's end:
     /// nothing may be told to it any more.
