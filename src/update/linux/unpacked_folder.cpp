@@ -2,7 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
-#include <ranges>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -72,7 +72,9 @@ std::optional<std::string> UnpackedFolder::content(std::span<const std::uint8_t>
 std::optional<std::string> UnpackedFolder::finish() {
     if (!closeFile()) return name_ + ": " + std::strerror(errno);
     // The innermost first: a folder may forbid to enter it.
-    for (const auto& [path, mode] : folders_ | std::views::reverse) {
+    while (!folders_.empty()) {
+        const auto [path, mode] = std::move(folders_.back());
+        folders_.pop_back();
         const int folder = folderAt(path);
         struct stat status {};
         // What the process's mask took away stays away.
@@ -82,7 +84,6 @@ std::optional<std::string> UnpackedFolder::finish() {
         if (folder >= 0) close(folder);
         if (!done) return path.back() + ": " + std::strerror(error);
     }
-    folders_.clear();
     return std::nullopt;
 }
 
