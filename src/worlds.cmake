@@ -1,5 +1,11 @@
 # The worlds at the edge. Each sees only the ports that it implements.
 
+wegslot_module(line_threads THREADED
+  FILES base/linux/line_threads.cpp base/linux/line_threads.h
+  TESTS base/linux/line_threads_test.cpp
+  USES base
+  LIBRARIES Threads::Threads)
+
 wegslot_module(file_log THREADED
   FILES log/linux/file_log.cpp log/linux/file_log.h
   TESTS log/linux/file_log_test.cpp

@@ -2,7 +2,7 @@
 // reader: a stopped terminal or a full pipe must not hold up everything else.
 #pragma once
 
-#include "base/line_threads.h"
+#include "base/linux/line_threads.h"
 
 #include <cstddef>
 #include <string_view>

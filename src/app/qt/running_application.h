@@ -7,7 +7,7 @@
 #include "app/qt/real_updates.h"
 #include "app/qt/real_world.h"
 #include "app/qt/status_icon.h"
-#include "base/line_threads.h"
+#include "base/linux/line_threads.h"
 #include "control/linux/activation.h"
 #include "control/linux/control_service.h"
 #include "core/app_model.h"

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "base/clock.h"
-#include "base/line_threads.h"
+#include "base/linux/line_threads.h"
 #include "log/log.h"
 #include "log/sighting_limit.h"
 

@@ -2,7 +2,7 @@
 // long as they like, so each has a thread that alone touches it and that nobody waits for.
 #pragma once
 
-#include "base/line_threads.h"
+#include "base/linux/line_threads.h"
 #include "base/result.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "base/line_threads.h"
+#include "base/linux/line_threads.h"
 
 #include <gtest/gtest.h>
 
