@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <set>
 #include <string>
+#include <variant>
 
 using namespace wegslot;
 using namespace std::chrono_literals;
@@ -36,6 +38,7 @@ std::string settings(const char* name, PreferenceValue value) {
 
 // Whatever a line can say is said again: nothing of an event is lost or changed.
 TEST(TraceWriter, EveryEventReadsBackAsItWas) {
+    std::set<std::size_t> kinds;
     for (
         const char* const pattern : {
             R"({"t":0,"start":"2026-11-15T23:50:00Z"})",
@@ -91,7 +94,9 @@ TEST(TraceWriter, EveryEventReadsBackAsItWas) {
         if (const auto at = expected.find("0000180F"); at != std::string::npos)
             expected.erase(at, 4);
         EXPECT_EQ(rewritten(line), expected + "\n");
+        if (const auto read = TraceReader().read(line)) kinds.insert(read->event.index());
     }
+    EXPECT_EQ(kinds.size(), std::variant_size_v<trace::Event>) << "an event has no line above";
 }
 
 TEST(TraceWriter, TimesHaveNoMoreDecimalsThanTheyNeed) {

@@ -76,8 +76,15 @@ TEST(Lives, KeepEveryInvariantAndDoWhatTheOracleDoes) {
             << test_info_->name();
         for (const auto& [what, times] : life.tally())
             tally[what] += times;
+        for (const auto& [name, value] : life.stage().store.values())
+            ++tally["choice of " + name];
     }
     if (count < 100) return;
+    // A rule with a setting that no life chooses is not compared with the oracle's.
+    Settings::specimen().visit([&tally](const auto& setting) {
+        EXPECT_GT(tally["choice of " + std::string(setting.name())], 0)
+            << "none of the lives chooses " << setting.name();
+    });
     for (const char* const what : expected)
         EXPECT_GT(tally[what], 0) << "none of the lives has met: " << what;
 }
