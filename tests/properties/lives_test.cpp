@@ -72,7 +72,7 @@ TEST(Lives, KeepEveryInvariantAndDoWhatTheOracleDoes) {
         ASSERT_TRUE(life.faults().empty())
             << life.faults().front() << "\nthe story of it:\n"
             << story(seed) << "again with: WEGSLOT_SEED=" << seed
-            << " lives_test --gtest_filter=" << test_info_->test_suite_name() << "."
+            << " property_tests --gtest_filter=" << test_info_->test_suite_name() << "."
             << test_info_->name();
         for (const auto& [what, times] : life.tally())
             tally[what] += times;
