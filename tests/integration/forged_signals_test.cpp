@@ -50,7 +50,7 @@ struct Reports final : bluez::WatchListener {
 
 struct ForgedSignalsTest : testing::Test {
     CapturedLog log;
-    BusLoop loop{geteuid() == 0 ? PrivateBus::Policy::system : PrivateBus::Policy::anybody};
+    BusLoop loop{PrivateBus::Policy::system};
     std::unique_ptr<dbus::Bus> bus = loop.connect();
     Handle driving = loop.attach(*bus);
 

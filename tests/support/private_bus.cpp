@@ -6,6 +6,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,7 +37,7 @@ constexpr auto asTheSystem =
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <include>/usr/share/dbus-1/system.conf</include>
-  <policy user="root">
+  <policy user="OWNER">
     <allow own="*"/>
     <allow send_destination="*"/>
   </policy>
@@ -48,8 +49,12 @@ constexpr auto asTheSystem =
 PrivateBus::PrivateBus(Policy policy) : address_("unix:path=" + (folder_.path() / "bus").string()) {
     using std::filesystem::perms;
     std::string text = policy == Policy::system ? asTheSystem : forAnybody;
-    if (const auto place = text.find("SERVICES"); place != std::string::npos)
-        text.replace(place, std::strlen("SERVICES"), services().string());
+    const auto fillIn = [&text](std::string_view blank, const std::string& value) {
+        if (const auto place = text.find(blank); place != std::string::npos)
+            text.replace(place, blank.size(), value);
+    };
+    fillIn("SERVICES", services().string());
+    fillIn("OWNER", std::to_string(geteuid()));
     std::filesystem::create_directory(services());
     folder_.write("bus.conf", text);
     // The socket is for whoever the policy lets in.
