@@ -22,7 +22,7 @@ namespace {
 constexpr long statusOk = 200;
 constexpr int mostRedirects = 10;
 /// In bytes, of all headers of one request with its redirects; other clients take no more of one.
-constexpr std::size_t mostHeaders = 64 * 1024;
+constexpr std::size_t mostHeaders = std::size_t{64} * 1024;
 
 struct EasyEnd {
     void operator()(CURL* easy) const { curl().easy_cleanup(easy); }
