@@ -2,6 +2,7 @@
 
 #include "monitor/phase.h"
 #include "tests/interface/picture.h"
+#include "tests/support/contrast.h"
 #include "tests/support/offscreen.h"
 #include "ui/qt/brand_qt.h"
 #include "ui/qt/symbol_images.h"
@@ -33,6 +34,15 @@ QImage asHostsSeeIt(const TrayPicture& picture) {
                        qRgba(part[1], part[2], part[3], part[0]));
     }
     return image;
+}
+
+template <class Predicate>
+int pixelsThat(const QImage& image, Predicate predicate) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (predicate(image.pixel(x, y))) ++count;
+    return count;
 }
 
 struct TrayPictures : testing::TestWithParam<Scheme> {
@@ -73,6 +83,37 @@ TEST_P(TrayPictures, OneWrongIconWouldBeNoticed) {
     auto changed = phases;
     changed[0] = phase::Present{};
     EXPECT_FALSE(difference(bar(changed), bar(phases)).isNone());
+}
+
+// Bars are painted by their owners; what an icon stands on is not known to it.
+TEST_P(TrayPictures, CanBeToldFromBarsOfAnyColor) {
+    struct Ground {
+        const char* name;
+        Color color;
+    };
+    constexpr std::array grounds{
+        Ground{"black", Color::hex(0x000000)}, Ground{"white", Color::hex(0xFFFFFF)},
+        Ground{"grey", Color::hex(0x808080)}, Ground{"blue", Color::hex(0x3465A4)}};
+    for (const Phase& phase : phases)
+        for (const int side : {16, 22, 24, 32, 48}) {
+            const auto content = trayContent(phase, GetParam(), [](TimePoint) { return ""; });
+            const QImage icon = asHostsSeeIt(painter(content.symbol, content.color, side));
+            const int shape = pixelsThat(images.image(content.symbol, content.color, side),
+                                         [](QRgb pixel) { return qAlpha(pixel) >= 128; });
+            ASSERT_GT(shape, 0);
+            for (const Ground& ground : grounds) {
+                const int told = pixelsThat(icon, [&ground](QRgb pixel) {
+                    const Color painted{static_cast<std::uint8_t>(qRed(pixel)),
+                                        static_cast<std::uint8_t>(qGreen(pixel)),
+                                        static_cast<std::uint8_t>(qBlue(pixel)),
+                                        qAlpha(pixel) / 255.0};
+                    return contrast(painted, ground.color) >= 3;
+                });
+                // A filled symbol may be told by its outline alone.
+                EXPECT_GE(told, shape / 3)
+                    << content.symbol << " of " << side << " on " << ground.name;
+            }
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(Bar, TrayPictures, testing::Values(Scheme::light, Scheme::dark),

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 // Of a static library nothing is linked that nobody names.
 static void loadIcons() { Q_INIT_RESOURCE(icons); }
@@ -40,6 +41,25 @@ QImage SymbolImages::image(std::string_view symbol, const Color& color, double s
     painter.end();
     image.setDevicePixelRatio(ratio);
     return image;
+}
+
+QImage SymbolImages::outlined(std::string_view symbol, const Color& color, const Color& outline,
+                              int side) const {
+    const QImage around = image(symbol, outline, side);
+    if (around.isNull()) return {};
+    QImage whole(side, side, QImage::Format_ARGB32_Premultiplied);
+    whole.fill(Qt::transparent);
+    // The shape, moved by the line's width in every direction.
+    const double width = std::max(1.0, side / 24.0);
+    constexpr int directions = 16;
+    QPainter painter(&whole);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (int i = 0; i < directions; ++i) {
+        const double angle = 2 * std::numbers::pi * i / directions;
+        painter.drawImage(QPointF(width * std::cos(angle), width * std::sin(angle)), around);
+    }
+    painter.drawImage(QPoint(), image(symbol, color, side));
+    return whole;
 }
 
 std::vector<std::string> SymbolImages::names() {

@@ -28,6 +28,11 @@ public:
     [[nodiscard]] QImage image(std::string_view symbol, const Color& color, double side,
                                double ratio = 1) const;
 
+    /// The same with a line of the other colour all around it, in the margin that symbols have:
+    /// what can be told from any ground, if the one colour is light and the other dark.
+    [[nodiscard]] QImage outlined(std::string_view symbol, const Color& color, const Color& outline,
+                                  int side) const;
+
     /// The names of all that were compiled in, sorted.
     [[nodiscard]] static std::vector<std::string> names();
 

@@ -6,10 +6,16 @@
 
 namespace wegslot {
 
+QImage trayImage(const SymbolImages& images, std::string_view symbol, const Color& color,
+                 int side) {
+    const bool isDark = color == brand::navy;
+    return images.outlined(symbol, color, isDark ? brand::white : brand::navy, side);
+}
+
 TrayPainter trayPainter(const SymbolImages& images) {
     return [&images](const std::string& symbol, const Color& color, int side) {
         const QImage image =
-            images.image(symbol, color, side).convertToFormat(QImage::Format_ARGB32);
+            trayImage(images, symbol, color, side).convertToFormat(QImage::Format_ARGB32);
         TrayPicture picture{.side = side};
         picture.argb.reserve(static_cast<std::size_t>(image.width() * image.height()) * 4);
         for (int y = 0; y < image.height(); ++y)

@@ -1,7 +1,7 @@
 #include "ui/qt/x11_tray.h"
 
 #include "log/log.h"
-#include "ui/qt/symbol_images.h"
+#include "ui/qt/tray_painter.h"
 
 #include <QAction>
 #include <QGuiApplication>
@@ -42,7 +42,7 @@ bool X11Tray::isThere() {
 void X11Tray::show(const TrayContent& content) {
     QIcon icon;
     for (const int side : {16, 22, 24, 32, 48})
-        icon.addPixmap(QPixmap::fromImage(images_.image(content.symbol, content.color, side)));
+        icon.addPixmap(QPixmap::fromImage(trayImage(images_, content.symbol, content.color, side)));
     icon_.setIcon(icon);
     icon_.setToolTip(QString::fromStdString(content.text));
     icon_.show();
