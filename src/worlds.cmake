@@ -135,14 +135,19 @@ wegslot_module(brand_qt
   USES brand
   LIBRARIES Qt6::Gui)
 
+wegslot_module(x11_qt
+  FILES
+    ui/qt/x11_bar_watch.cpp ui/qt/x11_bar_watch.h ui/qt/x11_server.cpp ui/qt/x11_server.h
+  LIBRARIES Qt6::Gui PkgConfig::XCB)
+
 wegslot_module(hud_qt
   FILES
     hud/qt/capsule_button.cpp hud/qt/capsule_button.h hud/qt/keyboard_loan.cpp
     hud/qt/keyboard_loan.h hud/qt/qt_warning_hud.cpp hud/qt/qt_warning_hud.h
     hud/qt/warning_panel.cpp hud/qt/warning_panel.h hud/qt/warning_picture.cpp
     hud/qt/warning_picture.h
-  USES base hud brand brand_qt monitor
-  LIBRARIES Qt6::Widgets PkgConfig::XCB)
+  USES base hud brand brand_qt monitor x11_qt
+  LIBRARIES Qt6::Widgets)
 
 wegslot_module(ui_linux
   FILES
@@ -281,7 +286,7 @@ wegslot_module(app_qt
   USES
     base file_log log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
-    ui_linux icons_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
+    ui_linux icons_qt x11_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
     ui_ports control foreign_descriptor recording recording_linux stage
   LIBRARIES Qt6::Widgets)
 target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})

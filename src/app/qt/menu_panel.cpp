@@ -62,12 +62,13 @@ void MenuPanel::open(const std::string& activationToken) {
 }
 
 PanelWindow& MenuPanel::window() {
-    if (!window_) {
-        const bool isPlainX11 = plainX11Display(displayEnvironment()).has_value();
-        window_.emplace(panelObjects(parts_), parts_.appearance.images,
-                        isPlainX11 ? PanelHost::popup : PanelHost::window);
-    }
+    if (!window_) window_.emplace(panelObjects(parts_), parts_.appearance.images, host());
     return *window_;
+}
+
+PanelHost MenuPanel::host() const {
+    if (parts_.stays) return PanelHost::standing;
+    return plainX11Display(displayEnvironment()) ? PanelHost::popup : PanelHost::window;
 }
 
 } // namespace wegslot

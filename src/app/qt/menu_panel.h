@@ -24,6 +24,7 @@ public:
         LoginItem& loginItem;
         std::function<void()> openLog;
         std::function<void()> quit;
+        bool stays = false; ///< whatever else is clicked
     };
 
     explicit MenuPanel(Parts parts) : parts_(std::move(parts)) {}
@@ -36,6 +37,7 @@ public:
 
 private:
     [[nodiscard]] PanelWindow& window();
+    [[nodiscard]] PanelHost host() const;
 
     Parts parts_;
     std::optional<PanelWindow> window_;

@@ -13,13 +13,15 @@ StatusIcon::StatusIcon(const Appearance& appearance, dbus::Connection& sessionBu
     : isX11Session_(plainX11Display(displayEnvironment()).has_value()),
       window_(appearance.images, actions),
       item_(sessionBus, scheduler, actions, trayPainter(appearance.images)),
-      taken_(item_.isTaken().onChange([this](bool taken) { choose(taken); })),
+      taken_(item_.isTaken().onChange([this](bool) { choose(); })),
       presenter_(monitor.phase(), appearance.colors.scheme(),
                  folders::variable("XDG_CURRENT_DESKTOP"), localClockTime(clock),
                  [this](const TrayContent& content) { show(content); }) {
-    // A panel says nothing when it comes or goes.
-    if (isX11Session_)
-        looking_ = scheduler.every(lookInterval, [this] { choose(item_.isTaken().get()); });
+    if (!isX11Session_) return;
+    barWatch_.emplace([this] { choose(); });
+    firstLook_ = scheduler.after(firstLook, [this] { choose(); });
+    // A panel says nothing when it goes.
+    looking_ = scheduler.every(lookInterval, [this] { choose(); });
 }
 
 void StatusIcon::show(const TrayContent& content) {
@@ -28,8 +30,8 @@ void StatusIcon::show(const TrayContent& content) {
     if (window_.isShown()) window_.show(content);
 }
 
-void StatusIcon::choose(bool itemIsTaken) {
-    const TrayKind kind = trayKind({.itemIsTaken = itemIsTaken,
+void StatusIcon::choose() {
+    const TrayKind kind = trayKind({.itemIsTaken = item_.isTaken().get(),
                                     .isX11Session = isX11Session_,
                                     .hasWindowTray = isX11Session_ && X11Tray::isThere()});
     if (kind != TrayKind::window) return window_.hide();

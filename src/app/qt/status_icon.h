@@ -8,6 +8,7 @@
 #include "base/scheduler.h"
 #include "monitor/monitor.h"
 #include "ui/linux/tray_item.h"
+#include "ui/qt/x11_bar_watch.h"
 #include "ui/qt/x11_tray.h"
 #include "ui/tray_actions.h"
 #include "ui/tray_content.h"
@@ -16,7 +17,12 @@ namespace wegslot {
 
 class StatusIcon {
 public:
-    /// How often an X11 panel is looked for while nobody has taken the item.
+    /// How long after the start an X11 panel is first looked for: by then who collects items has
+    /// taken ours, and no second icon is seen for a moment. An asked service answers in
+    /// milliseconds.
+    static constexpr Nanoseconds firstLook = std::chrono::milliseconds{300};
+
+    /// How often it is looked whether that panel is still there, while nobody has taken the item.
     static constexpr Nanoseconds lookInterval = std::chrono::seconds{5};
 
     /// There must be a QApplication. All must outlive this.
@@ -28,7 +34,7 @@ public:
 
 private:
     void show(const TrayContent& content);
-    void choose(bool itemIsTaken);
+    void choose();
 
     const bool isX11Session_;
     TrayContent content_;
@@ -36,6 +42,8 @@ private:
     TrayItem item_;
     Subscription taken_;
     TrayPresenter presenter_;
+    std::optional<X11BarWatch> barWatch_;
+    Timer firstLook_;
     Timer looking_;
 };
 

@@ -153,8 +153,8 @@ TEST_F(SymbolImagesTest, TheTraysColorIsNotMultipliedByItsOpacity) {
     bool softEdge = false;
     for (std::size_t i = 0; i < picture.argb.size(); i += 4) {
         if (picture.argb[i] < 60 || picture.argb[i] > 200) continue;
-        softEdge = true;
-        EXPECT_GE(picture.argb[i + 1], 250);
+        softEdge = true; // of the outline, which is navy
+        EXPECT_NEAR(picture.argb[i + 3], brand::navy.blue, 8);
     }
     EXPECT_TRUE(softEdge);
 }

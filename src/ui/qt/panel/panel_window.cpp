@@ -50,7 +50,7 @@ int PanelWindow::heightOnScreen() {
 /// A click elsewhere does not reach us where the panel is an ordinary window, unless on another
 /// one.
 std::function<void()> PanelWindow::closeFor(PanelHost host) {
-    if (host == PanelHost::popup) return {};
+    if (host != PanelHost::window) return {};
     return [this] { hide(); };
 }
 
@@ -128,7 +128,7 @@ bool PanelWindow::focusNextPrevChild(bool next) { return view_.moveFocus(next); 
 
 void PanelWindow::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || host_ == PanelHost::popup) return;
+    if (event->type() != QEvent::ActivationChange || host_ != PanelHost::window) return;
     // A menu of its own takes the activation for a while on some systems.
     if (!isActiveWindow() && QApplication::activePopupWidget() == nullptr) hide();
 }

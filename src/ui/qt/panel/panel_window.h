@@ -19,8 +19,9 @@ namespace wegslot {
 
 /// How the window system treats the panel.
 enum class PanelHost {
-    popup, ///< X11: a click anywhere else reaches us, and closes it
-    window ///< Wayland: an ordinary window, which closes when another one is used
+    popup,   ///< X11: a click anywhere else reaches us, and closes it
+    window,  ///< Wayland: an ordinary window, which closes when another one is used
+    standing ///< closed by Escape and the icon only: who watches a demo clicks elsewhere too
 };
 
 class PanelWindow final : public QWidget {
