@@ -97,22 +97,26 @@ Finding linksFinding(const CheckFacts::Bluetooth& facts) {
                 facts.readsLinks ? "te lezen" : "niet te lezen, sleutels worden alleen beluisterd"};
 }
 
+std::string addressText(const CheckFacts::Key& key) {
+    if (!key.changesAddress) return "niet te zien, adres onbekend";
+    return *key.changesAddress ? "wisselt van adres, koppel het met deze computer" : "vast adres";
+}
+
 Finding keysFinding(const CheckFacts& facts) {
     Names found;
     Names texts;
-    bool anyStays = false;
+    bool anyMayStay = false;
     for (const CheckFacts::Key& key : facts.keys) {
         found.push_back(key.name);
-        texts.push_back(printable(key.name) + (key.changesAddress ? ": wisselt van adres, koppel "
-                                                                    "het met deze computer"
-                                                                  : ": vast adres"));
-        anyStays = anyStays || !key.changesAddress;
+        texts.push_back(printable(key.name) + ": " + addressText(key));
+        anyMayStay = anyMayStay || !key.changesAddress.value_or(false);
     }
-    if (texts.empty()) texts.push_back("geen; kies er een met --devices en --add-key");
+    if (texts.empty())
+        texts.push_back("geen; kies er een in het paneel, of met --devices en --add-key");
     if (!facts.enabled) texts.push_back("Wegslot staat uit");
     return {.name = "keys",
             .label = "Sleutels",
-            .works = anyStays && facts.enabled,
+            .works = anyMayStay && facts.enabled,
             .needed = true,
             .found = std::move(found),
             .text = joined(texts, "; ")};

@@ -24,7 +24,7 @@ struct CheckFacts {
     };
     struct Key {
         std::string name;
-        bool changesAddress = false;
+        std::optional<bool> changesAddress; ///< nothing where no radio knows the device
     };
     struct Locking {
         bool session = false;               ///< logind knows one

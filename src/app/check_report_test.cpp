@@ -14,7 +14,7 @@ CheckFacts good() {
     CheckFacts facts;
     facts.bluetooth = {
         .daemon = true, .adapter = "hci0", .state = CentralState::poweredOn, .readsLinks = true};
-    facts.keys = {{.name = "Telefoon"}};
+    facts.keys = {{.name = "Telefoon", .changesAddress = false}};
     facts.locking.session = true;
     facts.locking.savers = {"org.gnome.Shell.ScreenShield"};
     facts.locking.hintKept = true;
@@ -76,7 +76,8 @@ TEST(CheckReport, WhereThereIsNothingEachLineSaysSo) {
             "FOUT  Bluetooth-dienst:          bluetoothd draait niet",
             "FOUT  Bluetooth-adapter:         geen",
             "-     Signaal van verbindingen:  niet te lezen, sleutels worden alleen beluisterd",
-            "FOUT  Sleutels:                  geen; kies er een met --devices en --add-key",
+            "FOUT  Sleutels:                  geen; kies er een in het paneel, of met --devices en "
+            "--add-key",
             "FOUT  Locken:                    geen; installeer een lockprogramma",
             "FOUT  Weten dat het gelockt is:  niets; nu niet gelockt",
             "-     Toetsenbord en muis:       niet te zien; wie typt telt niet als aanwezig",
@@ -135,6 +136,14 @@ TEST(CheckReport, OneKeyThatStaysIsEnough) {
     EXPECT_EQ(keys.text, "Telefoon: vast adres; Horloge: wisselt van adres, koppel het met deze "
                          "computer");
     EXPECT_EQ(keys.found, (Names{"Telefoon", "Horloge"}));
+}
+
+TEST(CheckReport, AKeyThatNoRadioKnowsIsNotSaidToStayAndIsNoFault) {
+    const auto keys = finding(
+        with([](CheckFacts& facts) { facts.keys = {{.name = "Telefoon", .changesAddress = {}}}; }),
+        "keys");
+    EXPECT_TRUE(keys.works);
+    EXPECT_EQ(keys.text, "Telefoon: niet te zien, adres onbekend");
 }
 
 TEST(CheckReport, LogindAloneIsNoWayToLock) {

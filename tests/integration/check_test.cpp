@@ -152,6 +152,11 @@ TEST_F(CheckWithRadioTest, AnAdapterThatIsOffIsNamed) {
     EXPECT_EQ(named(all, "bluetooth-adapter").at("text"), "hci0 staat uit");
 }
 
+TEST_F(CheckTest, WithoutARadioNothingIsSaidOfAKeysAddress) {
+    home.setPreferences(withKey());
+    EXPECT_EQ(named(report(), "keys").at("text"), "Telefoon: niet te zien, adres onbekend");
+}
+
 TEST_F(CheckWithRadioTest, AKeyThatWillSoonBeAStrangerIsNamed) {
     bluez.addDevice("41:BB:CC:DD:EE:02", {}, {{"AddressType", std::string("random")}});
     home.setPreferences(R"({"keys": [{"id": ")" + deviceId("41:BB:CC:DD:EE:02", "random").text() +

@@ -85,9 +85,11 @@ CheckFacts Check::facts() {
         .autostart = hasAutostart()};
     if (const auto& fault = preferences_.fault().get())
         facts.preferences.unreadable = fault->message;
-    for (const KeyDevice& key : settings_.keys.get())
-        facts.keys.push_back(
-            {.name = key.name, .changesAddress = world_.central.changesAddress(key.id)});
+    for (const KeyDevice& key : settings_.keys.get()) {
+        facts.keys.push_back({.name = key.name, .changesAddress = std::nullopt});
+        if (world_.central.knows(key.id))
+            facts.keys.back().changesAddress = world_.central.changesAddress(key.id);
+    }
     return facts;
 }
 

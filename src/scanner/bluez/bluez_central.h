@@ -60,6 +60,8 @@ public:
     void scan() override;
     void want(const Wanted& wanted) override;
     void catchUp() override;
+    /// Whether the adapter in use has heard the device, or is bonded with it.
+    [[nodiscard]] bool knows(const Uuid& id) const { return find(id) != nullptr; }
     [[nodiscard]] bool changesAddress(const Uuid& id) const override;
     /// All of them: what was not heard yet is connected when it is.
     [[nodiscard]] std::vector<Uuid> retrieve(const std::set<Uuid>& ids) override;
