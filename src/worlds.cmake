@@ -215,9 +215,9 @@ wegslot_module(app_linux
   FILES
     app/linux/file_watch.cpp app/linux/file_watch.h app/linux/folders.cpp app/linux/folders.h
     app/linux/instance_lock.cpp app/linux/instance_lock.h app/linux/standard_output.cpp
-    app/linux/standard_output.h
-  TESTS app/linux/instance_lock_test.cpp
-  USES base dbus line_threads)
+    app/linux/standard_output.h app/linux/user_language.cpp app/linux/user_language.h
+  TESTS app/linux/instance_lock_test.cpp app/linux/user_language_test.cpp
+  USES base dbus files_linux line_threads)
 
 wegslot_module(foreign_descriptor
   FILES recording/linux/foreign_descriptor.cpp recording/linux/foreign_descriptor.h

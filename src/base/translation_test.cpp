@@ -1,0 +1,84 @@
+#include "base/translation.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+using namespace wegslot;
+
+namespace {
+
+/// Translates while it lives; of a text with a count the form is the last digit.
+class Glossary final : public Translations {
+public:
+    using Words = std::map<std::string, std::string, std::less<>>;
+
+    Glossary(std::initializer_list<Words::value_type> words) : words_(words) {
+        before_ = Translations::use(this);
+    }
+    Glossary(const Glossary&) = delete;
+    Glossary& operator=(const Glossary&) = delete;
+    ~Glossary() override { Translations::use(before_); }
+
+    [[nodiscard]] std::optional<std::string> find(std::string_view text) const override {
+        const auto found = words_.find(text);
+        return found == words_.end() ? std::nullopt : std::optional(found->second);
+    }
+    [[nodiscard]] std::optional<std::string> find(std::string_view one,
+                                                  unsigned long count) const override {
+        return find(std::string(one) + "#" + std::to_string(count));
+    }
+
+private:
+    Words words_;
+    const Translations* before_ = nullptr;
+};
+
+} // namespace
+
+TEST(Translation, WithoutACatalogueTextsAreAsTheyStand) {
+    EXPECT_EQ(translated("Nu locken"), "Nu locken");
+    EXPECT_EQ(translated("Pauze: %1", {"100 %2 %"}), "Pauze: 100 %2 %");
+    EXPECT_EQ(counted("%1 dag", "%1 dagen", 1, {"1"}).translated(), "1 dag");
+    EXPECT_EQ(counted("%1 dag", "%1 dagen", 0, {"0"}).translated(), "0 dagen");
+}
+
+TEST(Translation, ALanguageMayHaveThePlacesInItsOwnOrderOrTwice) {
+    const Glossary english{{"%1 van %2", "%2's %1, %1"}};
+    EXPECT_EQ(translated("%1 van %2", {"sleutel", "Ans"}), "Ans's sleutel, sleutel");
+}
+
+TEST(Translation, APlaceThatNothingIsForStaysAsItIs) {
+    EXPECT_EQ(translated("%1 %2 %0 %", {"een"}), "een %2 %0 %");
+}
+
+TEST(Translation, OnlyTheUserSeesTheirLanguage) {
+    const Glossary english{{"Camera is in gebruik", "The camera is in use"}};
+    const Message reason = message("Camera is in gebruik");
+    EXPECT_EQ(reason.translated(), "The camera is in use");
+    EXPECT_EQ(reason.builtIn(), "Camera is in gebruik");
+}
+
+TEST(Translation, WhatIsInAPlaceIsTranslatedToo) {
+    const Glossary english{{"Update mislukt: %1", "Update failed: %1"}, {"geen feed", "no feed"}};
+    const Message failed = message("Update mislukt: %1", {message("geen feed")});
+    EXPECT_EQ(failed.translated(), "Update failed: no feed");
+    EXPECT_EQ(failed.builtIn(), "Update mislukt: geen feed");
+}
+
+TEST(Translation, ANameThatHappensToBeATextStaysAName) {
+    const Glossary english{{"Stop", "Quit"}, {"%1 is weg", "%1 is gone"}};
+    EXPECT_EQ(translated("%1 is weg", {"Stop"}), "Stop is gone");
+    EXPECT_EQ(Message("Stop").translated(), "Stop");
+}
+
+TEST(Translation, TheFormIsTheLanguagesOwn) {
+    const Glossary polish{{"%1 dag#1", "%1 dzien"}, {"%1 dag#5", "%1 dni"}};
+    EXPECT_EQ(counted("%1 dag", "%1 dagen", 5, {"5"}).translated(), "5 dni");
+    EXPECT_EQ(counted("%1 dag", "%1 dagen", 7, {"7"}).translated(), "7 dagen");
+}
+
+TEST(Translation, MessagesAreTheSameWhenTheirWordsAre) {
+    EXPECT_EQ(message("Pauze: %1", {"nu"}), Message("Pauze: nu"));
+    EXPECT_NE(message("Pauze: %1", {"nu"}), message("Pauze: %1", {"straks"}));
+}
