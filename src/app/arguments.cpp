@@ -8,10 +8,11 @@ namespace {
 
 Result<Uuid> idAfter(const std::vector<std::string_view>& words, std::size_t& index) {
     const std::string name(words[index]);
-    if (index + 1 == words.size()) return Failure{name + " verwacht een id (zie --devices)"};
+    if (index + 1 == words.size())
+        return Failure{message("%1 verwacht een id (zie --devices)", {name})};
     const std::string_view text = words[++index];
     const auto id = Uuid::parse(text);
-    if (!id) return Failure{name + ": geen geldig id: " + std::string(text)};
+    if (!id) return Failure{message("%1: geen geldig id: %2", {name, std::string(text)})};
     return *id;
 }
 
@@ -73,7 +74,7 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         return std::optional<Command>();
     if (word == "--record") {
         const bool hasPath = index + 1 < words.size() && !words[index + 1].starts_with('-');
-        if (!hasPath) return Failure{"--record verwacht een bestand"};
+        if (!hasPath) return Failure{message("%1 verwacht een bestand", {"--record"})};
         return std::optional<Command>(
             command::Run{.recording = command::Recording{.path = std::string(words[++index])}});
     }
@@ -92,14 +93,15 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         return std::optional<Command>(command::RemoveKey{*id});
     }
     if (control::isRequest(word))
-        return Failure{std::string(word) + " hoort als eerste woord (zie --help)"};
-    return Failure{(word.starts_with('-') ? "onbekende schakelaar " : "onbekend woord ") +
-                   std::string(word) + " (zie --help)"};
+        return Failure{message("%1 hoort als eerste woord (zie --help)", {std::string(word)})};
+    if (word.starts_with('-'))
+        return Failure{message("onbekende schakelaar %1 (zie --help)", {std::string(word)})};
+    return Failure{message("onbekend woord %1 (zie --help)", {std::string(word)})};
 }
 
 Failure conflict(std::string_view word, std::string_view other) {
-    if (word == other) return Failure{std::string(word) + " staat er twee keer"};
-    return Failure{std::string(word) + " gaat niet samen met " + std::string(other)};
+    if (word == other) return Failure{message("%1 staat er twee keer", {std::string(word)})};
+    return Failure{message("%1 gaat niet samen met %2", {std::string(word), std::string(other)})};
 }
 
 /// `words` with a request's word before what may stand behind it, wherever that was typed.
@@ -142,13 +144,13 @@ Result<Command> parseArguments(const std::vector<std::string_view>& typed) {
     for (const auto& [word, command, apply] : additions) {
         if (!contains(words, word)) continue;
         if (!chosen || !apply(*chosen))
-            return Failure{std::string(word) + " hoort bij " + std::string(command)};
+            return Failure{message("%1 hoort bij %2", {std::string(word), std::string(command)})};
     }
     return chosen.value_or(command::Run{});
 }
 
-std::string_view helpText() {
-    return R"(Gebruik: wegslot [OPDRACHT]
+std::string helpText() {
+    return translated(R"(Gebruik: wegslot [OPDRACHT]
 
 Zonder opdracht start Wegslot: het lockt de sessie als je sleutels weg zijn.
 
@@ -209,7 +211,7 @@ Logboek:    ~/Library/Logs/Wegslot.log
 
 Eindigt met 0, met 1 als iets niet lukte, met 2 bij een verkeerde aanroep en met
 3 als Wegslot niet draait en er iets van gevraagd wordt.
-)";
+)");
 }
 
 } // namespace wegslot

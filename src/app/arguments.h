@@ -66,6 +66,6 @@ using Command = std::variant<command::Run, command::Demo, command::Help, command
 Result<Command> parseArguments(const std::vector<std::string_view>& typed);
 
 /// What `--help` prints.
-[[nodiscard]] std::string_view helpText();
+[[nodiscard]] std::string helpText();
 
 } // namespace wegslot

@@ -16,7 +16,7 @@ bool asksFor(const Words& words) {
 
 std::string fault(const Words& words) {
     const auto parsed = parseArguments(words);
-    return parsed ? "" : parsed.failure().message;
+    return parsed ? "" : parsed.failure().message.builtIn();
 }
 
 constexpr auto id = "0f2c41a7-0b3d-4c5e-8f60-718293a4b5c6";

@@ -47,7 +47,8 @@ KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep k
       done_(std::move(done)) {
     if (isKey(model.settings(), id)) {
         looking_ = scheduler.after(Nanoseconds{0}, [this] {
-            finish(Outcome::alreadyAKey, "Dit apparaat is al een sleutel: " + id_.text());
+            finish(Outcome::alreadyAKey,
+                   message("Dit apparaat is al een sleutel: %1", {id_.text()}));
         });
         return;
     }
@@ -56,8 +57,8 @@ KeyAdder::KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep k
     model.scanner().setWatchedIDs({id});
     looking_ = scheduler.every(std::chrono::seconds{1}, [this] { look(); });
     patience_ = scheduler.after(patience, [this] {
-        finish(Outcome::notHeard, "Niet gehoord binnen 30 s: " + id_.text() + " (" +
-                                      model_.scanner().stateDescription() + ")");
+        finish(Outcome::notHeard, message("Niet gehoord binnen 30 s: %1 (%2)",
+                                          {id_.text(), model_.scanner().stateDescription()}));
     });
 }
 
@@ -68,32 +69,33 @@ void KeyAdder::look() {
     const auto device = std::ranges::find(devices, id_, &SeenDevice::id);
     if (device == devices.end() || !device->rssi) return;
     if (scanner.changesAddress(id_))
-        return finish(Outcome::refused,
-                      "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
+        return finish(
+            Outcome::refused,
+            message("Dit apparaat wisselt van adres. Koppel het eerst met deze computer."));
     model_.settings().addKey(*device);
     if (const auto failure = keep_()) return finish(Outcome::notKept, failure->message);
     const KeyDevice& key = model_.settings().keys.get().back();
-    finish(Outcome::added, "Sleutel toegevoegd: " + printable(key.name) + ", drempel " +
-                               decimal(key.threshold.value) + " dBm");
+    finish(Outcome::added, message("Sleutel toegevoegd: %1, drempel %2 dBm",
+                                   {printable(key.name), decimal(key.threshold.value)}));
 }
 
-void KeyAdder::finish(Outcome outcome, const std::string& message) {
+void KeyAdder::finish(Outcome outcome, const Message& message) {
     looking_.reset();
     patience_.reset();
     done_(outcome, message);
 }
 
 void printKeys(const Settings& settings, const PrintLine& print) {
-    if (settings.keys.get().empty()) print("Geen sleutels");
+    if (settings.keys.get().empty()) print(translated("Geen sleutels"));
     for (const KeyDevice& key : settings.keys.get())
         print(row(key));
 }
 
 Result<std::string> removeKey(Settings& settings, const Uuid& id, const Keep& keep) {
-    if (!isKey(settings, id)) return Failure{"Geen sleutel met id " + id.text()};
+    if (!isKey(settings, id)) return Failure{message("Geen sleutel met id %1", {id.text()})};
     settings.removeKey(id);
     if (const auto failure = keep()) return *failure;
-    return "Sleutel verwijderd: " + id.text();
+    return translated("Sleutel verwijderd: %1", {id.text()});
 }
 
 } // namespace wegslot

@@ -42,14 +42,14 @@ public:
     enum class Outcome { added, alreadyAKey, notHeard, refused, notKept };
 
     /// What came of it, and what is to be said of it.
-    using Done = std::function<void(Outcome outcome, const std::string& message)>;
+    using Done = std::function<void(Outcome outcome, const Message& message)>;
 
     /// `done` is called once, from the scheduler.
     KeyAdder(AppModel& model, Scheduler& scheduler, const Uuid& id, Keep keep, Done done);
 
 private:
     void look();
-    void finish(Outcome outcome, const std::string& message);
+    void finish(Outcome outcome, const Message& message);
 
     AppModel& model_;
     Uuid id_;

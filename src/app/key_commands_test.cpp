@@ -21,9 +21,9 @@ struct KeyCommandsTest : testing::Test {
     }
     [[nodiscard]] KeyAdder adder(unsigned number) {
         return {model, world.time, numbered(number), [this] { return kept; },
-                [this](KeyAdder::Outcome result, const std::string& message) {
+                [this](KeyAdder::Outcome result, const Message& message) {
                     outcome = result;
-                    lines.push_back(message);
+                    lines.push_back(message.builtIn());
                 }};
     }
     [[nodiscard]] Lines take() { return std::exchange(lines, {}); }

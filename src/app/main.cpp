@@ -1,6 +1,8 @@
 // wegslot: locks the computer when its user walks away with their keys.
 
 #include "app/arguments.h"
+#include "app/linux/folders.h"
+#include "app/linux/user_language.h"
 #include "app/qt/application.h"
 #include "base/text.h"
 #include "update/bundle_info.h"
@@ -23,11 +25,12 @@ int complain(const std::string& message, int status) {
 
 int main(int argc, char** argv) {
     using namespace wegslot;
+    const UserLanguage language(folders::variable);
     const auto command = parseArguments({argv + 1, argv + argc});
-    if (!command) return complain(command.failure().message, exitUsage);
+    if (!command) return complain(command.failure().message.translated(), exitUsage);
     // These answer without bus, display or event loop.
     if (std::holds_alternative<command::Help>(*command)) {
-        std::fputs(std::string(helpText()).c_str(), stdout);
+        std::fputs(helpText().c_str(), stdout);
         return EXIT_SUCCESS;
     }
     if (std::holds_alternative<command::Version>(*command)) {

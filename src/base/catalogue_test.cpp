@@ -36,10 +36,10 @@ std::string compiled(const Pairs& pairs) {
     return head + texts;
 }
 
-const std::string french = compiled(
-    {{"", "Content-Type: text/plain\nPlural-Forms: nplurals=2; plural=n > 1;\n"},
-     {std::string("%1 dag\0%1 dagen", 15), std::string("%1 jour\0%1 jours", 16)},
-     {"Nu locken", "Verrouiller"}});
+const std::string french =
+    compiled({{"", "Content-Type: text/plain\nPlural-Forms: nplurals=2; plural=n > 1;\n"},
+              {std::string("%1 dag\0%1 dagen", 15), std::string("%1 jour\0%1 jours", 16)},
+              {"Nu locken", "Verrouiller"}});
 
 } // namespace
 
@@ -61,9 +61,9 @@ TEST(Catalogue, CountsAsItsLanguageDoes) {
 }
 
 TEST(Catalogue, ARuleThatNamesAFormThatIsNotThereIsNoTranslation) {
-    const auto catalogue = Catalogue::read(
-        compiled({{"", "Plural-Forms: nplurals=2; plural=n;\n"},
-                  {std::string("dag\0dagen", 9), std::string("day\0days", 8)}}));
+    const auto catalogue =
+        Catalogue::read(compiled({{"", "Plural-Forms: nplurals=2; plural=n;\n"},
+                                  {std::string("dag\0dagen", 9), std::string("day\0days", 8)}}));
     ASSERT_TRUE(catalogue);
     EXPECT_EQ(catalogue->find("dag", 1), "days");
     EXPECT_EQ(catalogue->find("dag", 2), std::nullopt);
@@ -90,8 +90,7 @@ TEST(PluralRule, IsReadAsC) {
     EXPECT_EQ(evaluated("n != 1", 1), 0);
     EXPECT_EQ(evaluated("n!=1", 0), 1);
     EXPECT_EQ(evaluated("0", 7), 0);
-    const char* const polish =
-        "n==1 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2";
+    const char* const polish = "n==1 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2";
     EXPECT_EQ(evaluated(polish, 1), 0);
     EXPECT_EQ(evaluated(polish, 22), 1);
     EXPECT_EQ(evaluated(polish, 12), 2);
@@ -101,8 +100,8 @@ TEST(PluralRule, IsReadAsC) {
 }
 
 TEST(PluralRule, WhatIsNoExpressionHasNoValue) {
-    for (const char* const rule : {"", "n n", "(n", "n)", "n ?", "n ? 1", "n ==", "1 / (n - n)",
-                                   "n % 0", "m", "n = 1"})
+    for (const char* const rule :
+         {"", "n n", "(n", "n)", "n ?", "n ? 1", "n ==", "1 / (n - n)", "n % 0", "m", "n = 1"})
         EXPECT_EQ(evaluated(rule, 3), std::nullopt) << rule;
     EXPECT_EQ(evaluated(std::string(100'000, '('), 1), std::nullopt);
     EXPECT_EQ(evaluated(std::string(100'000, '!') + "n", 1), std::nullopt);

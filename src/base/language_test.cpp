@@ -39,8 +39,7 @@ TEST(Languages, TheFirstVariableThatIsSetDecides) {
     EXPECT_EQ(under({{"LANG", "nl"}, {"LC_MESSAGES", "fr"}}), (Names{"fr", "en"}));
     EXPECT_EQ(under({{"LANG", "nl"}, {"LC_MESSAGES", "fr"}, {"LC_ALL", "de"}}),
               (Names{"de", "en"}));
-    EXPECT_EQ(under({{"LANG", "nl"}, {"LC_MESSAGES", "C"}, {"LC_ALL", "de"}}),
-              (Names{"de", "en"}));
+    EXPECT_EQ(under({{"LANG", "nl"}, {"LC_MESSAGES", "C"}, {"LC_ALL", "de"}}), (Names{"de", "en"}));
 }
 
 TEST(Languages, WishesStandBeforeTheLocale) {

@@ -2,14 +2,15 @@
 // message that says what and where.
 #pragma once
 
-#include <string>
+#include "base/translation.h"
+
 #include <utility>
 #include <variant>
 
 namespace wegslot {
 
 struct Failure {
-    std::string message;
+    Message message;
     friend bool operator==(const Failure&, const Failure&) = default;
 };
 

@@ -1,5 +1,5 @@
-// Texts for people, in their language. In the code they are Dutch, whole sentences, and the names by
-// which a catalogue has their translations; without a catalogue they are shown as they stand.
+// Texts for people, in their language. In the code they are Dutch, whole sentences, and the names
+// by which a catalogue has their translations; without a catalogue they are shown as they stand.
 // What is written for programs and for the log is never translated.
 #pragma once
 
@@ -19,7 +19,8 @@ public:
     /// Nothing for a text that has none.
     [[nodiscard]] virtual std::optional<std::string> find(std::string_view text) const = 0;
 
-    /// The form for `count` of a text that was registered in two forms, of which `one` is the first.
+    /// The form for `count` of a text that was registered in two forms, of which `one` is the
+    /// first.
     [[nodiscard]] virtual std::optional<std::string> find(std::string_view one,
                                                           unsigned long count) const = 0;
 
@@ -37,6 +38,10 @@ public:
     /// What is the same in every language: a name, a number, what a system said.
     Message(std::string verbatim) : text_(std::move(verbatim)) {} // NOLINT: meant to convert
     Message(const char* verbatim) : text_(verbatim) {}            // NOLINT: meant to convert
+    /// With places for what may not be the same.
+    Message(const char* verbatim, std::vector<Message> places)
+        : text_(verbatim),
+          places_(std::move(places)) {}
 
     /// In the user's language, for the user's eyes.
     [[nodiscard]] std::string translated() const;

@@ -36,7 +36,7 @@ std::optional<std::uint32_t> secondsIn(std::string_view unit) {
 Status status(const Sources& sources) {
     const Phase& phase = sources.monitor.phase().get();
     Status status{.phase = std::string(name(phase)),
-                  .text = text(phase, sources.clockTime),
+                  .text = text(phase, sources.clockTime).builtIn(),
                   .pausedUntil = pausedUntil(phase, sources.clock),
                   .keys = {}};
     const KeyStates& states = sources.monitor.keyStates().get();
@@ -53,7 +53,7 @@ Status status(const Sources& sources) {
 }
 
 Nearby nearby(const Scanner& scanner, bool others) {
-    Nearby nearby{.radio = scanner.isPoweredOn() ? "" : scanner.stateDescription(),
+    Nearby nearby{.radio = scanner.isPoweredOn() ? "" : scanner.stateDescription().builtIn(),
                   .includesOthers = scanner.includeOtherDevices(),
                   .devices = {}};
     for (const SeenDevice& device : scanner.snapshot().get()) {
@@ -70,13 +70,14 @@ Nearby nearby(const Scanner& scanner, bool others) {
 
 Change change(const Sources& sources, const Phase& next) {
     return {.phase = std::string(name(next)),
-            .text = text(next, sources.clockTime),
+            .text = text(next, sources.clockTime).builtIn(),
             .reason = phaseReason({.before = sources.monitor.phase().get(),
                                    .after = next,
                                    .cause = sources.monitor.cause(),
                                    .snoozeIsManual = sources.monitor.snoozeIsManual().get(),
                                    .keys = sources.settings.keys.get(),
-                                   .states = sources.monitor.keyStates().get()})};
+                                   .states = sources.monitor.keyStates().get()})
+                          .builtIn()};
 }
 
 Result<std::uint32_t> pauseDuration(std::string_view text) {
@@ -92,8 +93,8 @@ Result<std::uint32_t> pauseDuration(std::string_view text) {
         unitText.remove_prefix(1);
     const auto unit = secondsIn(unitText);
     if (!isNumber || !unit)
-        return Failure{"geen geldige duur: " + std::string(text) +
-                       " (bijvoorbeeld 15m, 90s, 1,5u of 2h)"};
+        return Failure{message("geen geldige duur: %1 (bijvoorbeeld 15m, 90s, 1,5u of 2h)",
+                               {std::string(text)})};
     // What does not fit in the number is too long whatever the unit.
     const double seconds = fault == std::errc{} ? std::round(number * *unit) : longestPause + 1.0;
     const auto whole = static_cast<std::uint32_t>(std::min(seconds, longestPause + 1.0));
@@ -103,7 +104,7 @@ Result<std::uint32_t> pauseDuration(std::string_view text) {
 
 std::optional<Failure> pauseFault(std::uint32_t seconds) {
     if (seconds >= 1 && seconds <= longestPause) return std::nullopt;
-    return Failure{"een pauze duurt 1 tot " + std::to_string(longestPause) + " seconden"};
+    return Failure{message("een pauze duurt 1 tot %1 seconden", {std::to_string(longestPause)})};
 }
 
 } // namespace wegslot::control

@@ -8,35 +8,38 @@ namespace {
 struct ReasonOf {
     const PhaseChange& change;
 
-    std::string operator()(const phase::BluetoothUnavailable& phase) const { return phase.text; }
-    std::string operator()(const phase::Paused& phase) const { return phase.text; }
-    std::string operator()(const phase::Snoozed&) const {
-        return change.snoozeIsManual ? "Pauze gevraagd" : "Waarschuwing geannuleerd";
+    Message operator()(const phase::BluetoothUnavailable& phase) const { return phase.text; }
+    Message operator()(const phase::Paused& phase) const { return phase.text; }
+    Message operator()(const phase::Snoozed&) const {
+        return change.snoozeIsManual ? message("Pauze gevraagd")
+                                     : message("Waarschuwing geannuleerd");
     }
-    std::string operator()(const phase::Warning&) const { return away(); }
-    std::string operator()(const phase::Disabled&) const { return "Bewaking uitgezet"; }
-    std::string operator()(const phase::NoKeys&) const { return "Geen sleutels"; }
-    std::string operator()(const phase::WaitingForReturn&) const {
-        if (change.cause == PhaseCause::screen) return "Scherm ontgrendeld";
+    Message operator()(const phase::Warning&) const { return away(); }
+    Message operator()(const phase::Disabled&) const { return message("Bewaking uitgezet"); }
+    Message operator()(const phase::NoKeys&) const { return message("Geen sleutels"); }
+    Message operator()(const phase::WaitingForReturn&) const {
+        if (change.cause == PhaseCause::screen) return message("Scherm ontgrendeld");
         if (lockFailed(change.before, change.after, change.cause))
-            return "Geen bevestiging van lock ontvangen";
-        return "Bewaking begint";
+            return message("Geen bevestiging van lock ontvangen");
+        return message("Bewaking begint");
     }
-    std::string operator()(const phase::Present&) const { return "Sleutel in de buurt"; }
-    std::string operator()(const phase::Leaving&) const { return "Sleutel niet meer dichtbij"; }
-    std::string operator()(const phase::Locked&) const {
+    Message operator()(const phase::Present&) const { return message("Sleutel in de buurt"); }
+    Message operator()(const phase::Leaving&) const {
+        return message("Sleutel niet meer dichtbij");
+    }
+    Message operator()(const phase::Locked&) const {
         switch (change.cause) {
         case PhaseCause::judgement:
             return away();
         case PhaseCause::request:
-            return "Lock gevraagd";
+            return message("Lock gevraagd");
         case PhaseCause::screen:
             break;
         }
-        return "Scherm gelockt";
+        return message("Scherm gelockt");
     }
 
-    [[nodiscard]] std::string away() const { return awayMessage(change.keys, change.states); }
+    [[nodiscard]] Message away() const { return awayMessage(change.keys, change.states); }
 };
 
 } // namespace
@@ -46,7 +49,7 @@ bool lockFailed(const Phase& before, const Phase& after, PhaseCause cause) {
            cause != PhaseCause::screen;
 }
 
-std::string phaseReason(const PhaseChange& change) {
+Message phaseReason(const PhaseChange& change) {
     return std::visit(ReasonOf{change}, change.after);
 }
 

@@ -1,4 +1,4 @@
-// Why a phase was entered, in one short Dutch sentence, for scripts and people who follow Wegslot
+// Why a phase was entered, in one short sentence, for scripts and people who follow Wegslot
 // from outside.
 #pragma once
 
@@ -24,6 +24,6 @@ struct PhaseChange {
 /// Whether the change is that of a lock that was asked for and did not come.
 [[nodiscard]] bool lockFailed(const Phase& before, const Phase& after, PhaseCause cause);
 
-[[nodiscard]] std::string phaseReason(const PhaseChange& change);
+[[nodiscard]] Message phaseReason(const PhaseChange& change);
 
 } // namespace wegslot

@@ -11,8 +11,8 @@ const KeyDevice phone{.id = *Uuid::parse("0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6")
                       .threshold = Dbm{-75}};
 const Phase inReach = phase::Present{};
 
-std::string reason(const Phase& after, PhaseCause cause = PhaseCause::judgement,
-                   const Phase& before = inReach, bool manual = false) {
+Message reason(const Phase& after, PhaseCause cause = PhaseCause::judgement,
+               const Phase& before = inReach, bool manual = false) {
     return phaseReason({.before = before,
                         .after = after,
                         .cause = cause,

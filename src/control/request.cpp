@@ -24,8 +24,8 @@ std::optional<Failure> readOptions(std::string_view request, Words words,
     for (const std::string_view word : words) {
         const auto option = std::ranges::find(options, word, &Option::word);
         if (option == options.end())
-            return Failure{std::string(request) + ": onbekend woord " + std::string(word) +
-                           " (zie --help)"};
+            return Failure{message("%1: onbekend woord %2 (zie --help)",
+                                   {std::string(request), std::string(word)})};
         option->isGiven = true;
     }
     return std::nullopt;
@@ -50,7 +50,8 @@ Result<Request> parseKeys(Words words) {
 bool isLetter(char sign) { return sign >= 'a' && sign <= 'z'; }
 
 Result<Request> parsePause(Words words) {
-    if (words.empty()) return Failure{"pause verwacht een duur (bijvoorbeeld 15m)"};
+    if (words.empty())
+        return Failure{message("%1 verwacht een duur (bijvoorbeeld 15m)", {"pause"})};
     // "15 m", as people write it.
     if (words.size() == 2 && !words[1].empty() && isLetter(words[1].front()))
         if (const auto seconds = pauseDuration(std::string(words[0]) + ' ' + std::string(words[1])))
@@ -58,7 +59,7 @@ Result<Request> parsePause(Words words) {
     if (const auto fault = readOptions("pause", words.subspan(1), std::array<Option, 0>{}))
         return *fault;
     const auto seconds = pauseDuration(words.front());
-    if (!seconds) return Failure{"pause: " + seconds.failure().message};
+    if (!seconds) return Failure{Message("pause: %1", {seconds.failure().message})};
     return Request{request::Pause{*seconds}};
 }
 

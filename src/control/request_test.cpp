@@ -15,7 +15,7 @@ using Words = std::vector<std::string_view>;
 
 std::string fault(const Words& words) {
     const auto parsed = parseRequest(words);
-    return parsed ? "" : parsed.failure().message;
+    return parsed ? "" : parsed.failure().message.builtIn();
 }
 
 template <typename Kind>
@@ -31,7 +31,7 @@ std::uint32_t seconds(std::string_view text) {
 
 std::string durationFault(std::string_view text) {
     const auto duration = pauseDuration(text);
-    return duration ? "" : duration.failure().message;
+    return duration ? "" : duration.failure().message.builtIn();
 }
 
 constexpr auto outOfRange = "een pauze duurt 1 tot 14400 seconden";

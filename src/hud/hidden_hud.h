@@ -7,7 +7,7 @@ namespace wegslot {
 
 class HiddenHud final : public WarningHUD {
 public:
-    void show(TimePoint, Seconds, const std::string&, std::function<void()>) override {}
+    void show(TimePoint, Seconds, const Message&, std::function<void()>) override {}
     void hide() override {}
 };
 

@@ -16,7 +16,7 @@ public:
 
     explicit JointHud(Parts parts) : parts_(std::move(parts)) {}
 
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override {
         for (const auto& part : parts_)
             part->show(deadline, total, message, onCancel);

@@ -12,9 +12,8 @@ class NotingHud final : public WarningHUD {
 public:
     NotingHud(std::string& notes, std::function<void()>& cancel) : notes_(notes), cancel_(cancel) {}
 
-    void show(TimePoint, Seconds, const std::string& message,
-              std::function<void()> onCancel) override {
-        notes_ += "+" + message;
+    void show(TimePoint, Seconds, const Message& message, std::function<void()> onCancel) override {
+        notes_ += "+" + message.builtIn();
         cancel_ = std::move(onCancel);
     }
     void hide() override { notes_ += "-"; }

@@ -1,16 +1,16 @@
 // The sentence that says which keys are away, for the countdown and the log.
 #pragma once
 
+#include "base/translation.h"
 #include "model/key_device.h"
 #include "monitor/key_state.h"
 
-#include <string>
 #include <vector>
 
 namespace wegslot {
 
 /// Names the keys that are judged away, in the order of the list. A key without a judgement is
 /// not named.
-[[nodiscard]] std::string awayMessage(const std::vector<KeyDevice>& keys, const KeyStates& states);
+[[nodiscard]] Message awayMessage(const std::vector<KeyDevice>& keys, const KeyStates& states);
 
 } // namespace wegslot

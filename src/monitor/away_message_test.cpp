@@ -13,7 +13,7 @@ std::string messageFor(const std::vector<std::string>& names) {
         keys.push_back(keyNamed(names[i], i));
         states.emplace(numbered(i), KeyState::away);
     }
-    return awayMessage(keys, states);
+    return awayMessage(keys, states).builtIn();
 }
 
 } // namespace

@@ -115,8 +115,8 @@ void Monitor::warn(TimePoint now) {
     const Seconds total = settings_.warningSeconds.get();
     const TimePoint deadline = later(now, rounded(total));
     set(phase::Warning{deadline});
-    const std::string message = awayMessage(settings_.keys.get(), keyStates_.get());
-    Log::write("Waarschuwing: " + printable(message));
+    const Message message = awayMessage(settings_.keys.get(), keyStates_.get());
+    Log::write("Waarschuwing: " + printable(message.builtIn()));
     hud_->show(deadline, total, message, [held = std::weak_ptr(self_)] {
         if (const auto monitor = held.lock()) (*monitor)->cancelWarning();
     });

@@ -4,9 +4,9 @@ namespace wegslot {
 namespace {
 
 struct Text {
-    std::string operator()(const pause::Active&) const { return "Je gebruikt je Mac"; }
+    Message operator()(const pause::Active&) const { return message("Je gebruikt je Mac"); }
 
-    std::string operator()(const pause::Meeting& meeting) const { return meeting.text; }
+    Message operator()(const pause::Meeting& meeting) const { return meeting.text; }
 };
 
 } // namespace
@@ -41,12 +41,12 @@ std::optional<PauseReason> pauseReason(const Settings& settings, ActivityDetecto
     if (settings.pauseWhileActive.get() && activity.idleSeconds() < activityWindow)
         return pause::Active{};
     if (!settings.pauseDuringMeetings.get()) return std::nullopt;
-    if (activity.cameraInUse()) return pause::Meeting{"Camera is in gebruik"};
+    if (activity.cameraInUse()) return pause::Meeting{message("Camera is in gebruik")};
     if (const auto user = activity.microphoneUser())
-        return pause::Meeting{"Microfoon in gebruik door " + *user};
+        return pause::Meeting{message("Microfoon in gebruik door %1", {*user})};
     return std::nullopt;
 }
 
-std::string text(const PauseReason& reason) { return std::visit(Text{}, reason); }
+Message text(const PauseReason& reason) { return std::visit(Text{}, reason); }
 
 } // namespace wegslot

@@ -4,11 +4,11 @@
 
 #include "base/observable.h"
 #include "base/time.h"
+#include "base/translation.h"
 #include "model/settings.h"
 #include "platform/activity_detector.h"
 
 #include <optional>
-#include <string>
 #include <variant>
 
 namespace wegslot {
@@ -46,7 +46,7 @@ struct Active {
 
 /// A camera or microphone is in use; `text` says which.
 struct Meeting {
-    std::string text;
+    Message text;
     friend bool operator==(const Meeting&, const Meeting&) = default;
 };
 
@@ -62,6 +62,6 @@ inline constexpr Seconds activityWindow{10.0};
                                                      ActivityDetector& activity);
 
 /// The reason as the paused phase shows it.
-[[nodiscard]] std::string text(const PauseReason& reason);
+[[nodiscard]] Message text(const PauseReason& reason);
 
 } // namespace wegslot

@@ -33,10 +33,12 @@ struct Payload {
     Nanoseconds wallOffset;
 
     std::string operator()(const phase::BluetoothUnavailable& phase) const {
-        return "(\"" + phase.text + "\")";
+        return "(\"" + phase.text.builtIn() + "\")";
     }
 
-    std::string operator()(const phase::Paused& phase) const { return "(\"" + phase.text + "\")"; }
+    std::string operator()(const phase::Paused& phase) const {
+        return "(\"" + phase.text.builtIn() + "\")";
+    }
 
     std::string operator()(const phase::Snoozed& phase) const { return instant(phase.until); }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/time.h"
+#include "base/translation.h"
 
 #include <string>
 #include <string_view>
@@ -13,13 +14,13 @@ namespace phase {
 
 /// The radio is not on; `text` says why. Nothing is judged.
 struct BluetoothUnavailable {
-    std::string text;
+    Message text;
     friend bool operator==(const BluetoothUnavailable&, const BluetoothUnavailable&) = default;
 };
 
 /// The keys are away, but `text` keeps the screen open.
 struct Paused {
-    std::string text;
+    Message text;
     friend bool operator==(const Paused&, const Paused&) = default;
 };
 

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "base/time.h"
+#include "base/translation.h"
 
 #include <functional>
-#include <string>
 
 namespace wegslot {
 
@@ -18,7 +18,7 @@ public:
 
     /// Replaces any panel on screen. `deadline` is on the clock that never steps; `total` is
     /// the full length of the countdown; `onCancel` is called once for each press.
-    virtual void show(TimePoint deadline, Seconds total, const std::string& message,
+    virtual void show(TimePoint deadline, Seconds total, const Message& message,
                       std::function<void()> onCancel) = 0;
 
     /// Harmless when there is no panel.

@@ -19,7 +19,7 @@ void LockerLock::request(std::function<void()> refused) {
     if (words.empty()) return refused();
     const auto process = processes_.start(words);
     if (!process) {
-        Log::write("Schermvergrendeling niet gestart: " + process.failure().message);
+        Log::write("Schermvergrendeling niet gestart: " + process.failure().message.builtIn());
         return refused();
     }
     watch_.follow(*process);

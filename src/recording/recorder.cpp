@@ -55,7 +55,7 @@ Recorder::Recorder(AppModel& model, const Monitor::Platform& platform,
 Recorder::~Recorder() { stop(); }
 
 std::optional<Failure> Recorder::record(Request request) {
-    if (isRecording()) return Failure{"er loopt al een opname"};
+    if (isRecording()) return Failure{message("er loopt al een opname")};
     begin(std::move(request), CoreIs::running);
     return std::nullopt;
 }
@@ -153,7 +153,7 @@ void Recorder::tell(trace::Event event, std::optional<TimePoint> at) {
     const auto failure = recording_->tell(std::move(event), *at);
     if (!failure) return;
     letGo();
-    Log::write("Opname gestopt: " + failure->message);
+    Log::write("Opname gestopt: " + failure->message.builtIn());
 }
 
 // --- The radio -----------------------------------------------------------------------------------

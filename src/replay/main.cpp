@@ -55,7 +55,8 @@ Result<Arguments> parse(const std::vector<std::string_view>& words) {
             const auto name = pair.substr(0, equals);
             auto value = readPreference(name, pair.substr(equals + 1));
             if (!value)
-                return Failure{"--set " + std::string(pair) + ": " + value.failure().message};
+                return Failure{"--set " + std::string(pair) + ": " +
+                               value.failure().message.builtIn()};
             arguments.overrides.insert_or_assign(std::string(name), *std::move(value));
             continue;
         }
@@ -79,7 +80,7 @@ int replay(const Arguments& arguments) {
     Replay replay([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stdout); },
                   arguments.overrides);
     const auto result = replay.run(fromInput ? std::cin : file);
-    if (!result) return complain(result.failure().message, exitInvalid);
+    if (!result) return complain(result.failure().message.builtIn(), exitInvalid);
     if (std::fflush(stdout) != 0) return complain("kan de uitvoer niet schrijven", exitFailure);
     return 0;
 }
@@ -90,7 +91,7 @@ int run(const std::vector<std::string_view>& words) {
         if (word == "--version") return std::puts("wegslot-replay " WEGSLOT_VERSION), 0;
     }
     const auto arguments = parse(words);
-    if (!arguments) return complain(arguments.failure().message, exitInvalid);
+    if (!arguments) return complain(arguments.failure().message.builtIn(), exitInvalid);
     return replay(*arguments);
 }
 

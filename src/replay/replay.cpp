@@ -190,7 +190,8 @@ Result<bool> Replay::run(std::istream& trace) {
     for (std::size_t number = 1; std::getline(trace, text); ++number) {
         const auto line = reader.read(text);
         if (!line)
-            return Failure{"regel " + std::to_string(number) + ": " + line.failure().message};
+            return Failure{"regel " + std::to_string(number) + ": " +
+                           line.failure().message.builtIn()};
         if (reader.isSetUp()) {
             if (const auto* const start = std::get_if<trace::Start>(&line->event))
                 start_ = start->value;

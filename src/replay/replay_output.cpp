@@ -20,11 +20,11 @@ struct Payload {
     TimePoint start;
 
     std::string operator()(const phase::BluetoothUnavailable& phase) const {
-        return ",\"text\":" + jsonString(phase.text);
+        return ",\"text\":" + jsonString(phase.text.builtIn());
     }
 
     std::string operator()(const phase::Paused& phase) const {
-        return ",\"text\":" + jsonString(phase.text);
+        return ",\"text\":" + jsonString(phase.text.builtIn());
     }
 
     std::string operator()(const phase::Snoozed& phase) const {

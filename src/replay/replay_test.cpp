@@ -19,7 +19,7 @@ Outcome replayed(const std::string& trace, Preferences overrides = {}) {
     std::istringstream input(trace);
     Replay replay([&](std::string_view line) { outcome.output += line; }, std::move(overrides));
     const auto result = replay.run(input);
-    if (!result) outcome.fault = result.failure().message;
+    if (!result) outcome.fault = result.failure().message.builtIn();
     return outcome;
 }
 

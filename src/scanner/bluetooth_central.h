@@ -3,6 +3,7 @@
 // the operations below but `catchUp`.
 #pragma once
 
+#include "base/translation.h"
 #include "base/uuid.h"
 #include "scanner/advertisement.h"
 
@@ -88,7 +89,7 @@ public:
 
     /// What an adapter can say of its state to a person, in Dutch, better than the number can;
     /// nothing where the usual words do.
-    [[nodiscard]] virtual std::optional<std::string> stateWords() const { return std::nullopt; }
+    [[nodiscard]] virtual std::optional<Message> stateWords() const { return std::nullopt; }
 
     /// Reports every advertisement of every device, repeated ones too, until the state leaves
     /// powered on.

@@ -21,8 +21,8 @@ Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& c
 
 Scanner::~Scanner() { central_.setDelegate(nullptr); }
 
-std::string Scanner::stateDescription() const {
-    constexpr auto noAccess = "Geef Wegslot Bluetooth-toegang in Systeeminstellingen";
+Message Scanner::stateDescription() const {
+    const Message noAccess = message("Geef Wegslot Bluetooth-toegang in Systeeminstellingen");
     const auto authorization = central_.authorization();
     if (authorization == CentralAuthorization::restricted ||
         authorization == CentralAuthorization::denied)
@@ -30,18 +30,18 @@ std::string Scanner::stateDescription() const {
     if (auto words = central_.stateWords()) return *std::move(words);
     switch (state_.get()) {
     case CentralState::unsupported:
-        return "Bluetooth LE wordt niet ondersteund";
+        return message("Bluetooth LE wordt niet ondersteund");
     case CentralState::unauthorized:
         return noAccess;
     case CentralState::poweredOff:
-        return "Bluetooth staat uit";
+        return message("Bluetooth staat uit");
     case CentralState::poweredOn:
-        return "Bluetooth staat aan";
+        return message("Bluetooth staat aan");
     case CentralState::unknown:
     case CentralState::resetting:
         break;
     }
-    return "Bluetooth wordt gestart";
+    return message("Bluetooth wordt gestart");
 }
 
 void Scanner::refreshSnapshot() {
@@ -108,7 +108,8 @@ std::string Scanner::label(const Uuid& id) const {
 void Scanner::didUpdateState() {
     state_.set(central_.state());
     const int number = static_cast<int>(state_.get());
-    Log::write("Bluetooth-status: " + stateDescription() + " (" + std::to_string(number) + ")");
+    Log::write("Bluetooth-status: " + stateDescription().builtIn() + " (" + std::to_string(number) +
+               ")");
     if (!isPoweredOn()) return;
     central_.scan();
     connections_.update(identifier_.identifying());

@@ -34,7 +34,7 @@ public:
     [[nodiscard]] bool isPoweredOn() const { return state_.get() == CentralState::poweredOn; }
 
     /// The state as a sentence for a person.
-    [[nodiscard]] std::string stateDescription() const;
+    [[nodiscard]] Message stateDescription() const;
 
     /// The nearby devices, strongest first, as of the last `refreshSnapshot`.
     [[nodiscard]] const Observable<std::vector<SeenDevice>>& snapshot() const { return snapshot_; }

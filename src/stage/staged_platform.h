@@ -100,9 +100,9 @@ public:
 
     explicit StagedHud(Listener listener) : listener_(std::move(listener)) {}
 
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override {
-        const Warning warning{deadline, total, message, std::move(onCancel)};
+        const Warning warning{deadline, total, message.builtIn(), std::move(onCancel)};
         showing_ = true;
         listener_(&warning);
     }

@@ -15,7 +15,7 @@ constexpr auto uuid = "\"0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6\"";
 std::string fault(const std::string& line) {
     TraceReader reader;
     const auto read = reader.read(line);
-    return read ? "" : read.failure().message;
+    return read ? "" : read.failure().message.builtIn();
 }
 
 template <typename Event>

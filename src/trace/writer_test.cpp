@@ -27,7 +27,7 @@ std::string withIds(std::string pattern) {
 std::string rewritten(const std::string& line) {
     TraceReader reader;
     const auto read = reader.read(line);
-    return read ? written(*read) : read.failure().message;
+    return read ? written(*read) : read.failure().message.builtIn();
 }
 
 std::string settings(const char* name, PreferenceValue value) {

@@ -19,7 +19,7 @@ Header header(const PanelSources& sources) {
             .name = "Wegslot",
             .nameColor = sources.scheme == Scheme::dark ? brand::cream : brand::navy,
             .dot = color(phase),
-            .status = printable(text(phase, sources.clockTime)),
+            .status = printable(text(phase, sources.clockTime).translated()),
             .enabled = {.choice = Choice::enabled,
                         .text = {},
                         .tooltip = "Wegslot aan of uit",

@@ -99,7 +99,7 @@ void PanelModel::set(panel::Choice choice, bool on) {
 
 void PanelModel::setLaunchAtLogin(bool on) {
     if (const auto failure = objects_.loginItem.setEnabled(on))
-        Log::write("Start bij inloggen mislukt: " + printable(failure->message));
+        Log::write("Start bij inloggen mislukt: " + printable(failure->message.builtIn()));
     flags_.launchAtLogin = objects_.loginItem.isEnabled(); // whatever became of it
     changed_();
 }

@@ -32,21 +32,27 @@ struct LookOf {
 struct TextOf {
     const ClockTime& clockTime;
 
-    std::string operator()(const phase::BluetoothUnavailable& phase) const { return phase.text; }
-    std::string operator()(const phase::Paused& phase) const { return "Pauze: " + phase.text; }
-    std::string operator()(const phase::Snoozed& phase) const {
-        return "Gepauzeerd tot " + clockTime(phase.until);
+    Message operator()(const phase::BluetoothUnavailable& phase) const { return phase.text; }
+    Message operator()(const phase::Paused& phase) const {
+        return message("Pauze: %1", {phase.text});
+    }
+    Message operator()(const phase::Snoozed& phase) const {
+        return message("Gepauzeerd tot %1", {clockTime(phase.until)});
     }
     // The countdown is on the warning panel alone.
-    std::string operator()(const phase::Warning&) const { return "Lockt zo"; }
-    std::string operator()(const phase::Disabled&) const { return "Uitgeschakeld"; }
-    std::string operator()(const phase::NoKeys&) const { return "Kies een sleutel om te beginnen"; }
-    std::string operator()(const phase::WaitingForReturn&) const {
-        return "Wacht tot je sleutel in de buurt is";
+    Message operator()(const phase::Warning&) const { return message("Lockt zo"); }
+    Message operator()(const phase::Disabled&) const { return message("Uitgeschakeld"); }
+    Message operator()(const phase::NoKeys&) const {
+        return message("Kies een sleutel om te beginnen");
     }
-    std::string operator()(const phase::Present&) const { return "Je bent in de buurt"; }
-    std::string operator()(const phase::Leaving&) const { return "Signaal zwak, even afwachten"; }
-    std::string operator()(const phase::Locked&) const { return "Gelockt"; }
+    Message operator()(const phase::WaitingForReturn&) const {
+        return message("Wacht tot je sleutel in de buurt is");
+    }
+    Message operator()(const phase::Present&) const { return message("Je bent in de buurt"); }
+    Message operator()(const phase::Leaving&) const {
+        return message("Signaal zwak, even afwachten");
+    }
+    Message operator()(const phase::Locked&) const { return message("Gelockt"); }
 };
 
 } // namespace
@@ -55,7 +61,7 @@ std::string_view symbol(const Phase& phase) { return std::visit(LookOf{}, phase)
 
 Color color(const Phase& phase) { return std::visit(LookOf{}, phase).color; }
 
-std::string text(const Phase& phase, const ClockTime& clockTime) {
+Message text(const Phase& phase, const ClockTime& clockTime) {
     return std::visit(TextOf{clockTime}, phase);
 }
 

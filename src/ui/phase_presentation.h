@@ -22,6 +22,6 @@ using ClockTime = std::function<std::string(TimePoint steady)>;
 [[nodiscard]] Color color(const Phase& phase);
 
 /// Dutch, for the user.
-[[nodiscard]] std::string text(const Phase& phase, const ClockTime& clockTime);
+[[nodiscard]] Message text(const Phase& phase, const ClockTime& clockTime);
 
 } // namespace wegslot

@@ -22,7 +22,7 @@ struct BannerOf {
     }
     UpdateBanner operator()(const update_state::InstallFailed& state) const {
         return UpdateTrouble{.symbol = std::string(symbols::warning),
-                             .text = "Update mislukt: " + state.message,
+                             .text = translated("Update mislukt: %1", {state.message}),
                              .retry = {.symbol = {}, .text = "Probeer opnieuw"}};
     }
     UpdateBanner operator()(const update_state::Idle&) const { return {}; }
@@ -46,8 +46,12 @@ struct StatusOf {
     std::string operator()(const update_state::Available& state) const {
         return "Versie " + printable(state.release.version) + " is beschikbaar";
     }
-    std::string operator()(const update_state::Failed& state) const { return state.message; }
-    std::string operator()(const update_state::InstallFailed& state) const { return state.message; }
+    std::string operator()(const update_state::Failed& state) const {
+        return state.message.translated();
+    }
+    std::string operator()(const update_state::InstallFailed& state) const {
+        return state.message.translated();
+    }
     std::string operator()(const update_state::Checking&) const { return "Zoeken…"; }
     std::string operator()(const update_state::UpToDate&) const {
         return "Je hebt de nieuwste versie";

@@ -13,7 +13,9 @@
 namespace wegslot {
 
 /// The application in an image is not the one that was offered.
-inline constexpr auto unexpectedApp = "De update bevat een onverwachte app";
+[[nodiscard]] inline Message unexpectedApp() {
+    return message("De update bevat een onverwachte app");
+}
 
 /// A success that has nothing to say.
 struct Ready {};

@@ -19,7 +19,7 @@ const Json* find(const Json& object, const char* key, bool (Json::*isRight)() co
 }
 
 Failure wrong(const char* key) {
-    return Failure{std::string("\"") + key + "\" ontbreekt in de feed of klopt niet"};
+    return Failure{message("\"%1\" ontbreekt in de feed of klopt niet", {key})};
 }
 
 /// Whole numbers within 64 bits; neither fractions nor numbers written as text.
@@ -45,7 +45,7 @@ bool isFitVersion(std::string_view version) {
 
 Result<Release> readRelease(std::string_view feed) {
     const Json object = Json::parse(feed, nullptr, false);
-    if (!object.is_object()) return Failure{"de feed is geen JSON-object"};
+    if (!object.is_object()) return Failure{message("de feed is geen JSON-object")};
 
     Release release{};
     const auto build = wholeNumber(object, "build");

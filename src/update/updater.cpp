@@ -43,7 +43,8 @@ std::string nameOf(const Release& release) {
 
 Result<Release> releaseIn(const Result<HttpResponse>& response) {
     if (!response) return response.failure();
-    if (response->status != statusOk) return Failure{"Updateserver gaf geen goed antwoord"};
+    if (response->status != statusOk)
+        return Failure{message("Updateserver gaf geen goed antwoord")};
     const auto& body = response->body;
     return readRelease({reinterpret_cast<const char*>(body.data()), body.size()});
 }
@@ -55,15 +56,15 @@ struct Updater::Attempt {
     PublicKey key;
     std::vector<std::uint8_t> image;
     /// What the work came to, so far.
-    std::optional<std::string> objection;
+    std::optional<Message> objection;
     std::string app;
 
     /// The hash first: an image that was cut short is damaged, not forged.
     void verify() {
         if (!isSameHash(sha256(image), release.sha256))
-            objection = "Download is beschadigd";
+            objection = message("Download is beschadigd");
         else if (!isSigned(image, release.signature, key))
-            objection = "Handtekening van de update klopt niet";
+            objection = message("Handtekening van de update klopt niet");
     }
 
     void unpack(Installer& installer) {
@@ -97,7 +98,7 @@ void Updater::check(Silent silent, std::function<void()> done) {
     if (!done) done = [] {};
     if (isBusy(state_.get())) return done();
     if (!isConfigured()) {
-        state_.set(Failed{"Updates zijn niet ingesteld in deze versie"});
+        state_.set(Failed{message("Updates zijn niet ingesteld in deze versie")});
         return done();
     }
     const State before = state_.get();
@@ -113,8 +114,9 @@ void Updater::check(Silent silent, std::function<void()> done) {
 void Updater::settle(const Result<Release>& found, Silent silent, const State& before) {
     const auto* const offered = std::get_if<Available>(&before);
     if (!found) {
-        Log::write("Updatecontrole mislukt: " + found.failure().message);
-        if (silent == Silent::no) return state_.set(Failed{"Kan niet controleren op updates"});
+        Log::write("Updatecontrole mislukt: " + found.failure().message.builtIn());
+        if (silent == Silent::no)
+            return state_.set(Failed{message("Kan niet controleren op updates")});
         return state_.set(offered != nullptr ? before : Idle{});
     }
     if (bundle_.build >= found->build) return state_.set(UpToDate{});
@@ -135,12 +137,12 @@ void Updater::install() {
 void Updater::download(const Release& release) {
     const auto url = world_.http.resolve(*feed_, release.url);
     const bool leavesHttps = feed_->starts_with("https:") && url && !url->starts_with("https:");
-    if (!url || leavesHttps) return failInstall("Ongeldige downloadlink");
+    if (!url || leavesHttps) return failInstall(message("Ongeldige downloadlink"));
     pending_ = world_.http.get({.url = *url, .most = largestImage, .patience = imagePatience},
                                [this, release](Result<HttpResponse> response) {
                                    if (!response) return failInstall(response.failure().message);
                                    if (response->status != statusOk)
-                                       return failInstall("Download mislukt");
+                                       return failInstall(message("Download mislukt"));
                                    verify(release, std::move(response->body));
                                });
 }
@@ -172,7 +174,7 @@ void Updater::swap(const Attempt& attempt) {
         // The new application stays, to be put in place by hand.
         world_.app.reveal(attempt.app);
         return failInstall(
-            "Geen rechten om de app te vervangen. Sleep de nieuwe versie zelf naar Apps.");
+            message("Geen rechten om de app te vervangen. Sleep de nieuwe versie zelf naar Apps."));
     }
     if (const auto launched = world_.installer.launchSwap(attempt.app); !launched) {
         world_.installer.discard(attempt.app);
@@ -182,8 +184,8 @@ void Updater::swap(const Attempt& attempt) {
     world_.app.terminate();
 }
 
-void Updater::failInstall(const std::string& message) {
-    Log::write("Update mislukt: " + message);
+void Updater::failInstall(const Message& message) {
+    Log::write("Update mislukt: " + message.builtIn());
     state_.set(InstallFailed{message});
 }
 

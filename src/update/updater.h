@@ -53,13 +53,13 @@ struct Installing {
 
 /// The last check failed.
 struct Failed {
-    std::string message; ///< for the user
+    Message message; ///< for the user
     friend bool operator==(const Failed&, const Failed&) = default;
 };
 
 /// The last installation failed.
 struct InstallFailed {
-    std::string message; ///< for the user
+    Message message; ///< for the user
     friend bool operator==(const InstallFailed&, const InstallFailed&) = default;
 };
 
@@ -121,7 +121,7 @@ private:
     void verify(const Release& release, std::vector<std::uint8_t> image);
     void unpack(const std::shared_ptr<Attempt>& attempt);
     void swap(const Attempt& attempt);
-    void failInstall(const std::string& message);
+    void failInstall(const Message& message);
 
     BundleInfo bundle_;
     World world_;

@@ -63,7 +63,7 @@ protected:
         updater->install();
         time.advance(10s);
         const auto* const failed = std::get_if<InstallFailed>(&state());
-        return failed == nullptr ? "" : failed->message;
+        return failed == nullptr ? "" : failed->message.builtIn();
     }
 
     [[nodiscard]] const Updater::State& state() const { return updater->state().get(); }
@@ -393,7 +393,7 @@ TEST_F(UpdaterTest, AnImageThatCannotBeUnpackedIsNotInstalled) {
 }
 
 TEST_F(UpdaterTest, AnUnexpectedAppIsThrownAway) {
-    installer.examining = Failure{unexpectedApp};
+    installer.examining = Failure{unexpectedApp()};
     EXPECT_EQ(install(release()), "De update bevat een onverwachte app");
     EXPECT_EQ(installer.calls,
               (Lines{"unpack the bytes of an image", "examine /tmp/new/Wegslot.app 27",

@@ -28,7 +28,7 @@ public:
         stage_.panelShows = false;
     }
 
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override {
         stage_.panelShows = true;
         stage_.cancel = std::move(onCancel);

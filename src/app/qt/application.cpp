@@ -63,7 +63,7 @@ int complain(const std::string& message) {
 
 /// What came of a command, for who gave it; the exit status.
 int said(const Result<std::string>& outcome) {
-    if (!outcome) return complain(outcome.failure().message);
+    if (!outcome) return complain(outcome.failure().message.translated());
     printLine(*outcome);
     return EXIT_SUCCESS;
 }
@@ -181,16 +181,17 @@ struct Execute {
         AppModel model(around(preferences, world));
         const KeyAdder adder(
             model, scheduler, command.id, [this] { return preferences.flush(); },
-            [](KeyAdder::Outcome outcome, const std::string& message) {
+            [](KeyAdder::Outcome outcome, const Message& message) {
                 const bool isKey = outcome == KeyAdder::Outcome::added ||
                                    outcome == KeyAdder::Outcome::alreadyAKey;
-                QCoreApplication::exit(said(isKey ? Result<std::string>(message)
+                QCoreApplication::exit(said(isKey ? Result<std::string>(message.translated())
                                                   : Result<std::string>(Failure{message})));
             });
         return QCoreApplication::exec();
     }
     int operator()(const command::Keys&) const {
-        if (const auto& fault = preferences.fault().get()) return complain(fault->message);
+        if (const auto& fault = preferences.fault().get())
+            return complain(fault->message.translated());
         printKeys(Settings(preferences), printLine);
         return EXIT_SUCCESS;
     }
@@ -240,7 +241,7 @@ int ask(control::Request request, const Clock& clock, Scheduler& scheduler,
     dbus::Forgeries forgeries(clock);
     const auto bus = dbus::Bus::openSession(forgeries, dbus::Bus::Files::allowed);
     if (!bus) {
-        complain(absence.message + " (" + bus.failure().message + ")");
+        complain(Message("%1 (%2)", {absence.message, bus.failure().message}).translated());
         return absence.status;
     }
     const Handle driving = pump(**bus, [] { QCoreApplication::exit(EXIT_FAILURE); });
@@ -272,7 +273,7 @@ std::optional<control::Request> handedOver(const Command& command) {
         .anonymous = run->recording->anonymous};
 }
 
-constexpr auto alreadyRuns = "Wegslot draait al; stop het eerst";
+Message alreadyRuns() { return message("Wegslot draait al; stop het eerst"); }
 
 /// That of the preferences, and where that cannot be used the one that ends with the session.
 std::vector<fs::path> lockFolders(const fs::path& preferences) {
@@ -325,11 +326,11 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const auto lock = InstanceLock::take(lockFolders(preferencesPath));
     if (lock.outcome() == InstanceLock::Outcome::heldByAnother) {
         if (run != nullptr && run->updateNow && run->recording)
-            return complain("Wegslot draait al: vraag --update-now en --record apart");
+            return complain(translated("Wegslot draait al: vraag --update-now en --record apart"));
         if (auto request = handedOver(command))
-            return ended(ask(*std::move(request), clock, scheduler, {alreadyRuns, EXIT_FAILURE}));
-        if (run == nullptr) return complain(alreadyRuns);
-        return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns);
+            return ended(ask(*std::move(request), clock, scheduler, {alreadyRuns(), EXIT_FAILURE}));
+        if (run == nullptr) return complain(alreadyRuns().translated());
+        return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns().translated());
     }
     if (lock.outcome() == InstanceLock::Outcome::impossible) {
         if (run == nullptr) return complain(lock.trouble());
@@ -341,9 +342,9 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     std::optional<Recorder::Request> recording;
     if (run != nullptr && run->recording) {
         const auto file = fileOf(*run->recording);
-        if (!file) return complain(file.failure().message);
+        if (!file) return complain(file.failure().message.translated());
         auto sink = descriptorSink(recordings, *file);
-        if (!sink) return complain(sink.failure().message);
+        if (!sink) return complain(sink.failure().message.translated());
         recording = {.sink = *std::move(sink), .anonymous = run->recording->anonymous};
     }
     std::unique_ptr<TeeLog> log;
@@ -362,7 +363,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     const bool writes = std::holds_alternative<command::AddKey>(command) ||
                         std::holds_alternative<command::RemoveKey>(command);
     if (const auto& fault = preferences.fault().get(); fault && writes)
-        return complain(fault->message);
+        return complain(fault->message.translated());
     return ended(std::visit(Execute{scheduler, clock, preferences, program, preferencesPath,
                                     lock.trouble(), &recordings, std::move(recording)},
                             command));

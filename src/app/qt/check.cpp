@@ -84,7 +84,7 @@ CheckFacts Check::facts() {
         .tray = tray_,
         .autostart = hasAutostart()};
     if (const auto& fault = preferences_.fault().get())
-        facts.preferences.unreadable = fault->message;
+        facts.preferences.unreadable = fault->message.translated();
     for (const KeyDevice& key : settings_.keys.get()) {
         facts.keys.push_back({.name = key.name, .changesAddress = std::nullopt});
         if (world_.central.knows(key.id))
@@ -120,7 +120,7 @@ CheckFacts::Locking Check::locking() {
         if (!world_.processes.running({{.name = listener}}).empty())
             facts.listeners.emplace_back(listener);
     if (const auto own = lockCommand(preferences_); !own)
-        facts.wrongCommand = own.failure().message;
+        facts.wrongCommand = own.failure().message.translated();
     return facts;
 }
 

@@ -38,7 +38,7 @@ private:
     struct NoLoginItem final : LoginItem {
         [[nodiscard]] bool isEnabled() const override { return false; }
         [[nodiscard]] std::optional<Failure> setEnabled(bool /*enabled*/) override {
-            return Failure{"dit is een demo"};
+            return Failure{message("dit is een demo")};
         }
     };
 

@@ -78,7 +78,7 @@ RunningApplication::RunningApplication(const Setting& setting)
 std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous) {
     if (recorder_.isRecording()) {
         closeElsewhere(descriptor);
-        return Failure{"er loopt al een opname"};
+        return Failure{message("er loopt al een opname")};
     }
     auto sink = descriptorSink(setting_.recordings, descriptor);
     if (!sink) return sink.failure();
@@ -88,15 +88,16 @@ std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous
 /// In the log alone nobody sees them who has just logged in.
 void RunningApplication::tellTroubles() {
     if (!setting_.lockTrouble.empty())
-        lockNotice_.emplace(world_.sessionBus, "Wegslot kan niet alles bewaren",
-                            printable(setting_.lockTrouble) +
-                                ". Wegslot bewaakt wel; maak dit bestand schrijfbaar en start "
-                                "Wegslot opnieuw.");
+        lockNotice_.emplace(world_.sessionBus, translated("Wegslot kan niet alles bewaren"),
+                            translated("%1. Wegslot bewaakt wel; maak dit bestand schrijfbaar en "
+                                       "start Wegslot opnieuw.",
+                                       {printable(setting_.lockTrouble)}));
     preferencesFault_ = setting_.preferences.fault().follow([this](const auto& fault) {
         preferencesNotice_.reset();
         if (fault)
-            preferencesNotice_.emplace(world_.sessionBus, "Wegslot kan je voorkeuren niet lezen",
-                                       printable(fault->message));
+            preferencesNotice_.emplace(world_.sessionBus,
+                                       translated("Wegslot kan je voorkeuren niet lezen"),
+                                       printable(fault->message.translated()));
     });
 }
 
@@ -104,22 +105,22 @@ void RunningApplication::tellTroubles() {
 void RunningApplication::takeLockCommand() {
     const auto words = lockCommand(setting_.preferences);
     world_.lockerLock.setOwn(words ? *words : LockCommand{});
-    const std::string fault = words ? "" : words.failure().message;
+    const std::string fault = words ? "" : words.failure().message.builtIn();
     if (fault != std::exchange(lockCommandFault_, fault) && !fault.empty()) Log::write(fault);
 }
 
 void RunningApplication::openLog() {
     const auto failure = opener_.open(setting_.log);
-    if (failure) Log::write("Logboek openen mislukt: " + failure->message);
+    if (failure) Log::write("Logboek openen mislukt: " + failure->message.builtIn());
 }
 
 void RunningApplication::phaseChanged(const Phase& next) {
     const Monitor& monitor = model_.monitor();
     if (lockFailed(monitor.phase().get(), next, monitor.cause()))
         notLockedNotice_.emplace(
-            world_.sessionBus, "Je Mac is niet gelockt",
-            "Wegslot vroeg om een lock, maar niets bevestigde dat hij er kwam. "
-            "Wat er mis is, zegt: wegslot --check --lock");
+            world_.sessionBus, translated("Je Mac is niet gelockt"),
+            translated("Wegslot vroeg om een lock, maar niets bevestigde dat hij er kwam. "
+                       "Wat er mis is, zegt: wegslot --check --lock"));
 }
 
 /// Where nobody shows the icon, a new user would never see Wegslot.

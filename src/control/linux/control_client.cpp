@@ -93,7 +93,8 @@ struct ControlClient::Ask {
     }
     void operator()(const control::request::Resume&) const { simply("Resume", {}, ""); }
     void operator()(const control::request::UpdateNow&) const {
-        simply("UpdateNow", {}, "Wegslot draait al en zoekt nu naar een nieuwere versie");
+        simply("UpdateNow", {},
+               translated("Wegslot draait al en zoekt nu naar een nieuwere versie"));
     }
 
     /// Goes on until it is ended.
@@ -103,14 +104,14 @@ struct ControlClient::Ask {
         client.call(control::interfaceName, "Record",
                     {dbus::FileDescriptor{*file}, request.anonymous},
                     [this_ = &client](dbus::Reader&) {
-                        this_->output_.print("Opname loopt; stop met Ctrl-C");
+                        this_->output_.print(translated("Opname loopt; stop met Ctrl-C"));
                     });
         close(*file);
     }
 
     /// Done when it is taken; `said` then, if anything.
     void simply(const char* member, std::vector<dbus::Argument> arguments,
-                std::string_view said) const {
+                const std::string& said) const {
         client.call(control::interfaceName, member, std::move(arguments),
                     [this_ = &client, said](dbus::Reader&) {
                         if (!said.empty()) this_->output_.print(said);
@@ -137,26 +138,26 @@ void ControlClient::ownerChanged(const std::optional<std::string>& owner) {
         owner_ = *owner;
         return std::visit(Ask{*this}, request_);
     }
-    fail(owner_.empty() ? absence_ : Failed{"Wegslot is gestopt", notRunning});
+    fail(owner_.empty() ? absence_ : Failed{message("Wegslot is gestopt"), notRunning});
 }
 
 void ControlClient::call(const char* interface, const char* member,
                          std::vector<dbus::Argument> arguments,
                          std::function<void(dbus::Reader&)> done) {
-    calling_ = bus_.call(
-        {.destination = owner_,
-         .path = Activation::path,
-         .interface = interface,
-         .member = member,
-         .arguments = std::move(arguments),
-         .timeout = patience},
-        [this, done = std::move(done)](const dbus::Message& answer) {
-            if (answer.error())
-                return fail({"Wegslot antwoordt met een fout: " + printable(answer.errorText()),
-                             EXIT_FAILURE});
-            auto reader = answer.read();
-            done(reader);
-        });
+    calling_ = bus_.call({.destination = owner_,
+                          .path = Activation::path,
+                          .interface = interface,
+                          .member = member,
+                          .arguments = std::move(arguments),
+                          .timeout = patience},
+                         [this, done = std::move(done)](const dbus::Message& answer) {
+                             if (answer.error())
+                                 return fail({message("Wegslot antwoordt met een fout: %1",
+                                                      {printable(answer.errorText())}),
+                                              EXIT_FAILURE});
+                             auto reader = answer.read();
+                             done(reader);
+                         });
 }
 
 void ControlClient::readStatus(std::function<void(const control::Status&)> done) {
@@ -186,11 +187,11 @@ void ControlClient::list(bool others) {
     call(control::interfaceName, "Devices", {others}, [this, others](dbus::Reader& answer) {
         const control::Nearby nearby = readNearbyFrom(answer);
         if (!std::exchange(listIsExplained_, true))
-            output_.complain(std::string("Wegslot draait al: dit is wat het hoort") +
-                             (others && !nearby.includesOthers
-                                  ? "; andere apparaten met \"Toon ook andere "
-                                    "Bluetooth-apparaten\" in het paneel"
-                                  : ""));
+            output_.complain(
+                others && !nearby.includesOthers
+                    ? translated("Wegslot draait al: dit is wat het hoort; andere apparaten met "
+                                 "\"Toon ook andere Bluetooth-apparaten\" in het paneel")
+                    : translated("Wegslot draait al: dit is wat het hoort"));
         output_.print("");
         for (const std::string& line : control::nearbyLines(nearby))
             output_.print(line);
@@ -199,7 +200,7 @@ void ControlClient::list(bool others) {
 }
 
 void ControlClient::fail(const Failed& failed) {
-    output_.complain(failed.message);
+    output_.complain(failed.message.translated());
     end(failed.status);
 }
 

@@ -23,10 +23,10 @@ public:
     static constexpr std::chrono::seconds patience{5};
 
     struct Failed {
-        std::string message;
+        Message message;
         int status;
     };
-    static Failed absent() { return {"Wegslot draait niet", notRunning}; }
+    static Failed absent() { return {message("Wegslot draait niet"), notRunning}; }
 
     struct Output {
         std::function<void(std::string_view line)> print;

@@ -145,7 +145,8 @@ std::vector<dbus::Method> ControlService::methods() {
 
 void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
     const auto seconds = static_cast<std::uint32_t>(call.read().integer().value_or(0));
-    if (const auto fault = control::pauseFault(seconds)) return answer.refuse(fault->message);
+    if (const auto fault = control::pauseFault(seconds))
+        return answer.refuse(fault->message.builtIn());
     const Nanoseconds granted =
         allowance_.granted(std::chrono::seconds{seconds}, sources_.clock.now());
     if (granted <= Nanoseconds{0})
@@ -171,7 +172,8 @@ void ControlService::record(const dbus::Message& call, dbus::Writer& answer) {
     const bool anonymous = reader.boolean().value_or(false);
     if (file < 0) return answer.refuse("geen bestand om in op te nemen");
     const std::string caller(call.sender());
-    if (const auto fault = actions_.record(file, anonymous)) return answer.refuse(fault->message);
+    if (const auto fault = actions_.record(file, anonymous))
+        return answer.refuse(fault->message.builtIn());
     recordingFor_ = bus_->followOwner(caller, [this](const std::optional<std::string>& owner) {
         if (!owner) stopRecording();
     });

@@ -70,12 +70,12 @@ void WarningNotification::listen() {
     });
 }
 
-void WarningNotification::show(TimePoint, Seconds, const std::string& message,
+void WarningNotification::show(TimePoint, Seconds, const Message& message,
                                std::function<void()> onCancel) {
     hide();
     if (bus_ == nullptr) return;
     current_ = std::make_shared<Notification>();
-    current_->message = message;
+    current_->message = message.translated();
     current_->onCancel = std::move(onCancel);
     ask(current_);
 }

@@ -18,7 +18,7 @@ public:
     explicit WarningNotification(dbus::Connection& session);
     ~WarningNotification() override;
 
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override;
     void hide() override;
 

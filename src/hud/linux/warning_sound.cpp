@@ -71,7 +71,7 @@ WarningSound::~WarningSound() {
     playing_->changed.wait_for(lock, patience, [this] { return !playing_->isUnderWay; });
 }
 
-void WarningSound::show(TimePoint, Seconds, const std::string&, std::function<void()>) {
+void WarningSound::show(TimePoint, Seconds, const Message&, std::function<void()>) {
     {
         const std::lock_guard lock(playing_->mutex);
         if (std::exchange(playing_->isUnderWay, true)) return;

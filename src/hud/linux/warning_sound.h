@@ -24,7 +24,7 @@ public:
 
     /// Plays it once, unless the one before is still under way. A sound server that hangs holds
     /// up nobody: a thread of its own waits for it.
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override;
 
     /// A sound that has begun ends by itself.

@@ -15,14 +15,14 @@ QtWarningHud::QtWarningHud(const Clock& clock, Scheduler& scheduler)
 
 QtWarningHud::~QtWarningHud() = default;
 
-void QtWarningHud::show(TimePoint deadline, Seconds total, const std::string& message,
+void QtWarningHud::show(TimePoint deadline, Seconds total, const Message& message,
                         std::function<void()> onCancel) {
     hide();
     const auto countdown = [this, deadline, total] {
         return Countdown::at(clock_.now(), deadline, total);
     };
-    panel_.reset(std::make_unique<WarningPanel>(QString::fromStdString(message), countdown(),
-                                                std::move(onCancel))
+    panel_.reset(std::make_unique<WarningPanel>(QString::fromStdString(message.translated()),
+                                                countdown(), std::move(onCancel))
                      .release());
     panel_->present();
     frames_ =

@@ -20,7 +20,7 @@ public:
     QtWarningHud(const Clock& clock, Scheduler& scheduler);
     ~QtWarningHud() override;
 
-    void show(TimePoint deadline, Seconds total, const std::string& message,
+    void show(TimePoint deadline, Seconds total, const Message& message,
               std::function<void()> onCancel) override;
     void hide() override;
 

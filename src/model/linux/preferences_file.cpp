@@ -84,7 +84,7 @@ Result<Preferences> understood(const std::string& content) {
     Preferences values;
     if (content.empty()) return values;
     if (const auto offset = tooDeepAt(content))
-        return Failure{placeOf(content, *offset) + ": te diep genest"};
+        return Failure{message("%1: te diep genest", {placeOf(content, *offset)})};
     Json object;
     try {
         object = Json::parse(content);
@@ -92,9 +92,9 @@ Result<Preferences> understood(const std::string& content) {
         // The library counts from one, up to the byte that it could not take.
         return Failure{placeOf(content, error.byte > 0 ? error.byte - 1 : 0)};
     } catch (const Json::exception&) {
-        return Failure{"een getal is te groot"};
+        return Failure{message("een getal is te groot")};
     }
-    if (!object.is_object()) return Failure{placeOf(content, 0) + ": geen object"};
+    if (!object.is_object()) return Failure{message("%1: geen object", {placeOf(content, 0)})};
     for (const auto& [name, value] : object.items())
         if (auto preference = decoded(value)) values.insert_or_assign(name, *std::move(preference));
     return values;
@@ -127,13 +127,14 @@ void PreferencesFile::load() {
 void PreferencesFile::reread() {
     const auto content = textOf(file_);
     if (!content)
-        return setFault(Failure{"Voorkeuren niet leesbaar, wijzigingen worden niet bewaard: " +
-                                file_.string()});
+        return setFault(Failure{message(
+            "Voorkeuren niet leesbaar, wijzigingen worden niet bewaard: %1", {file_.string()})});
     auto values = understood(*content);
     if (!values)
-        return setFault(Failure{"Voorkeuren onleesbaar: " + file_.string() + ": " +
-                                values.failure().message +
-                                "; tot dat hersteld is gelden de vorige en wordt niets bewaard"});
+        return setFault(Failure{
+            message("Voorkeuren onleesbaar: %1: %2; tot dat hersteld is gelden de vorige en wordt "
+                    "niets bewaard",
+                    {file_.string(), values.failure().message})});
     setFault(std::nullopt);
     // Who deleted or emptied it, or is just about to fill it, means no other settings.
     if (content->empty()) return;
@@ -144,7 +145,7 @@ void PreferencesFile::reread() {
 
 void PreferencesFile::setFault(std::optional<Failure> fault) {
     if (fault == fault_.get()) return;
-    Log::write(fault ? fault->message : "Voorkeuren weer leesbaar: " + file_.string());
+    Log::write(fault ? fault->message.builtIn() : "Voorkeuren weer leesbaar: " + file_.string());
     fault_.set(std::move(fault));
 }
 
@@ -194,9 +195,9 @@ std::optional<Failure> PreferencesFile::flush() {
     const std::string content = encoded(values());
     constexpr mode_t ownerOnly = 0600;
     if (const int error = replaceFile(file_, content, ownerOnly)) {
-        const Failure failure{"Voorkeuren niet bewaard: " + file_.string() + ": " +
-                              std::strerror(error)};
-        Log::write(failure.message);
+        const Failure failure{
+            message("Voorkeuren niet bewaard: %1: %2", {file_.string(), std::strerror(error)})};
+        Log::write(failure.message.builtIn());
         return failure;
     }
     known_ = values();

@@ -194,8 +194,9 @@ TEST_F(PreferencesFileTest, AFailedWriteIsLoggedAndTheNextChangeTriesAgain) {
     store.write("enabled", false);
     const auto failure = store.flush();
     ASSERT_TRUE(failure);
-    EXPECT_TRUE(failure->message.starts_with("Voorkeuren niet bewaard: " + file.string() + ": "));
-    EXPECT_EQ(log.take(), std::vector{failure->message});
+    EXPECT_TRUE(
+        failure->message.builtIn().starts_with("Voorkeuren niet bewaard: " + file.string() + ": "));
+    EXPECT_EQ(log.take(), std::vector{failure->message.builtIn()});
     std::filesystem::remove(file.parent_path());
     store.write("enabled", false);
     store.flush();

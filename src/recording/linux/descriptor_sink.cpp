@@ -62,10 +62,12 @@ private:
 } // namespace
 
 Result<DescriptorSink> descriptorSink(LineThreads& threads, int descriptor) {
-    const char* refusal = nullptr;
-    if (!isFileOrPipe(descriptor)) refusal = "opnemen kan alleen in een bestand of een pijp";
-    if (threads.count() >= mostThreads) refusal = "eerdere opnames worden nog weggeschreven";
-    if (refusal != nullptr) {
+    Message refusal;
+    if (!isFileOrPipe(descriptor))
+        refusal = message("opnemen kan alleen in een bestand of een pijp");
+    if (threads.count() >= mostThreads)
+        refusal = message("eerdere opnames worden nog weggeschreven");
+    if (!refusal.isEmpty()) {
         closeElsewhere(descriptor);
         return Failure{refusal};
     }
@@ -75,7 +77,7 @@ Result<DescriptorSink> descriptorSink(LineThreads& threads, int descriptor) {
                       capacity));
     return DescriptorSink{[lines](std::string_view line) -> std::optional<Failure> {
         if (lines->put(std::string(line))) return std::nullopt;
-        return lines->failure().value_or(Failure{"de lezer houdt het niet bij"});
+        return lines->failure().value_or(Failure{message("de lezer houdt het niet bij")});
     }};
 }
 
@@ -84,16 +86,17 @@ Result<int> recordingFile(const std::string& path, Existing existing) {
     // Without waiting, or a pipe that nobody reads would hold up the start.
     const int descriptor =
         openOwn(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, ownerOnly);
-    const auto failed = [&](const std::string& reason) {
+    const auto failed = [&](const Message& reason) {
         if (descriptor >= 0) close(descriptor);
-        return Failure{"kan " + path + " niet schrijven: " + reason};
+        return Failure{message("kan %1 niet schrijven: %2", {path, reason})};
     };
-    if (descriptor < 0 && errno == ELOOP) return failed("een verwijzing van iemand anders");
+    if (descriptor < 0 && errno == ELOOP)
+        return failed(message("een verwijzing van iemand anders"));
     struct stat facts {};
     if (descriptor < 0 || fstat(descriptor, &facts) != 0) return failed(std::strerror(errno));
     if (!S_ISREG(facts.st_mode)) return descriptor;
     if (facts.st_size > 0 && existing == Existing::kept)
-        return failed("er staat al iets in (--force vervangt het)");
+        return failed(message("er staat al iets in (--force vervangt het)"));
     // One that was there already may have been for everybody.
     if (fchmod(descriptor, ownerOnly) != 0) return failed(std::strerror(errno));
     return descriptor;

@@ -54,7 +54,7 @@ public:
     [[nodiscard]] CentralAuthorization authorization() const override {
         return CentralAuthorization::allowedAlways;
     }
-    [[nodiscard]] std::optional<std::string> stateWords() const override {
+    [[nodiscard]] std::optional<Message> stateWords() const override {
         return bluez::wordsIn(surroundings_);
     }
     void scan() override;

@@ -46,9 +46,9 @@ CentralState stateIn(const Surroundings& surroundings) {
     return surroundings.hadAdapter ? CentralState::poweredOff : CentralState::resetting;
 }
 
-std::optional<std::string> wordsIn(const Surroundings& surroundings) {
+std::optional<Message> wordsIn(const Surroundings& surroundings) {
     if (surroundings.daemon != Daemon::absent || !surroundings.graceIsOver) return std::nullopt;
-    return "Bluetooth draait niet op deze computer";
+    return message("Bluetooth draait niet op deze computer");
 }
 
 std::optional<Nanoseconds> graceFor(const Surroundings& surroundings) {

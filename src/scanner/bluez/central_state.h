@@ -33,7 +33,7 @@ struct Surroundings {
 [[nodiscard]] CentralState stateIn(const Surroundings& surroundings);
 
 /// Where a radio that may well be there has nobody to serve it, that is what there is to say.
-[[nodiscard]] std::optional<std::string> wordsIn(const Surroundings& surroundings);
+[[nodiscard]] std::optional<Message> wordsIn(const Surroundings& surroundings);
 
 /// How long what is missing may stay away; nothing when nothing is.
 [[nodiscard]] std::optional<Nanoseconds> graceFor(const Surroundings& surroundings);

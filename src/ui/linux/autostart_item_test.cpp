@@ -323,7 +323,7 @@ TEST_F(AutostartItemTest, AFailureSaysWhereAndWhyInOneLine) {
     const auto failure =
         AutostartItem{{folder.path() / "a\nb"}, program, "", processes}.setEnabled(true);
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->message.find('\n'), std::string::npos);
+    EXPECT_EQ(failure->message.builtIn().find('\n'), std::string::npos);
 }
 
 TEST_F(AutostartItemTest, AnEntryThatCannotBeReadIsNotReplacedAndNotTakenAway) {

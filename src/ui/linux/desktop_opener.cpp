@@ -11,7 +11,8 @@ std::optional<Failure> DesktopOpener::open(const std::filesystem::path& file) {
     std::error_code nowhere;
     const auto path = std::filesystem::absolute(file, nowhere);
     const auto process = processes_.start({"xdg-open", path.string()});
-    if (!process) return Failure{printable(path.string()) + ": " + process.failure().message};
+    if (!process)
+        return Failure{Message("%1: %2", {printable(path.string()), process.failure().message})};
     running_[*process] =
         processes_.onEnd(*process, [this, process = *process] { running_.erase(process); });
     return std::nullopt;

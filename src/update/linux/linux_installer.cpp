@@ -62,7 +62,7 @@ Result<std::string> LinuxInstaller::unpack(std::span<const std::uint8_t> image) 
     removeLeftovers();
     if (const auto objection = objectionTo(image)) {
         Log::write("Updatebestand geweigerd: " + *objection);
-        return Failure{unexpectedApp};
+        return Failure{unexpectedApp()};
     }
     const fs::path folder = temporary_ / (std::string(folderPrefix) + randomUuid().text());
     std::error_code ignored;
@@ -83,15 +83,15 @@ Result<Ready> LinuxInstaller::examine(const std::string& app, const Release& rel
     if (info.identifier != identifier_ || info.build != release.build) {
         Log::write("Updatebestand geweigerd: het is " + info.identifier + " " +
                    std::to_string(info.build));
-        return Failure{unexpectedApp};
+        return Failure{unexpectedApp()};
     }
     const auto answer = runTool({fs::path(app) / programFile, "--version"}, versionPatience);
     // Whatever the feed calls it: a build has one name, its own.
     if (answer && buildInVersionLine(*answer) == release.build) return Ready{};
     Log::write("Updatebestand geweigerd: " + (answer
                                                   ? "het programma noemt zich " + printable(*answer)
-                                                  : answer.failure().message));
-    return Failure{unexpectedApp};
+                                                  : answer.failure().message.builtIn()));
+    return Failure{unexpectedApp()};
 }
 
 bool LinuxInstaller::mayReplace() const {

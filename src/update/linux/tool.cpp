@@ -71,7 +71,8 @@ int statusOf(pid_t process) {
 Result<std::string> runTool(const std::vector<std::string>& words,
                             std::optional<Nanoseconds> patience, std::size_t most) {
     std::array<int, 2> pipe{};
-    if (pipe2(pipe.data(), O_CLOEXEC) != 0) return Failure{"geen pijp voor " + words.front()};
+    if (pipe2(pipe.data(), O_CLOEXEC) != 0)
+        return Failure{message("geen pijp voor %1", {words.front()})};
     const auto process =
         spawn(words, {.environment = std::vector<std::string>{"PATH=/usr/bin:/bin", "LC_ALL=C"},
                       .output = pipe[1]});
@@ -90,7 +91,7 @@ Result<std::string> runTool(const std::vector<std::string>& words,
     const int status = statusOf(*process);
     if (status == 0) return output;
     const std::string name = std::filesystem::path(words.front()).filename();
-    return Failure{printable(name) + " mislukt (" + std::to_string(status) + ")"};
+    return Failure{message("%1 mislukt (%2)", {printable(name), std::to_string(status)})};
 }
 
 } // namespace wegslot

@@ -82,7 +82,7 @@ private:
         timer.setInterval(std::chrono::ceil<std::chrono::milliseconds>(after));
         connect(&timer, &QTimer::timeout, this, [this, after] {
             const auto seconds = std::chrono::ceil<std::chrono::seconds>(after).count();
-            end(Failure{"geen antwoord binnen " + std::to_string(seconds) + " s"});
+            end(Failure{message("geen antwoord binnen %1 s", {std::to_string(seconds)})});
         });
         timer.start();
     }

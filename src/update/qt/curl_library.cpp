@@ -9,7 +9,8 @@ namespace {
 
 Failure failure() {
     const char* const reason = dlerror();
-    return Failure{"libcurl: " + std::string(reason == nullptr ? "niet te laden" : reason)};
+    return Failure{
+        Message("libcurl: %1", {reason == nullptr ? message("niet te laden") : Message(reason)})};
 }
 
 template <typename Function>
@@ -45,7 +46,8 @@ Result<CurlLibrary> load() {
                          find(library, "curl_url_cleanup", found.url_cleanup) &&
                          find(library, "curl_free", found.free);
     if (!isWhole) return failure();
-    if (global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK) return Failure{"libcurl: begint niet"};
+    if (global_init(CURL_GLOBAL_DEFAULT) != CURLE_OK)
+        return Failure{message("libcurl: begint niet")};
     return found;
 }
 
