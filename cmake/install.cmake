@@ -21,5 +21,6 @@ install(FILES "${filled_in}/man/wegslot.1" "${filled_in}/man/wegslot-replay.1"
   DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
 install(FILES "${filled_in}/man/nl/wegslot.1" "${filled_in}/man/nl/wegslot-replay.1"
   DESTINATION "${CMAKE_INSTALL_MANDIR}/nl/man1")
+install(DIRECTORY "${PROJECT_BINARY_DIR}/share/locale" DESTINATION "${CMAKE_INSTALL_DATADIR}")
 install(FILES "${pieces}/completions/wegslot"
   DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")

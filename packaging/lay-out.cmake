@@ -26,4 +26,7 @@ configure_file("${pieces}/Info.json.in" "${BUNDLE}/Info.json" @ONLY)
 file(COPY "${pieces}/nl.wegslot.Wegslot.desktop" "${pieces}/../LICENSE"
   "${pieces}/installeer" DESTINATION "${BUNDLE}")
 file(COPY "${pieces}/nl.wegslot.Wegslot.svg" DESTINATION "${BUNDLE}/icons")
+# The catalogues lie beside the program in a build folder, and go with it.
+get_filename_component(built "${PROGRAM}" DIRECTORY)
+file(COPY "${built}/../share/locale" DESTINATION "${BUNDLE}/share")
 execute_process(COMMAND "${STRIP}" -o "${BUNDLE}/wegslot" "${PROGRAM}" COMMAND_ERROR_IS_FATAL ANY)

@@ -11,12 +11,18 @@ namespace wegslot {
 namespace {
 
 using Names = std::vector<std::string>;
+using Messages = std::vector<Message>;
 
-std::string joined(const Names& names, const std::string& between = ", ") {
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : between) + name;
-    return text;
+/// `list` has two places: for what comes before and for what comes next.
+Message joined(const Messages& parts, const char* list) {
+    Message whole;
+    for (const Message& part : parts)
+        whole = whole.isEmpty() ? part : Message(list, {whole, part});
+    return whole;
+}
+
+Message joined(const Names& names, const char* list = "%1, %2") {
+    return joined(Messages(names.begin(), names.end()), list);
 }
 
 /// "0,4": as people here write it.
@@ -27,14 +33,14 @@ std::string tenths(Seconds duration) {
     return text;
 }
 
-std::string nameOf(LockWitness witness) {
+Message nameOf(LockWitness witness) {
     switch (witness) {
     case LockWitness::hint:
-        return "logind (LockedHint)";
+        return message("logind (LockedHint)");
     case LockWitness::saver:
-        return "de schermbeveiliging (ActiveChanged)";
+        return message("de schermbeveiliging (ActiveChanged)");
     case LockWitness::locker:
-        return "het proces van een lockprogramma";
+        return message("het proces van een lockprogramma");
     }
     return {};
 }
@@ -51,84 +57,88 @@ std::string scriptNameOf(LockWitness witness) {
     return {};
 }
 
-std::string stateText(CentralState state) {
+Message stateText(CentralState state) {
     switch (state) {
     case CentralState::unknown:
-        return "toestand onbekend";
+        return message("toestand onbekend");
     case CentralState::resetting:
-        return "begint opnieuw";
+        return message("begint opnieuw");
     case CentralState::unsupported:
-        return "kan geen Bluetooth LE";
+        return message("kan geen Bluetooth LE");
     case CentralState::unauthorized:
-        return "geen toestemming";
+        return message("geen toestemming");
     case CentralState::poweredOff:
-        return "staat uit";
+        return message("staat uit");
     case CentralState::poweredOn:
-        return "staat aan";
+        return message("staat aan");
     }
     return {};
 }
 
 Finding daemonFinding(const CheckFacts::Bluetooth& facts) {
     return {.name = "bluetooth-daemon",
-            .label = "Bluetooth-dienst",
+            .label = message("Bluetooth-dienst"),
             .works = facts.daemon,
             .needed = true,
             .found = facts.daemon ? Names{"org.bluez"} : Names{},
-            .text = facts.daemon ? "bluetoothd draait" : "bluetoothd draait niet"};
+            .text =
+                facts.daemon ? message("bluetoothd draait") : message("bluetoothd draait niet")};
 }
 
 Finding adapterFinding(const CheckFacts::Bluetooth& facts) {
     return {.name = "bluetooth-adapter",
-            .label = "Bluetooth-adapter",
+            .label = message("Bluetooth-adapter"),
             .works = facts.state == CentralState::poweredOn,
             .needed = true,
             .found = facts.adapter ? Names{*facts.adapter} : Names{},
-            .text = facts.adapter ? *facts.adapter + " " + stateText(facts.state) : "geen"};
+            .text = facts.adapter ? Message("%1 %2", {*facts.adapter, stateText(facts.state)})
+                                  : message("geen")};
 }
 
 Finding linksFinding(const CheckFacts::Bluetooth& facts) {
     return {.name = "connection-signal",
-            .label = "Signaal van verbindingen",
+            .label = message("Signaal van verbindingen"),
             .works = facts.readsLinks,
             .needed = false,
             .found = {},
-            .text =
-                facts.readsLinks ? "te lezen" : "niet te lezen, sleutels worden alleen beluisterd"};
+            .text = facts.readsLinks ? message("te lezen")
+                                     : message("niet te lezen, sleutels worden alleen beluisterd")};
 }
 
-std::string addressText(const CheckFacts::Key& key) {
-    if (!key.changesAddress) return "niet te zien, adres onbekend";
-    return *key.changesAddress ? "wisselt van adres, koppel het met deze computer" : "vast adres";
+Message addressText(const CheckFacts::Key& key) {
+    if (!key.changesAddress) return message("niet te zien, adres onbekend");
+    return *key.changesAddress ? message("wisselt van adres, koppel het met deze computer")
+                               : message("vast adres");
 }
 
 Finding keysFinding(const CheckFacts& facts) {
     Names found;
-    Names texts;
+    Messages texts;
     bool anyMayStay = false;
     for (const CheckFacts::Key& key : facts.keys) {
         found.push_back(key.name);
-        texts.push_back(printable(key.name) + ": " + addressText(key));
+        texts.emplace_back("%1: %2", Messages{printable(key.name), addressText(key)});
         anyMayStay = anyMayStay || !key.changesAddress.value_or(false);
     }
     if (texts.empty())
-        texts.push_back("geen; kies er een in het paneel, of met --devices en --add-key");
-    if (!facts.enabled) texts.push_back("Wegslot staat uit");
+        texts.push_back(message("geen; kies er een in het paneel, of met --devices en --add-key"));
+    if (!facts.enabled) texts.push_back(message("Wegslot staat uit"));
     return {.name = "keys",
-            .label = "Sleutels",
+            .label = message("Sleutels"),
             .works = anyMayStay && facts.enabled,
             .needed = true,
             .found = std::move(found),
-            .text = joined(texts, "; ")};
+            .text = joined(texts, "%1; %2")};
 }
 
 Finding lockFinding(const CheckFacts::Locking& facts) {
     const bool heard = !facts.savers.empty() || !facts.listeners.empty();
     Names found;
-    Names texts;
+    Messages texts;
     if (facts.session) {
         found.emplace_back("logind");
-        texts.push_back(heard ? "logind" : "logind, waar voor zover te zien niemand naar luistert");
+        texts.push_back(heard ? Message("logind")
+                              : message("logind, waar voor zover te zien niemand naar luistert"));
     }
     for (const Names& who : {facts.listeners, facts.savers})
         for (const std::string& name : who) {
@@ -136,25 +146,26 @@ Finding lockFinding(const CheckFacts::Locking& facts) {
             texts.push_back(name);
         }
     if (!facts.locker.empty()) {
-        const std::string command = printable(joined(facts.locker, " "));
+        const Message command = printable(joined(facts.locker, "%1 %2").builtIn());
         if (facts.lockerInstalled) found.push_back(facts.locker.front());
-        texts.push_back(facts.lockerInstalled ? command
-                                              : command + " (niet te vinden of niet uitvoerbaar)");
+        texts.push_back(facts.lockerInstalled
+                            ? command
+                            : message("%1 (niet te vinden of niet uitvoerbaar)", {command}));
     }
-    if (texts.empty()) texts.push_back("geen; installeer een lockprogramma");
+    if (texts.empty()) texts.push_back(message("geen; installeer een lockprogramma"));
     if (facts.wrongCommand) texts.push_back(*facts.wrongCommand);
     const bool byListener = facts.session && !facts.listeners.empty();
     return {.name = "lock",
-            .label = "Locken",
+            .label = message("Locken"),
             .works = byListener || !facts.savers.empty() || facts.lockerInstalled,
             .needed = true,
             .found = std::move(found),
-            .text = joined(texts, "; ")};
+            .text = joined(texts, "%1; %2")};
 }
 
 Finding confirmationFinding(const CheckFacts::Locking& facts) {
     Names found;
-    Names texts;
+    Messages texts;
     const auto add = [&](bool there, LockWitness witness) {
         if (!there) return;
         found.push_back(scriptNameOf(witness));
@@ -164,27 +175,29 @@ Finding confirmationFinding(const CheckFacts::Locking& facts) {
     add(!facts.savers.empty(), LockWitness::saver);
     add(facts.lockerInstalled || (facts.session && !facts.listeners.empty()), LockWitness::locker);
     const bool works = !found.empty();
-    if (!works) texts.emplace_back("niets");
-    texts.emplace_back(facts.locked ? "nu gelockt" : "nu niet gelockt");
+    if (!works) texts.push_back(message("niets"));
+    texts.push_back(facts.locked ? message("nu gelockt") : message("nu niet gelockt"));
     return {.name = "lock-confirmation",
-            .label = "Weten dat het gelockt is",
+            .label = message("Weten dat het gelockt is"),
             .works = works,
             .needed = true,
             .found = std::move(found),
-            .text = joined(texts, "; ")};
+            .text = joined(texts, "%1; %2")};
 }
 
 Finding idleFinding(const CheckFacts::Activity& facts) {
     const bool works = facts.idleSource && facts.idle;
-    std::string text = "niet te zien; wie typt telt niet als aanwezig";
+    Message text = message("niet te zien; wie typt telt niet als aanwezig");
     if (facts.idleSource)
-        text = *facts.idleSource + "; " +
-               (facts.idle ? "laatste aanraking " + tenths(*facts.idle) + " s geleden"
-                           : "antwoordt niet");
+        text = facts.idle ? message("%1; laatste aanraking %2 s geleden",
+                                    {*facts.idleSource, tenths(*facts.idle)})
+                          : message("%1; antwoordt niet", {*facts.idleSource});
     if (facts.filmsHoldIdleUp)
-        text += "; een film die speelt telt twee minuten als aanraking en verbergt daarna wie typt";
+        text = message("%1; een film die speelt telt twee minuten als aanraking en verbergt daarna "
+                       "wie typt",
+                       {text});
     return {.name = "idle",
-            .label = "Toetsenbord en muis",
+            .label = message("Toetsenbord en muis"),
             .works = works,
             .needed = false,
             .found = facts.idleSource ? Names{*facts.idleSource} : Names{},
@@ -194,25 +207,26 @@ Finding idleFinding(const CheckFacts::Activity& facts) {
 Finding cameraFinding(const CheckFacts::Activity& facts) {
     const bool works = !facts.cameraSources.empty();
     return {.name = "camera",
-            .label = "Camera",
+            .label = message("Camera"),
             .works = works,
             .needed = false,
             .found = facts.cameraSources,
-            .text = works ? joined(facts.cameraSources) +
-                                (facts.cameraInUse ? "; in gebruik" : "; niet in gebruik")
-                          : "niet te zien"};
+            .text = !works ? message("niet te zien")
+                    : facts.cameraInUse
+                        ? message("%1; in gebruik", {joined(facts.cameraSources)})
+                        : message("%1; niet in gebruik", {joined(facts.cameraSources)})};
 }
 
 Finding microphoneFinding(const CheckFacts::Activity& facts) {
     const bool works = facts.microphoneSource && facts.microphoneAnswers;
-    std::string text = "niet te zien";
-    if (facts.microphoneSource)
-        text = *facts.microphoneSource + "; " +
-               (!works                 ? "antwoordt niet"
-                : facts.microphoneUser ? "in gebruik door " + printable(*facts.microphoneUser)
-                                       : "niet in gebruik");
+    Message text = message("niet te zien");
+    if (const auto& source = facts.microphoneSource)
+        text = !works ? message("%1; antwoordt niet", {*source})
+               : facts.microphoneUser
+                   ? message("%1; in gebruik door %2", {*source, printable(*facts.microphoneUser)})
+                   : message("%1; niet in gebruik", {*source});
     return {.name = "microphone",
-            .label = "Microfoon",
+            .label = message("Microfoon"),
             .works = works,
             .needed = false,
             .found = facts.microphoneSource ? Names{*facts.microphoneSource} : Names{},
@@ -221,37 +235,37 @@ Finding microphoneFinding(const CheckFacts::Activity& facts) {
 
 Finding trayFinding(bool there) {
     return {.name = "tray",
-            .label = "Plaats voor het icoon",
+            .label = message("Plaats voor het icoon"),
             .works = there,
             .needed = false,
             .found = {},
-            .text = there ? "aanwezig" : "geen"};
+            .text = there ? message("aanwezig") : message("geen")};
 }
 
 Finding autostartFinding(bool there) {
     return {.name = "autostart",
-            .label = "Start bij inloggen",
+            .label = message("Start bij inloggen"),
             .works = there,
             .needed = false,
             .found = {},
-            .text = there ? "ja" : "nee"};
+            .text = there ? message("ja") : message("nee")};
 }
 
 Finding preferencesFinding(const CheckFacts::Preferences& facts) {
     Names found;
-    Names texts;
-    if (facts.unreadable) texts.push_back(printable(*facts.unreadable));
+    Messages texts;
+    if (facts.unreadable) texts.emplace_back(printable(*facts.unreadable));
     for (const PreferenceFault& fault : facts.faults) {
         found.push_back(fault.name);
-        texts.push_back(fault.text);
+        texts.emplace_back(fault.text);
     }
     const bool works = texts.empty();
     return {.name = "preferences",
-            .label = "Voorkeuren",
+            .label = message("Voorkeuren"),
             .works = works,
             .needed = false,
             .found = std::move(found),
-            .text = works ? "in orde" : joined(texts, "; ")};
+            .text = works ? message("in orde") : joined(texts, "%1; %2")};
 }
 
 } // namespace
@@ -273,20 +287,25 @@ bool canLock(const std::vector<Finding>& findings) {
 std::vector<std::string> reportLines(const std::vector<Finding>& findings) {
     std::vector<std::string> lines;
     for (const Finding& finding : findings) {
-        const std::string mark = finding.works ? "ok" : finding.needed ? "FOUT" : "-";
-        lines.push_back(padded(mark, 6) + padded(finding.label + ":", 27) + finding.text);
+        const std::string mark = finding.works    ? translated("ok")
+                                 : finding.needed ? translated("FOUT")
+                                                  : "-";
+        lines.push_back(padded(mark, 6) + padded(finding.label.translated() + ":", 27) +
+                        finding.text.translated());
     }
-    lines.emplace_back(canLock(findings) ? "Alles wat voor locken nodig is, werkt."
-                                         : "Zo kan Wegslot niet locken.");
+    lines.push_back(canLock(findings) ? translated("Alles wat voor locken nodig is, werkt.")
+                                      : translated("Zo kan Wegslot niet locken."));
     return lines;
 }
 
 std::string proofLine(const LockProof& proof) {
     if (!proof.witness)
-        return "Geen bevestiging van lock ontvangen binnen " + decimal(proof.after.count()) + " s";
+        return translated("Geen bevestiging van lock ontvangen binnen %1 s",
+                          {decimal(proof.after.count())});
     if (proof.after == LockProof::before)
-        return "Het scherm is al gelockt, volgens " + nameOf(*proof.witness);
-    return "Gelockt na " + tenths(proof.after) + " s, bevestigd door " + nameOf(*proof.witness);
+        return translated("Het scherm is al gelockt, volgens %1", {nameOf(*proof.witness)});
+    return translated("Gelockt na %1 s, bevestigd door %2",
+                      {tenths(proof.after), nameOf(*proof.witness)});
 }
 
 std::string reportJson(const std::vector<Finding>& findings,
@@ -299,7 +318,7 @@ std::string reportJson(const std::vector<Finding>& findings,
                         {"ok", finding.works},
                         {"needed", finding.needed},
                         {"found", finding.found},
-                        {"text", finding.text}});
+                        {"text", finding.text.builtIn()}});
     if (proof)
         report["lock"] = {
             {"confirmed", proof->confirms()},

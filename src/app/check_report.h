@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/time.h"
+#include "base/translation.h"
 #include "model/key_device.h"
 #include "model/preference_faults.h"
 #include "platform/lock_facts.h"
@@ -65,12 +66,12 @@ struct CheckFacts {
 
 /// One line of the answer.
 struct Finding {
-    std::string name;  ///< for scripts
-    std::string label; ///< for people
+    std::string name; ///< for scripts
+    Message label;    ///< for people
     bool works;
     bool needed; ///< without it nothing is ever locked
     std::vector<std::string> found;
-    std::string text;
+    Message text;
 };
 
 /// How a lock that was really asked for went.

@@ -244,7 +244,7 @@ TEST(CheckReport, NamesThatAreNoTextSpoilNothing) {
         changed.keys[0].name = "a\nb\xff";
         changed.activity.microphoneUser = "x\x1b[2J";
     });
-    EXPECT_EQ(finding(facts, "keys").text.find('\n'), std::string::npos);
-    EXPECT_EQ(finding(facts, "microphone").text.find('\x1b'), std::string::npos);
+    EXPECT_EQ(finding(facts, "keys").text.builtIn().find('\n'), std::string::npos);
+    EXPECT_EQ(finding(facts, "microphone").text.builtIn().find('\x1b'), std::string::npos);
     EXPECT_TRUE(nlohmann::json::accept(reportJson(findings(facts), std::nullopt)));
 }

@@ -14,7 +14,8 @@ namespace {
 std::string row(const KeyDevice& key) {
     const std::string model = key.model ? DeviceNames::friendly(*key.model) : "-";
     return key.id.text() + "  " + padded(printable(key.name), 24) + "  " +
-           padded(printable(model), 18) + "  drempel " + decimal(key.threshold.value) + " dBm";
+           padded(printable(model), 18) + "  " +
+           translated("drempel %1 dBm", {decimal(key.threshold.value)});
 }
 
 bool isKey(const Settings& settings, const Uuid& id) {

@@ -12,23 +12,23 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 std::string stateText(const std::string& state) {
-    if (state == name(KeyState::near)) return "dichtbij";
-    if (state == name(KeyState::leaving)) return "zwak";
-    if (state == name(KeyState::away)) return "weg";
+    if (state == name(KeyState::near)) return translated("dichtbij");
+    if (state == name(KeyState::leaving)) return translated("zwak");
+    if (state == name(KeyState::away)) return translated("weg");
     return printable(state); // of a newer Wegslot
 }
 
 std::string row(const Key& key) {
     const std::string signal = key.rssi ? decimal(std::round(key.rssi->value)) + " dBm" : "-";
     return padded(printable(key.name), 24) + "  " + padded(stateText(key.state), 8) + "  " +
-           padded(signal, 8) + "  drempel " + decimal(key.threshold.value) + " dBm";
+           padded(signal, 8) + "  " + translated("drempel %1 dBm", {decimal(key.threshold.value)});
 }
 
 std::string row(const Device& device) {
     const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
     return printable(device.id) + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
            padded(printable(device.kind), 18) + "  " + signal + " dBm" +
-           (device.changesAddress ? "  wisselt van adres" : "");
+           (device.changesAddress ? "  " + translated("wisselt van adres") : "");
 }
 
 Json json(const Key& key) {
@@ -61,7 +61,7 @@ std::string statusText(const Status& status) {
 }
 
 std::string keysText(const Status& status) {
-    if (status.keys.empty()) return "Geen sleutels";
+    if (status.keys.empty()) return translated("Geen sleutels");
     std::string text;
     for (const Key& key : status.keys)
         text += (text.empty() ? "" : "\n") + key.id + "  " + row(key);
@@ -70,7 +70,7 @@ std::string keysText(const Status& status) {
 
 std::vector<std::string> nearbyLines(const Nearby& nearby) {
     if (!nearby.radio.empty()) return {printable(nearby.radio)};
-    if (nearby.devices.empty()) return {"Nog geen apparaten gehoord"};
+    if (nearby.devices.empty()) return {translated("Nog geen apparaten gehoord")};
     std::vector<std::string> lines;
     for (const Device& device : nearby.devices)
         lines.push_back(row(device));

@@ -9,7 +9,7 @@ namespace wegslot {
 Result<std::vector<std::string>> lockCommand(const PreferencesStore& store) {
     constexpr auto name = "lockCommand";
     using Words = std::vector<std::string>;
-    const Failure wrong{"lockCommand in de voorkeuren is geen lijst van woorden"};
+    const Failure wrong{message("lockCommand in de voorkeuren is geen lijst van woorden")};
     const auto data = store.data(name);
     if (!data) {
         // Of another type, it is wrong too, and not just absent.

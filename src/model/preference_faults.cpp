@@ -12,10 +12,12 @@ namespace {
 
 /// What a value should be, from what it is by default.
 struct Kind {
-    std::string operator()(bool) const { return "geen true of false"; }
-    std::string operator()(double) const { return "geen getal"; }
-    std::string operator()(const std::string&) const { return "geen tekst"; }
-    std::string operator()(const Data&) const { return "geen lijst"; }
+    std::string name;
+
+    Message operator()(bool) const { return message("%1 is geen true of false", {name}); }
+    Message operator()(double) const { return message("%1 is geen getal", {name}); }
+    Message operator()(const std::string&) const { return message("%1 is geen tekst", {name}); }
+    Message operator()(const Data&) const { return message("%1 is geen lijst", {name}); }
 };
 
 bool isWrongRule(const PreferenceValue& value) {
@@ -28,19 +30,22 @@ bool areWrongKeys(const PreferenceValue& value) {
     return data == nullptr || !decodeKeys(data->bytes);
 }
 
-/// What `value` is not; nothing when it is what it should be.
-std::optional<std::string> wrongIn(const MemoryStore& store, const std::string& name,
-                                   const PreferenceValue& value) {
-    if (name == "lockCommand")
-        return lockCommand(store) ? std::nullopt : std::optional("geen lijst van woorden");
-    if (name == "keys")
-        return areWrongKeys(value) ? std::optional("geen lijst van sleutels") : std::nullopt;
-    const auto standard = store.defaults().find(name);
-    if (standard == store.defaults().end()) return "onbekend";
-    if (standard->second.index() != value.index()) return std::visit(Kind{}, standard->second);
-    if (name == "rule" && isWrongRule(value))
-        return "niet " + std::string(storedText(LockRule::allAway)) + " of " +
-               std::string(storedText(LockRule::anyAway));
+/// Nothing when the value is what it should be.
+std::optional<Message> faultOf(const MemoryStore& store, const std::string& typed,
+                               const PreferenceValue& value) {
+    const std::string name = printable(typed);
+    if (typed == "lockCommand" && !lockCommand(store))
+        return message("%1 is geen lijst van woorden", {name});
+    if (typed == "lockCommand") return std::nullopt;
+    if (typed == "keys" && areWrongKeys(value))
+        return message("%1 is geen lijst van sleutels", {name});
+    if (typed == "keys") return std::nullopt;
+    const auto standard = store.defaults().find(typed);
+    if (standard == store.defaults().end()) return message("%1 is onbekend", {name});
+    if (standard->second.index() != value.index()) return std::visit(Kind{name}, standard->second);
+    if (typed == "rule" && isWrongRule(value))
+        return message("%1 is niet %2 of %3", {name, std::string(storedText(LockRule::allAway)),
+                                               std::string(storedText(LockRule::anyAway))});
     return std::nullopt;
 }
 
@@ -49,8 +54,7 @@ std::optional<std::string> wrongIn(const MemoryStore& store, const std::string& 
 std::vector<PreferenceFault> preferenceFaults(const MemoryStore& store) {
     std::vector<PreferenceFault> faults;
     for (const auto& [name, value] : store.values())
-        if (const auto wrong = wrongIn(store, name, value))
-            faults.push_back({name, printable(name) + " is " + *wrong});
+        if (auto fault = faultOf(store, name, value)) faults.push_back({name, *std::move(fault)});
     return faults;
 }
 

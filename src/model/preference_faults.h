@@ -2,6 +2,7 @@
 // none, without a word; here are the words.
 #pragma once
 
+#include "base/translation.h"
 #include "model/preferences_store.h"
 
 #include <string>
@@ -11,7 +12,7 @@ namespace wegslot {
 
 struct PreferenceFault {
     std::string name; ///< as it was typed
-    std::string text; ///< Dutch, fit for a line
+    Message text;     ///< fit for a line
     friend bool operator==(const PreferenceFault&, const PreferenceFault&) = default;
 };
 

@@ -13,7 +13,7 @@ std::vector<std::string> faultsOf(Preferences values) {
     const Settings settings(store); // registers the defaults
     std::vector<std::string> texts;
     for (const PreferenceFault& fault : preferenceFaults(store))
-        texts.push_back(fault.text);
+        texts.push_back(fault.text.builtIn());
     return texts;
 }
 

@@ -95,9 +95,9 @@ void WarningNotification::notify(const std::shared_ptr<Notification>& notificati
     const std::string& message = notification->message;
     notification->asked = true;
     notification->answer = bus_->call(
-        notifications::notify({.title = "Je Mac lockt zo",
+        notifications::notify({.title = translated("Je Mac lockt zo"),
                                .text = asMarkup ? escaped(message) : message,
-                               .actions = {cancelAction, "Ik ben er nog"},
+                               .actions = {cancelAction, translated("Ik ben er nog")},
                                .hints = {{"transient", true}, // in no list of what was missed
                                          {"suppress-sound", true}}}), // the warning has its own
         [this, held = std::weak_ptr(notification)](const dbus::Message& answer) {

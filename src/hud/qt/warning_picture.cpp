@@ -149,9 +149,9 @@ void paintNumber(QPainter& painter, std::int64_t number) {
 
 } // namespace
 
-QString title() { return QStringLiteral("Je Mac lockt zo"); }
+QString title() { return QString::fromStdString(translated("Je Mac lockt zo")); }
 
-QString buttonLabel() { return QStringLiteral("Ik ben er nog"); }
+QString buttonLabel() { return QString::fromStdString(translated("Ik ben er nog")); }
 
 QRect buttonFrame() {
     const QFontMetricsF metrics(labelFont().font);
