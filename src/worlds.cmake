@@ -180,6 +180,7 @@ wegslot_module(panel_qt
   FILES
     ui/qt/panel/disclosure.cpp ui/qt/panel/disclosure.h ui/qt/panel/footer_view.cpp
     ui/qt/panel/footer_view.h ui/qt/panel/header_view.cpp ui/qt/panel/header_view.h
+    ui/qt/panel/key_place_view.cpp ui/qt/panel/key_place_view.h
     ui/qt/panel/key_row_view.cpp ui/qt/panel/key_row_view.h ui/qt/panel/keys_view.cpp
     ui/qt/panel/keys_view.h ui/qt/panel/menu_button.cpp ui/qt/panel/menu_button.h
     ui/qt/panel/nearby_view.cpp ui/qt/panel/nearby_view.h ui/qt/panel/painting.cpp

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace wegslot {
 namespace {
@@ -48,6 +49,14 @@ void Settings::addKey(const SeenDevice& device) {
                     .model = device.model,
                     .isApple = device.isApple(),
                     .threshold = startingThreshold(device.rssi)});
+    keys.set(std::move(list));
+}
+
+void Settings::insertKey(const KeyDevice& key, std::size_t place) {
+    auto list = keys.get();
+    if (std::ranges::find(list, key.id, &KeyDevice::id) != list.end()) return;
+    const auto behind = static_cast<std::ptrdiff_t>(std::min(place, list.size()));
+    list.insert(std::next(list.begin(), behind), key);
     keys.set(std::move(list));
 }
 

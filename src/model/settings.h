@@ -5,6 +5,7 @@
 #include "model/setting.h"
 #include "scanner/seen_device.h"
 
+#include <cstddef>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -39,6 +40,9 @@ public:
     /// Adds `device` as a key, unless it is one. Its threshold starts 15 dB below the present
     /// signal (a body in between costs about that much), within -90 and -65 dBm.
     void addKey(const SeenDevice& device);
+
+    /// Adds a key as it was once, behind so many others; nothing if it is one.
+    void insertKey(const KeyDevice& key, std::size_t place);
 
     /// Sets a key's threshold to `value` as a whole number; nothing for an unknown id.
     void setThreshold(Dbm value, const Uuid& id);

@@ -183,6 +183,22 @@ TEST_F(SettingsTest, RemovingKeepsTheOrderOfTheOthersAndAlwaysWrites) {
     EXPECT_EQ(store.writes, 5);
 }
 
+TEST_F(SettingsTest, AKeyIsPutBackWhereItStoodAndOnlyIfItIsNone) {
+    for (const unsigned number : {3U, 1U, 2U})
+        settings.addKey({.id = numbered(number)});
+    const auto all = settings.keys.get();
+    for (const std::size_t place : {0U, 1U, 2U}) {
+        settings.removeKey(all.at(place).id);
+        settings.insertKey(all.at(place), place);
+        EXPECT_EQ(settings.keys.get(), all) << place;
+        settings.insertKey(all.at(place), 0);
+        EXPECT_EQ(settings.keys.get(), all) << place;
+    }
+    settings.removeKey(all.at(2).id);
+    settings.insertKey(all.at(2), 9);
+    EXPECT_EQ(settings.keys.get(), all);
+}
+
 TEST(StoredSettings, AKeyListThatCannotBeDecodedLoadsAsEmptyAndStaysStored) {
     const std::string broken =
         R"([{"id":"0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6","name":"Telefoon"}])";

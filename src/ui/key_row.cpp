@@ -65,4 +65,11 @@ KeyRow keyRow(const KeyFacts& facts) {
     return row;
 }
 
+RemovedRow removedRow(const KeyDevice& key) {
+    return {.id = key.id,
+            .name = printable(key.name),
+            .text = "Verwijderd",
+            .putBack = {.symbol = {}, .text = "Zet terug"}};
+}
+
 } // namespace wegslot::panel

@@ -46,4 +46,16 @@ struct KeyRow {
 
 [[nodiscard]] KeyRow keyRow(const KeyFacts& facts);
 
+/// In the place of a key that was just removed, for as long as it can be taken back.
+struct RemovedRow {
+    Uuid id;
+    std::string name; ///< one line
+    std::string text; ///< quiet, behind the name
+    Button putBack;
+
+    friend bool operator==(const RemovedRow&, const RemovedRow&) = default;
+};
+
+[[nodiscard]] RemovedRow removedRow(const KeyDevice& key);
+
 } // namespace wegslot::panel

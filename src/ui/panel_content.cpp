@@ -47,8 +47,10 @@ KeysSection keysSection(const PanelSources& sources, const Flags& flags) {
     KeysSection section{.title = "Jouw sleutels"};
     if (keys.empty())
         section.instruction = "Leg je iPhone of Apple Watch naast je Mac en kies hem hieronder.";
-    for (const KeyDevice& key : keys)
-        section.rows.push_back(keyRow(factsOf(key, sources, flags)));
+    for (const ListedKey& listed : listedKeys(keys, flags.removed))
+        section.rows.push_back(listed.isRemoved
+                                   ? KeyPlace(removedRow(*listed.key))
+                                   : KeyPlace(keyRow(factsOf(*listed.key, sources, flags))));
     if (keys.size() >= 2)
         section.rule = {.label = "Locken als",
                         .options = {{LockRule::allAway, "alle sleutels weg zijn"},

@@ -10,6 +10,7 @@
 #include "ui/nearby_group.h"
 #include "ui/panel_parts.h"
 #include "ui/phase_presentation.h"
+#include "ui/removed_keys.h"
 #include "ui/scheme.h"
 #include "ui/settings_group.h"
 #include "ui/update_presentation.h"
@@ -49,10 +50,12 @@ struct RulePicker {
     friend bool operator==(const RulePicker&, const RulePicker&) = default;
 };
 
+using KeyPlace = std::variant<KeyRow, RemovedRow>;
+
 struct KeysSection {
     std::string title;
-    std::string instruction; ///< on a card, in place of the rows; empty when there are keys
-    std::vector<KeyRow> rows;
+    std::vector<KeyPlace> rows;
+    std::string instruction; ///< on a card; empty when there are keys
     std::optional<RulePicker> rule;
 
     friend bool operator==(const KeysSection&, const KeysSection&) = default;
@@ -92,6 +95,7 @@ struct Flags {
     bool showNameless = false;
     bool showSettings = false;
     bool launchAtLogin = false;
+    std::vector<RemovedKey> removed = {}; ///< keys that can be taken back, in the order of removal
     std::optional<HeldThreshold> heldThreshold = {};
     std::optional<NearbyPlaces> heldPlaces = {};
 };

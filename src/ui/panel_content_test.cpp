@@ -28,7 +28,9 @@ struct PanelContentTest : testing::Test {
                             flags);
     }
 
-    [[nodiscard]] KeyRow row(std::size_t index = 0) { return content().keys.rows.at(index); }
+    [[nodiscard]] KeyRow row(std::size_t index = 0) {
+        return std::get<KeyRow>(content().keys.rows.at(index));
+    }
 
     [[nodiscard]] bool offersToResume() {
         return std::holds_alternative<Button>(content().footer.pause);
@@ -99,8 +101,8 @@ TEST_F(PanelContentTest, WithoutKeysTheInstructionStandsInTheirPlace) {
     world.run();
     EXPECT_EQ(content().keys,
               (KeysSection{"Jouw sleutels",
-                           "Leg je iPhone of Apple Watch naast je Mac en kies hem hieronder.",
                            {},
+                           "Leg je iPhone of Apple Watch naast je Mac en kies hem hieronder.",
                            std::nullopt}));
 }
 

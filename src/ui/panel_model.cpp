@@ -60,6 +60,8 @@ void PanelModel::disappear() {
     // A panel that goes takes pointer and finger along without a word.
     flags_.heldPlaces.reset();
     flags_.heldThreshold.reset();
+    flags_.removed.clear();
+    forgetting_.clear();
 }
 
 void PanelModel::openNearby(bool open) {
@@ -117,7 +119,36 @@ void PanelModel::choose(const Uuid& id) {
     objects_.settings.addKey(*device);
 }
 
-void PanelModel::removeKey(const Uuid& id) { objects_.settings.removeKey(id); }
+void PanelModel::removeKey(const Uuid& id) {
+    const auto& keys = objects_.settings.keys.get();
+    const auto key = std::ranges::find(keys, id, &KeyDevice::id);
+    if (key != keys.end()) {
+        auto removed = removedFrom(panel::listedKeys(keys, flags_.removed), *key);
+        forgetRemoved(id);
+        flags_.removed.push_back(std::move(removed));
+        forgetting_[id] = objects_.scheduler.after(panel::putBackTime, [this, id] {
+            forgetRemoved(id);
+            changed_();
+        });
+    }
+    objects_.settings.removeKey(id);
+}
+
+void PanelModel::putBack(const Uuid& id) {
+    const auto found = std::ranges::find(flags_.removed, id,
+                                         [](const panel::RemovedKey& gone) { return gone.key.id; });
+    if (found == flags_.removed.end()) return;
+    const panel::RemovedKey removed = *found;
+    forgetRemoved(id);
+    Settings& settings = objects_.settings;
+    settings.insertKey(removed.key, placeAmong(settings.keys.get(), removed));
+}
+
+void PanelModel::forgetRemoved(const Uuid& id) {
+    std::erase_if(flags_.removed,
+                  [&id](const panel::RemovedKey& gone) { return gone.key.id == id; });
+    forgetting_.erase(id);
+}
 
 void PanelModel::moveThreshold(const Uuid& id, Dbm value) {
     flags_.heldThreshold = {.id = id, .value = value};

@@ -4,10 +4,12 @@
 #pragma once
 
 #include "base/clock.h"
+#include "base/scheduler.h"
 #include "ui/login_item.h"
 #include "ui/panel_content.h"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -39,6 +41,7 @@ public:
         LoginItem& loginItem;
         Requests requests;
         const Clock& clock;
+        Scheduler& scheduler;
         ClockTime clockTime;
         const Observable<Scheme>& scheme;
     };
@@ -69,7 +72,11 @@ public:
 
     /// Makes a listed device a key; nothing when it has gone or will have another address.
     void choose(const Uuid& id);
+    /// It is no key from here on. For a moment, unless the panel goes, it can be taken back.
     void removeKey(const Uuid& id);
+
+    /// Makes a key that was just removed one again, as it was and where it stood.
+    void putBack(const Uuid& id);
 
     /// The slider moved. It stays where it is until it is let go, though what is stored is whole.
     void moveThreshold(const Uuid& id, Dbm value);
@@ -100,13 +107,15 @@ private:
     template <typename Source>
     void redrawOn(const Source& source);
     void setLaunchAtLogin(bool on);
+    void forgetRemoved(const Uuid& id);
     [[nodiscard]] const SeenDevice* find(const Uuid& id) const;
 
     Objects objects_;
     Expand expand_;
     std::function<void()> changed_;
     panel::Flags flags_;
-    panel::NearbyPlaces shown_; ///< who was listed last, and where
+    panel::NearbyPlaces shown_;        ///< who was listed last, and where
+    std::map<Uuid, Timer> forgetting_; ///< of the removed keys
     std::vector<Subscription> subscriptions_;
 };
 

@@ -29,6 +29,21 @@ struct PanelModelTest : testing::Test, PanelWorld {
 
     [[nodiscard]] Dbm threshold() { return world.settings().keys.get().at(0).threshold; }
 
+    [[nodiscard]] KeyRow row(std::size_t index = 0) {
+        return std::get<KeyRow>(panel->content().keys.rows.at(index));
+    }
+
+    /// The names of the keys, those that can be taken back in brackets.
+    [[nodiscard]] Texts keyNames() {
+        Texts names;
+        for (const KeyPlace& place : panel->content().keys.rows) {
+            const auto* const removed = std::get_if<RemovedRow>(&place);
+            names.push_back(removed == nullptr ? std::get<KeyRow>(place).name
+                                               : "(" + removed->name + ")");
+        }
+        return names;
+    }
+
     [[nodiscard]] Texts listed() {
         Texts names;
         for (const NearbyPlace& place : panel->content().nearby.named.places)
@@ -235,17 +250,109 @@ TEST_F(PanelModelTest, AKeyIsRemoved) {
     EXPECT_EQ(world.settings().keys.get(), (std::vector{keyNamed("B", 2)}));
 }
 
+TEST_F(PanelModelTest, ARemovedKeyIsNoKeyAtOnceAndCanBeTakenBackInItsPlaceForEightSeconds) {
+    open({keyNamed("A", 1), keyNamed("B", 2), keyNamed("C", 3)});
+    panel->removeKey(numbered(2));
+    EXPECT_EQ(world.settings().keys.get(), (std::vector{keyNamed("A", 1), keyNamed("C", 3)}));
+    EXPECT_EQ(keyNames(), (Texts{"A", "(B)", "C"}));
+    EXPECT_EQ(std::get<RemovedRow>(panel->content().keys.rows.at(1)),
+              (RemovedRow{numbered(2), "B", "Verwijderd", Button{"", "Zet terug"}}));
+    world.pass(8s - 1ns);
+    EXPECT_EQ(keyNames(), (Texts{"A", "(B)", "C"}));
+    static_cast<void>(changed());
+    world.pass(1ns);
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(keyNames(), (Texts{"A", "C"}));
+    panel->putBack(numbered(2));
+    EXPECT_EQ(world.settings().keys.get().size(), 2U);
+}
+
+TEST_F(PanelModelTest, AKeyThatIsTakenBackIsAsItWasAndWhereItWas) {
+    KeyDevice band{.id = numbered(1),
+                   .name = "Bandje",
+                   .model = "B2",
+                   .isApple = false,
+                   .threshold = Dbm{-61}};
+    open({keyNamed("A", 2), band, keyNamed("C", 3)});
+    world.keepHearing(1, -50, 3);
+    const auto before = world.settings().keys.get();
+    panel->removeKey(numbered(1));
+    world.pass(7s);
+    panel->putBack(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), before);
+    EXPECT_EQ(keyNames(), (Texts{"A", "Bandje", "C"}));
+    world.keepHearing(1, -50, 1);
+    EXPECT_EQ(row(1).badge.text, "Dichtbij");
+    world.pass(60s); // what would have forgotten it has ended
+    EXPECT_EQ(world.settings().keys.get(), before);
+}
+
+TEST_F(PanelModelTest, TheLastKeyIsTakenBackToo) {
+    open({keyNamed("A", 1)});
+    panel->removeKey(numbered(1));
+    EXPECT_EQ(keyNames(), Texts{"(A)"});
+    EXPECT_NE(panel->content().keys.instruction, "");
+    panel->putBack(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), std::vector{keyNamed("A", 1)});
+}
+
+TEST_F(PanelModelTest, EachRemovalHasItsOwnEightSeconds) {
+    open({keyNamed("A", 1), keyNamed("B", 2), keyNamed("C", 3)});
+    panel->removeKey(numbered(1));
+    world.pass(5s);
+    panel->removeKey(numbered(2));
+    world.pass(3s);
+    EXPECT_EQ(keyNames(), (Texts{"(B)", "C"}));
+    world.pass(5s);
+    EXPECT_EQ(keyNames(), Texts{"C"});
+    panel->removeKey(numbered(9)); // no key
+    EXPECT_EQ(keyNames(), Texts{"C"});
+}
+
+TEST_F(PanelModelTest, WhoRemovesTheSameKeyAgainHasEightSecondsAgain) {
+    open({keyNamed("A", 1)});
+    panel->removeKey(numbered(1));
+    world.pass(7s);
+    panel->putBack(numbered(1));
+    panel->removeKey(numbered(1));
+    world.pass(7s);
+    EXPECT_EQ(keyNames(), Texts{"(A)"});
+    // Chosen once more from the list, it is a key and nothing is left to take back.
+    world.hearApple(1, -50, 0x10, "A");
+    world.pass(500ms);
+    world.scanner().refreshSnapshot();
+    panel->choose(numbered(1));
+    EXPECT_EQ(keyNames(), Texts{"A"});
+    const auto keys = world.settings().keys.get();
+    panel->putBack(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), keys);
+}
+
+TEST_F(PanelModelTest, ThePanelThatClosesTakesTheOfferAlong) {
+    open({keyNamed("A", 1), keyNamed("B", 2)});
+    panel->removeKey(numbered(1));
+    panel->disappear();
+    panel->appear();
+    EXPECT_EQ(keyNames(), Texts{"B"});
+    panel->putBack(numbered(1));
+    EXPECT_EQ(world.settings().keys.get(), std::vector{keyNamed("B", 2)});
+    static_cast<void>(changed());
+    panel->removeKey(numbered(2));
+    panel.reset();
+    world.pass(9s); // nobody is left to be told
+}
+
 TEST_F(PanelModelTest, AMovedThresholdIsStoredWholeAndTheSliderRestsThereWhenLetGo) {
     open({keyNamed("A", 1)});
     panel->moveThreshold(numbered(1), Dbm{-71.5});
     EXPECT_EQ(threshold(), Dbm{-72});
-    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71.5});
+    EXPECT_EQ(row().threshold.value, Dbm{-71.5});
     world.pass(3s);
-    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71.5});
+    EXPECT_EQ(row().threshold.value, Dbm{-71.5});
     static_cast<void>(changed());
     panel->releaseThreshold();
     EXPECT_TRUE(changed());
-    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-72});
+    EXPECT_EQ(row().threshold.value, Dbm{-72});
 }
 
 TEST_F(PanelModelTest, FromHereTheThresholdIs15BelowThePresentSignal) {
@@ -296,7 +403,7 @@ TEST_F(PanelModelTest, NothingIsHeldAfterItDisappeared) {
     world.hearApple(3, -60, 0x10, "A");
     world.pass(1s);
     EXPECT_EQ(listed(), (Texts{"A", "Z"}));
-    EXPECT_EQ(panel->content().keys.rows.at(0).threshold.value, Dbm{-71});
+    EXPECT_EQ(row().threshold.value, Dbm{-71});
 }
 
 TEST_F(PanelModelTest, LocksPausesAndResumes) {

@@ -136,6 +136,43 @@ TEST_F(PanelTouchTest, ADeviceIsChosenAndRemovedAgain) {
     EXPECT_TRUE(world.settings().keys.get().empty());
 }
 
+TEST_F(PanelTouchTest, ARemovedKeyIsTakenBackByItsRow) {
+    open({keyNamed("A", 1), keyNamed("B", 2)});
+    const auto keys = world.settings().keys.get();
+    auto* const remove = find<QAbstractButton>("Verwijder deze sleutel: A");
+    ASSERT_NE(remove, nullptr);
+    remove->setFocus();
+    type(*remove, Qt::Key_Space);
+    EXPECT_EQ(world.settings().keys.get().size(), 1U);
+    EXPECT_TRUE(shows("Verwijderd"));
+    EXPECT_EQ(find<QSlider>("A: Lockt onder -75 dBm"), nullptr);
+    // The keyboard is on what takes it back, and above the key that stayed.
+    auto* const back = find<QAbstractButton>("Zet terug: A");
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(window->focusWidget(), back);
+    const auto top = [this](QWidget& part) { return part.mapTo(&*window, QPoint()).y(); };
+    EXPECT_LT(top(*back), top(*find<QAbstractButton>("Verwijder deze sleutel: B")));
+    type(*back, Qt::Key_Space);
+    EXPECT_EQ(world.settings().keys.get(), keys);
+    EXPECT_EQ(window->focusWidget(), find<QAbstractButton>("Verwijder deze sleutel: A"));
+    EXPECT_FALSE(shows("Verwijderd"));
+}
+
+TEST_F(PanelTouchTest, ASliderThatIsHeldStaysItsKeysWhenAnotherGoes) {
+    open({keyNamed("A", 1), keyNamed("B", 2)});
+    press("Verwijder deze sleutel: A");
+    auto* const slider = find<QSlider>("B: Lockt onder -75 dBm");
+    ASSERT_NE(slider, nullptr);
+    mouse(*slider, QEvent::MouseButtonPress, knobAt(*slider, -60));
+    world.pass(8s);
+    turn();
+    EXPECT_EQ(find<QAbstractButton>("Zet terug: A"), nullptr);
+    ASSERT_EQ(find<QSlider>("B: Lockt onder -60 dBm"), slider);
+    mouse(*slider, QEvent::MouseMove, knobAt(*slider, -70));
+    EXPECT_EQ(threshold(), -70);
+    mouse(*slider, QEvent::MouseButtonRelease, knobAt(*slider, -70));
+}
+
 TEST_F(PanelTouchTest, TheSliderGoesWhereItIsPressedAndStaysUnderTheFinger) {
     open({keyNamed("iPhone", 1)});
     auto* const slider = find<QSlider>("iPhone: Lockt onder -75 dBm");

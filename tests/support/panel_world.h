@@ -43,6 +43,7 @@ struct PanelWorld {
                 .loginItem = loginItem,
                 .requests = {ask("log"), ask("quit")},
                 .clock = world.time,
+                .scheduler = world.time,
                 .clockTime = [](TimePoint) { return "14:30"; },
                 .scheme = scheme};
     }

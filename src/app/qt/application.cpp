@@ -165,7 +165,7 @@ struct Execute {
         const Appearance appearance(world.sessionBus);
         AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
                                 world.processes);
-        const Snapshot snapshot({model, appearance, clock, loginItem, [] {}, [] {}}, scheduler,
+        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, [] {}, [] {}},
                                 picture.path, picture.tall, [] { QCoreApplication::quit(); });
         return QCoreApplication::exec();
     }

@@ -23,6 +23,7 @@ public:
           panel_({.model = model,
                   .appearance = appearance_,
                   .clock = clock,
+                  .scheduler = scheduler,
                   .loginItem = loginItem_,
                   .openLog = [] {},
                   .quit = [] { QCoreApplication::quit(); },

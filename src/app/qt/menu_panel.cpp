@@ -47,6 +47,7 @@ PanelModel::Objects panelObjects(const MenuPanel::Parts& parts) {
             .loginItem = parts.loginItem,
             .requests = {.openLog = parts.openLog, .quit = parts.quit},
             .clock = parts.clock,
+            .scheduler = parts.scheduler,
             .clockTime = localClockTime(parts.clock),
             .scheme = parts.appearance.colors.scheme()};
 }

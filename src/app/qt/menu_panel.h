@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/qt/appearance.h"
+#include "base/scheduler.h"
 #include "core/app_model.h"
 #include "ui/login_item.h"
 #include "ui/panel_model.h"
@@ -21,6 +22,7 @@ public:
         AppModel& model;
         const Appearance& appearance;
         const Clock& clock;
+        Scheduler& scheduler;
         LoginItem& loginItem;
         std::function<void()> openLog;
         std::function<void()> quit;

@@ -14,7 +14,7 @@
 
 namespace wegslot {
 
-Snapshot::Snapshot(MenuPanel::Parts parts, Scheduler& scheduler, std::string path, bool isTall,
+Snapshot::Snapshot(MenuPanel::Parts parts, std::string path, bool isTall,
                    std::function<void()> done)
     : parts_(std::move(parts)),
       path_(std::move(path)),
@@ -22,7 +22,7 @@ Snapshot::Snapshot(MenuPanel::Parts parts, Scheduler& scheduler, std::string pat
       done_(std::move(done)),
       model_(panelObjects(parts_), PanelModel::Expand::all, [] {}) {
     model_.appear();
-    timer_ = scheduler.after(delay, [this] {
+    timer_ = parts_.scheduler.after(delay, [this] {
         take();
         done_();
     });

@@ -18,8 +18,7 @@ public:
     static constexpr int tallHeight = 1600;
 
     /// Writes the panel to `path` once, after `delay`, and then calls `done`.
-    Snapshot(MenuPanel::Parts parts, Scheduler& scheduler, std::string path, bool isTall,
-             std::function<void()> done);
+    Snapshot(MenuPanel::Parts parts, std::string path, bool isTall, std::function<void()> done);
 
     /// Writes what `view` looks like as a PNG over what is there, for its owner's eyes only. A
     /// failure writes nothing and is not told.

@@ -37,6 +37,9 @@ public:
     void show(const panel::KeyRow& row);
     using QWidget::show;
 
+    /// What removes the key.
+    [[nodiscard]] QWidget& remove() { return remove_; }
+
 private:
     void connectControls();
 

@@ -1,8 +1,16 @@
 #include "ui/qt/panel/keys_view.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace wegslot {
+namespace {
+
+const Uuid& idOf(const panel::KeyPlace& place) {
+    return std::visit([](const auto& row) -> const Uuid& { return row.id; }, place);
+}
+
+} // namespace
 
 KeysView::KeysView(const PanelContext& context)
     : KeysView(context, std::make_unique<Text>(brand::body(13), Text::Fit::wrapped)) {}
@@ -25,8 +33,8 @@ KeysView::KeysView(const PanelContext& context, std::unique_ptr<Text> instructio
     ruleLayout_.addStretch(1);
     rule_.setLayout(&ruleLayout_);
     layout_.addWidget(&title_);
-    layout_.addWidget(&instructionCard_);
     layout_.addLayout(&rowLayout_);
+    layout_.addWidget(&instructionCard_);
     layout_.addWidget(&rule_);
 }
 
@@ -34,21 +42,39 @@ void KeysView::show(const panel::KeysSection& section) {
     title_.setTitle(section.title);
     instruction_->show(section.instruction, context_.colors().text);
     instructionCard_.setVisible(!section.instruction.empty());
-    fitRows(section.rows.size());
+    std::vector<Uuid> ids;
+    for (const panel::KeyPlace& place : section.rows)
+        ids.push_back(idOf(place));
+    fitRows(ids);
     for (std::size_t i = 0; i < rows_.size(); ++i)
         rows_[i].view->show(section.rows[i]);
     showRule(section.rule);
 }
 
-void KeysView::fitRows(std::size_t count) {
-    while (rows_.size() > count)
-        rows_.pop_back();
-    while (rows_.size() < count) {
-        auto view = std::make_unique<KeyRowView>(context_);
-        KeyRowView* const shown = view.get();
-        rows_.push_back({shown, std::make_unique<Card>(std::move(view), context_.scheme)});
-        rowLayout_.addWidget(rows_.back().card.get());
+/// A card stays its key's: a slider that is dragged does not become another's when a key above it
+/// comes or goes.
+void KeysView::fitRows(const std::vector<Uuid>& ids) {
+    if (std::ranges::equal(rows_, ids, {}, &Row::id)) return;
+    std::vector<Row> rows;
+    for (const Uuid& id : ids)
+        rows.push_back(rowOf(id));
+    for (const Row& row : rows)
+        rowLayout_.removeWidget(row.card.get());
+    for (const Row& row : rows)
+        rowLayout_.addWidget(row.card.get());
+    rows_ = std::move(rows);
+}
+
+KeysView::Row KeysView::rowOf(const Uuid& id) {
+    const auto found = std::ranges::find(rows_, id, &Row::id);
+    if (found != rows_.end()) {
+        Row row = std::move(*found);
+        rows_.erase(found);
+        return row;
     }
+    auto view = std::make_unique<KeyPlaceView>(context_);
+    KeyPlaceView* const shown = view.get();
+    return {id, shown, std::make_unique<Card>(std::move(view), context_.scheme)};
 }
 
 void KeysView::showRule(const std::optional<panel::RulePicker>& rule) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "ui/qt/card.h"
-#include "ui/qt/panel/key_row_view.h"
+#include "ui/qt/panel/key_place_view.h"
 #include "ui/qt/panel/menu_button.h"
 #include "ui/qt/section_title.h"
 
@@ -20,12 +20,14 @@ public:
 
 private:
     struct Row {
-        KeyRowView* view; ///< the card's
+        Uuid id;
+        KeyPlaceView* view; ///< the card's
         std::unique_ptr<Card> card;
     };
 
     KeysView(const PanelContext& context, std::unique_ptr<Text> instruction);
-    void fitRows(std::size_t count);
+    void fitRows(const std::vector<Uuid>& ids);
+    [[nodiscard]] Row rowOf(const Uuid& id);
     void showRule(const std::optional<panel::RulePicker>& rule);
 
     PanelContext context_;
