@@ -6,6 +6,7 @@
 #include "ui/whole_number.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace wegslot::panel {
 namespace {
@@ -32,6 +33,15 @@ std::string signalOf(const std::optional<Dbm>& rssi) {
     return rssi ? "Nu " + wholeNumber(rssi->value) + " dBm" : "Geen signaal";
 }
 
+// The difference of the numbers that the row shows, or they would not add up.
+std::string justSetOf(const KeyFacts& facts) {
+    if (!facts.justSetBy) return {};
+    const double threshold = std::trunc(facts.key.threshold.value);
+    const double below = std::trunc(facts.justSetBy->value) - threshold;
+    return "Drempel " + wholeNumber(threshold) + " dBm, " + wholeNumber(std::abs(below)) + " dB " +
+           (below < 0 ? "boven nu" : "onder nu");
+}
+
 // What is stored is whole, and would pull the slider from under the finger that moves it.
 ThresholdSlider sliderOf(const KeyFacts& facts) {
     return {std::clamp(facts.held.value_or(facts.key.threshold), ThresholdSlider::lowest,
@@ -56,7 +66,9 @@ KeyRow keyRow(const KeyFacts& facts) {
                .bar = signalBar(facts.rssi, key.threshold),
                .farEnd = "Ver",
                .threshold = sliderOf(facts),
-               .nearEnd = "Dichtbij"};
+               .nearEnd = "Dichtbij",
+               .setFromHere = std::nullopt,
+               .justSet = justSetOf(facts)};
     if (facts.rssi)
         row.setFromHere = {.symbol = {},
                            .text = "Stel in vanaf hier",

@@ -13,6 +13,9 @@
 
 namespace wegslot::panel {
 
+/// For how long a row says what the threshold was set to.
+inline constexpr Nanoseconds justSetTime = std::chrono::seconds{6};
+
 /// What is known of a key.
 struct KeyFacts {
     KeyDevice key;
@@ -21,6 +24,8 @@ struct KeyFacts {
     bool isHeardOverConnection = false;
     bool changesAddress = false;  ///< it was a key before it lost its bond
     std::optional<Dbm> held = {}; ///< where a finger holds the slider
+    /// The signal that the threshold was just set by; nothing when that is a while ago.
+    std::optional<Dbm> justSetBy = {};
 };
 
 struct KeyRow {
@@ -40,6 +45,7 @@ struct KeyRow {
     ThresholdSlider threshold;
     std::string nearEnd; ///< behind it
     std::optional<Button> setFromHere;
+    std::string justSet; ///< what became of that, behind the button; quiet, empty most of the time
 
     friend bool operator==(const KeyRow&, const KeyRow&) = default;
 };

@@ -45,6 +45,19 @@ TEST(KeyRow, AKeyThatIsHeardShowsAllOfIt) {
                                             "dit terwijl je achter je Mac zit."}}));
 }
 
+TEST(KeyRow, WhatTheThresholdWasSetToAddsUpWithTheNumbersOfTheRow) {
+    const auto said = [](double threshold, double signal) {
+        KeyFacts facts = withThreshold(threshold);
+        facts.justSetBy = Dbm{signal};
+        return keyRow(facts).justSet;
+    };
+    EXPECT_EQ(said(-65, -47), "Drempel -65 dBm, 18 dB onder nu");
+    EXPECT_EQ(said(-66, -50.5), "Drempel -66 dBm, 16 dB onder nu"); // it says: Nu -50 dBm
+    EXPECT_EQ(said(-90, -90), "Drempel -90 dBm, 0 dB onder nu");
+    EXPECT_EQ(said(-90, -93), "Drempel -90 dBm, 3 dB boven nu");
+    EXPECT_EQ(keyRow(phone()).justSet, "");
+}
+
 TEST(KeyRow, AKeyThatIsNotHeardKeepsItsBadgeAndHasNothingToSetFrom) {
     KeyFacts facts = phone();
     facts.rssi.reset();

@@ -39,6 +39,10 @@ KeyFacts factsOf(const KeyDevice& key, const PanelSources& sources, const Flags&
     if (const auto state = states.find(key.id); state != states.end()) facts.state = state->second;
     if (flags.heldThreshold && flags.heldThreshold->id == key.id)
         facts.held = flags.heldThreshold->value;
+    // Once it has moved on, what was said of it no longer holds.
+    if (const auto& set = flags.justSet;
+        set && set->id == key.id && set->threshold == key.threshold)
+        facts.justSetBy = set->signal;
     return facts;
 }
 

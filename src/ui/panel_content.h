@@ -89,6 +89,13 @@ struct HeldThreshold {
     Dbm value;
 };
 
+/// A threshold that was just set by the present signal.
+struct JustSet {
+    Uuid id;
+    Dbm signal;
+    Dbm threshold; ///< as it is stored
+};
+
 /// What only the panel knows.
 struct Flags {
     bool showNearby = false;
@@ -97,6 +104,7 @@ struct Flags {
     bool launchAtLogin = false;
     std::vector<RemovedKey> removed = {}; ///< keys that can be taken back, in the order of removal
     std::optional<HeldThreshold> heldThreshold = {};
+    std::optional<JustSet> justSet = {};
     std::optional<NearbyPlaces> heldPlaces = {};
 };
 

@@ -60,6 +60,8 @@ void PanelModel::disappear() {
     // A panel that goes takes pointer and finger along without a word.
     flags_.heldPlaces.reset();
     flags_.heldThreshold.reset();
+    flags_.justSet.reset();
+    justSetEnds_.reset();
     flags_.removed.clear();
     forgetting_.clear();
 }
@@ -163,7 +165,17 @@ void PanelModel::releaseThreshold() {
 void PanelModel::setFromHere(const Uuid& id) {
     const SeenDevice* const device = find(id);
     if (device == nullptr || !device->rssi) return;
-    objects_.settings.setThreshold(thresholdFromHere(*device->rssi), id);
+    const Dbm signal = *device->rssi;
+    Settings& settings = objects_.settings;
+    settings.setThreshold(thresholdFromHere(signal), id);
+    const auto key = std::ranges::find(settings.keys.get(), id, &KeyDevice::id);
+    if (key == settings.keys.get().end()) return;
+    flags_.justSet = {.id = id, .signal = signal, .threshold = key->threshold};
+    justSetEnds_ = objects_.scheduler.after(panel::justSetTime, [this] {
+        flags_.justSet.reset();
+        changed_();
+    });
+    changed_();
 }
 
 void PanelModel::holdLists() { flags_.heldPlaces = shown_; }

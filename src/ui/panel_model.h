@@ -82,7 +82,8 @@ public:
     void moveThreshold(const Uuid& id, Dbm value);
     void releaseThreshold();
 
-    /// Sets the threshold by the present signal; nothing without one.
+    /// Sets the threshold by the present signal, and says for a moment what it is then: it may be
+    /// what it was. Nothing without a signal.
     void setFromHere(const Uuid& id);
 
     /// Somebody points at the lists of devices: every row stays in its place.
@@ -116,6 +117,7 @@ private:
     panel::Flags flags_;
     panel::NearbyPlaces shown_;        ///< who was listed last, and where
     std::map<Uuid, Timer> forgetting_; ///< of the removed keys
+    Timer justSetEnds_;
     std::vector<Subscription> subscriptions_;
 };
 

@@ -368,6 +368,40 @@ TEST_F(PanelModelTest, FromHereTheThresholdIs15BelowThePresentSignal) {
     EXPECT_EQ(threshold(), Dbm{-50});
 }
 
+TEST_F(PanelModelTest, FromHereItSaysForAMomentWhatTheThresholdIsAlsoWhereItStoodThere) {
+    auto key = keyNamed("A", 1);
+    key.threshold = Dbm{-65};
+    open({key});
+    world.keepHearing(1, -47, 1);
+    EXPECT_EQ(row().justSet, "");
+    static_cast<void>(changed());
+    panel->setFromHere(numbered(1));
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(row().justSet, "Drempel -65 dBm, 18 dB onder nu");
+    world.pass(6s - 1ns);
+    EXPECT_EQ(row().justSet, "Drempel -65 dBm, 18 dB onder nu");
+    static_cast<void>(changed());
+    world.pass(1ns);
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(row().justSet, "");
+}
+
+TEST_F(PanelModelTest, WhatWasSaidOfAThresholdEndsWithIt) {
+    open({keyNamed("A", 1), keyNamed("B", 2)});
+    world.keepHearing(1, -60, 1);
+    panel->setFromHere(numbered(1));
+    EXPECT_EQ(row(0).justSet, "Drempel -75 dBm, 15 dB onder nu");
+    EXPECT_EQ(row(1).justSet, "");
+    panel->moveThreshold(numbered(1), Dbm{-80});
+    EXPECT_EQ(row(0).justSet, "");
+    panel->setFromHere(numbered(1));
+    panel->disappear();
+    panel->appear();
+    EXPECT_EQ(row(0).justSet, "");
+    panel->setFromHere(numbered(2)); // not heard
+    EXPECT_EQ(row(1).justSet, "");
+}
+
 TEST_F(PanelModelTest, UnderAPointerTheListStandsStillUntilItIsLeft) {
     open();
     world.hearApple(2, -60, 0x10, "M");

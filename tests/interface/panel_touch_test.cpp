@@ -218,6 +218,7 @@ TEST_F(PanelTouchTest, TheThresholdIsSetFromWhereOneSits) {
     hear(1, -60, "iPhone");
     press("Stel in vanaf hier");
     EXPECT_EQ(threshold(), -75);
+    EXPECT_TRUE(shows("Drempel -75 dBm, 15 dB onder nu")); // though it stood there
     hear(1, -60, "iPhone");
     for (int i = 0; i < 6; ++i)
         hear(1, -55, "iPhone");

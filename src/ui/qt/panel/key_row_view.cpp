@@ -40,7 +40,8 @@ KeyRowView::KeyRowView(const PanelContext& context)
       bar_(context.clock),
       far_(brand::body(10.5)),
       near_(brand::body(10.5)),
-      fromHere_(context.images, {.shape = ButtonLook::Shape::link, .font = brand::body(11)}) {
+      fromHere_(context.images, {.shape = ButtonLook::Shape::link, .font = brand::body(11)}),
+      justSet_(brand::body(11), Text::Fit::wrapped) {
     layout_.setContentsMargins(0, 0, 0, 0);
     layout_.setSpacing(8);
     titleLine_.setSpacing(6);
@@ -65,7 +66,10 @@ KeyRowView::KeyRowView(const PanelContext& context)
     layout_.addLayout(&signalLine_);
     layout_.addWidget(&bar_);
     layout_.addLayout(&thresholdLine_);
-    layout_.addWidget(&fromHere_, 0, Qt::AlignLeft);
+    fromHereLine_.setSpacing(8);
+    fromHereLine_.addWidget(&fromHere_, 0, Qt::AlignLeft | Qt::AlignTop);
+    fromHereLine_.addWidget(&justSet_, 1);
+    layout_.addLayout(&fromHereLine_);
     connectControls();
 }
 
@@ -101,6 +105,8 @@ void KeyRowView::show(const panel::KeyRow& row) {
     if (row.setFromHere)
         fromHere_.show(*row.setFromHere, {.ink = colors.link, .focus = colors.focus});
     fromHere_.setVisible(row.setFromHere.has_value());
+    justSet_.show(row.justSet, colors.quiet);
+    justSet_.setVisible(!row.justSet.empty());
 }
 
 } // namespace wegslot

@@ -58,10 +58,12 @@ private:
     ThresholdSlider threshold_;
     Text near_;
     PanelButton fromHere_;
+    Text justSet_;
     QVBoxLayout layout_{this};
     QHBoxLayout titleLine_;
     QHBoxLayout signalLine_;
     QHBoxLayout thresholdLine_;
+    QHBoxLayout fromHereLine_;
 };
 
 } // namespace wegslot
