@@ -151,7 +151,8 @@ wegslot_module(hud_qt
 
 wegslot_module(ui_linux
   FILES
-    ui/linux/autostart_item.cpp ui/linux/autostart_item.h ui/linux/color_scheme.cpp
+    ui/linux/autostart_item.cpp ui/linux/autostart_item.h
+    ui/linux/bluetooth_settings.cpp ui/linux/bluetooth_settings.h ui/linux/color_scheme.cpp
     ui/linux/color_scheme.h ui/linux/desktop_opener.cpp ui/linux/desktop_opener.h
     ui/linux/tray_item.cpp ui/linux/tray_item.h ui/linux/tray_menu.cpp ui/linux/tray_menu.h
     ui/linux/tray_registration.cpp ui/linux/tray_registration.h

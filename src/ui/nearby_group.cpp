@@ -61,20 +61,27 @@ std::string detailOf(const SeenDevice& device) {
     return device.isApple() ? "Model onbekend" : "Ander merk";
 }
 
-Button chooseButton(bool changesAddress) {
-    Button button{.symbol = {}, .text = "Kies"};
-    if (!changesAddress) return button;
-    button.isEnabled = false;
-    button.tooltip = "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.";
-    return button;
+std::string obstacleOf(const SeenDevice& device, const NearbyFacts& facts) {
+    if (!facts.changesAddress(device.id)) return {};
+    if (facts.notOpened == device.id)
+        return "Dit apparaat wisselt van adres. Hier is geen venster om het te koppelen; dat kan "
+               "met bluetoothctl in een terminal.";
+    return "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.";
 }
 
-NearbyRow rowOf(const SeenDevice& device, bool changesAddress) {
+Button chooseButton(bool hasObstacle) {
+    if (!hasObstacle) return {.symbol = {}, .text = "Kies"};
+    return {.symbol = {}, .text = "Koppel…", .tooltip = "Open de Bluetooth-instellingen"};
+}
+
+NearbyRow rowOf(const SeenDevice& device, const NearbyFacts& facts) {
+    const std::string obstacle = obstacleOf(device, facts);
     return {.symbol = DeviceNames::symbol(device.name, device.model),
             .name = printable(device.displayName()),
             .detail = detailOf(device),
             .signal = device.rssi ? wholeNumber(device.rssi->value) + " dBm" : "",
-            .choose = chooseButton(changesAddress)};
+            .obstacle = obstacle,
+            .choose = chooseButton(!obstacle.empty())};
 }
 
 NearbyList listOf(const Devices& devices, const NearbyFacts& facts,
@@ -98,7 +105,7 @@ NearbyList listOf(const Devices& devices, const NearbyFacts& facts,
             continue;
         }
         if (++rows > limit) break;
-        list.places.push_back({.id = id, .row = rowOf(*found->second, facts.changesAddress(id))});
+        list.places.push_back({.id = id, .row = rowOf(*found->second, facts)});
     }
     return list;
 }

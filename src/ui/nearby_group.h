@@ -27,7 +27,9 @@ struct NearbyRow {
     std::string name;   ///< one line
     std::string detail; ///< one line, quiet
     std::string signal; ///< in a frame of 56 pixels; empty without a signal
-    Button choose;
+    /// Why it cannot be chosen, on a line of its own below; empty when it can.
+    std::string obstacle;
+    Button choose; ///< where there is an obstacle, what takes it away
 
     friend bool operator==(const NearbyRow&, const NearbyRow&) = default;
 };
@@ -87,7 +89,8 @@ struct NearbyFacts {
     std::set<Uuid> keys;
     TimePoint now; ///< on the clock of `lastSeen`
     std::function<bool(const Uuid&)> changesAddress;
-    bool showOthers = false; ///< the setting
+    std::optional<Uuid> notOpened = {}; ///< the one for which no window to couple it was found
+    bool showOthers = false;            ///< the setting
     bool isOpen = false;
     bool isNamelessOpen = false;
     /// As they were shown last; nothing while nobody points at the lists.

@@ -126,10 +126,21 @@ TEST_F(NearbyGroupTest, AnAddressThatChangesIsNoKey) {
     add(2, "B");
     changing = {numbered(2)};
     EXPECT_EQ(firstNamed().choose, (Button{"", "Kies", "", true}));
-    EXPECT_EQ(
-        group().named.places.at(1).row->choose,
-        (Button{"", "Kies", "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.",
-                false}));
+    EXPECT_EQ(firstNamed().obstacle, "");
+    const auto second = [this] { return *group().named.places.at(1).row; };
+    EXPECT_EQ(second().choose, (Button{"", "Koppel…", "Open de Bluetooth-instellingen", true}));
+    EXPECT_EQ(second().obstacle,
+              "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
+    // The row that was pressed says that there is nothing to open, whatever it is called by then.
+    facts.notOpened = numbered(2);
+    EXPECT_EQ(second().obstacle, "Dit apparaat wisselt van adres. Hier is geen venster om het te "
+                                 "koppelen; dat kan met bluetoothctl in een terminal.");
+    facts.notOpened = numbered(1);
+    EXPECT_EQ(firstNamed().obstacle, "");
+    EXPECT_EQ(second().obstacle,
+              "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
+    changing.clear();
+    EXPECT_EQ(second().choose, (Button{"", "Kies", "", true}));
 }
 
 TEST_F(NearbyGroupTest, ADeviceSilentFor30SecondsIsNotListed) {

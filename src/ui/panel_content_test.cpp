@@ -193,7 +193,7 @@ TEST_F(PanelContentTest, TheListFollowsRadioKeysClockAndSwitches) {
     NearbyGroup nearby = content().nearby;
     ASSERT_EQ(nearby.named.places.size(), 1U);
     EXPECT_EQ(nearby.named.places[0].id, numbered(2));
-    EXPECT_FALSE(nearby.named.places[0].row->choose.isEnabled);
+    EXPECT_EQ(nearby.named.places[0].row->choose.text, "Koppel…");
     EXPECT_EQ(nearby.nameless->label, "1 andere apparaten zonder naam");
     EXPECT_FALSE(nearby.nameless->isOpen);
     EXPECT_FALSE(nearby.others);

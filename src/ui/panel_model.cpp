@@ -60,6 +60,7 @@ void PanelModel::disappear() {
     // A panel that goes takes pointer and finger along without a word.
     flags_.heldPlaces.reset();
     flags_.heldThreshold.reset();
+    flags_.notOpened.reset();
     flags_.justSet.reset();
     justSetEnds_.reset();
     flags_.removed.clear();
@@ -119,6 +120,13 @@ void PanelModel::choose(const Uuid& id) {
     const SeenDevice* const device = find(id);
     if (device == nullptr || objects_.scanner.changesAddress(id)) return;
     objects_.settings.addKey(*device);
+}
+
+void PanelModel::couple(const Uuid& id) {
+    const auto failure = objects_.requests.openBluetooth();
+    if (failure) Log::write("Koppelen mislukt: " + printable(failure->message));
+    flags_.notOpened = failure ? std::optional(id) : std::nullopt;
+    changed_();
 }
 
 void PanelModel::removeKey(const Uuid& id) {

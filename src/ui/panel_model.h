@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ public:
     struct Requests {
         std::function<void()> openLog;
         std::function<void()> quit;
+        /// Opens what couples devices with this computer.
+        std::function<std::optional<Failure>()> openBluetooth;
     };
 
     /// What the panel is about; everything must outlive it.
@@ -72,6 +75,9 @@ public:
 
     /// Makes a listed device a key; nothing when it has gone or will have another address.
     void choose(const Uuid& id);
+
+    /// Opens what couples a listed device, so that it can be chosen.
+    void couple(const Uuid& id);
     /// It is no key from here on. For a moment, unless the panel goes, it can be taken back.
     void removeKey(const Uuid& id);
 

@@ -244,6 +244,32 @@ TEST_F(PanelModelTest, ADeviceThatHasGoneOrWillBeAStrangerIsNoKey) {
     EXPECT_EQ(world.settings().keys.get().size(), 1U);
 }
 
+TEST_F(PanelModelTest, WhatCouplesAPhoneIsOpenedOrItsRowSaysThatNothingDoes) {
+    open();
+    world.hearApple(1, -60, 0x10, "Mijn iPhone");
+    world.central.setChanging(numbered(1), true);
+    world.pass(1s);
+    const auto first = [this] { return *panel->content().nearby.named.places.at(0).row; };
+    EXPECT_EQ(first().choose.text, "Koppel…");
+    const std::string before = first().obstacle;
+    panel->couple(numbered(1));
+    EXPECT_EQ(asked, Texts{"bluetooth"});
+    EXPECT_EQ(first().obstacle, before);
+
+    bluetoothFailure = Failure{"niets\ngevonden"};
+    static_cast<void>(changed());
+    panel->couple(numbered(1));
+    EXPECT_TRUE(changed());
+    EXPECT_NE(first().obstacle, before);
+    EXPECT_TRUE(world.logged("Koppelen mislukt: niets\uFFFDgevonden"));
+    panel->disappear(); // by the next time something may be installed
+    panel->appear();
+    EXPECT_EQ(first().obstacle, before);
+    world.central.setChanging(numbered(1), false);
+    EXPECT_EQ(first().choose.text, "Kies");
+    EXPECT_TRUE(world.settings().keys.get().empty());
+}
+
 TEST_F(PanelModelTest, AKeyIsRemoved) {
     open({keyNamed("A", 1), keyNamed("B", 2)});
     panel->removeKey(numbered(1));

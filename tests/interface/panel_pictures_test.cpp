@@ -107,6 +107,39 @@ TEST_P(PanelPicturesTest, DevicesNearby) {
     EXPECT_TRUE(shows("nearby-dark"));
 }
 
+TEST_P(PanelPicturesTest, APhoneToCouple) {
+    open();
+    hear(1, -44, "iPhone van Anna");
+    hear(2, -58, "Apple Watch van Anna");
+    world.central.setChanging(numbered(1), true);
+    world.pass(1s);
+    EXPECT_TRUE(shows("phone-to-couple"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("phone-to-couple-dark"));
+}
+
+TEST_P(PanelPicturesTest, AKeyThatLostItsBond) {
+    open({keyNamed("iPhone van Anna", 1)});
+    hear(1, -52, "iPhone van Anna");
+    world.central.setChanging(numbered(1), true);
+    world.pass(1s);
+    EXPECT_TRUE(shows("bond-lost"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("bond-lost-dark"));
+}
+
+TEST_P(PanelPicturesTest, RemovedAndJustSet) {
+    open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)});
+    hear(1, -52, "iPhone van Anna");
+    hear(2, -47, "Apple Watch");
+    world.pass(1s);
+    model->removeKey(numbered(1));
+    model->setFromHere(numbered(2));
+    EXPECT_TRUE(shows("removed-and-set"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("removed-and-set-dark"));
+}
+
 TEST_P(PanelPicturesTest, AllOpen) {
     open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)}, 1600,
          PanelModel::Expand::all);

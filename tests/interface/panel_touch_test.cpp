@@ -136,6 +136,29 @@ TEST_F(PanelTouchTest, ADeviceIsChosenAndRemovedAgain) {
     EXPECT_TRUE(world.settings().keys.get().empty());
 }
 
+TEST_F(PanelTouchTest, APhoneThatCannotBeChosenSaysWhyAndOpensWhatCouplesIt) {
+    open();
+    world.central.setChanging(numbered(2), true);
+    hear(2, -50, "iPhone van Anna");
+    EXPECT_TRUE(shows("Dit apparaat wisselt van adres. Koppel het eerst met deze computer."));
+    EXPECT_EQ(find<QAbstractButton>("Kies: iPhone van Anna"), nullptr);
+    press("Koppel…: iPhone van Anna");
+    EXPECT_EQ(asked, Texts{"bluetooth"});
+    EXPECT_TRUE(world.settings().keys.get().empty());
+    // What opens nothing says so, and stays where it is under the pointer.
+    bluetoothFailure = Failure{"niets gevonden"};
+    auto* const button = find<QAbstractButton>("Koppel…: iPhone van Anna");
+    const QPoint place = button->mapTo(&*window, QPoint());
+    press("Koppel…: iPhone van Anna");
+    EXPECT_TRUE(shows("Dit apparaat wisselt van adres. Hier is geen venster om het te koppelen; "
+                      "dat kan met bluetoothctl in een terminal."));
+    EXPECT_EQ(button->mapTo(&*window, QPoint()), place);
+    world.central.setChanging(numbered(2), false);
+    hear(2, -50, "iPhone van Anna");
+    press("Kies: iPhone van Anna");
+    EXPECT_EQ(world.settings().keys.get().size(), 1U);
+}
+
 TEST_F(PanelTouchTest, ARemovedKeyIsTakenBackByItsRow) {
     open({keyNamed("A", 1), keyNamed("B", 2)});
     const auto keys = world.settings().keys.get();

@@ -28,7 +28,8 @@ struct PanelWorld {
     Observable<Updater::State> update;
     Observable<Scheme> scheme{Scheme::light};
     FakeLoginItem loginItem;
-    std::vector<std::string> asked; ///< what the panel asked others to do
+    std::optional<Failure> bluetoothFailure; ///< why nothing opens that couples devices
+    std::vector<std::string> asked;          ///< what the panel asked others to do
 
     /// Runs the core with these keys.
     [[nodiscard]] PanelModel::Objects run(const std::vector<KeyDevice>& keys = {}) {
@@ -41,7 +42,11 @@ struct PanelWorld {
                 .monitor = model.monitor(),
                 .updates = {update, "1.3", true, ask("check"), ask("install")},
                 .loginItem = loginItem,
-                .requests = {ask("log"), ask("quit")},
+                .requests = {ask("log"), ask("quit"),
+                             [this] {
+                                 asked.emplace_back("bluetooth");
+                                 return bluetoothFailure;
+                             }},
                 .clock = world.time,
                 .scheduler = world.time,
                 .clockTime = [](TimePoint) { return "14:30"; },

@@ -165,7 +165,8 @@ struct Execute {
         const Appearance appearance(world.sessionBus);
         AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
                                 world.processes);
-        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, [] {}, [] {}},
+        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, [] {}, [] {},
+                                 []() -> std::optional<Failure> { return std::nullopt; }},
                                 picture.path, picture.tall, [] { QCoreApplication::quit(); });
         return QCoreApplication::exec();
     }

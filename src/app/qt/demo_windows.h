@@ -27,6 +27,9 @@ public:
                   .loginItem = loginItem_,
                   .openLog = [] {},
                   .quit = [] { QCoreApplication::quit(); },
+                  .openBluetooth = []() -> std::optional<Failure> {
+                      return Failure{message("dit is een demo")};
+                  },
                   .stays = true}),
           icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
                 {.open = [this](const TrayClick& click) { panel_.toggle(click); },

@@ -26,6 +26,7 @@ public:
         LoginItem& loginItem;
         std::function<void()> openLog;
         std::function<void()> quit;
+        std::function<std::optional<Failure>()> openBluetooth;
         bool stays = false; ///< whatever else is clicked
     };
 

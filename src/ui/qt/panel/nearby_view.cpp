@@ -6,30 +6,41 @@ namespace wegslot {
 namespace {
 
 constexpr int spacing = 6;
+constexpr int deviceSymbol = 20;
+constexpr int betweenParts = 8;
 
 } // namespace
 
 NearbyRowView::NearbyRowView(const PanelContext& context)
     : context_(context),
-      symbol_(context.images, QSize(20, 20), 17),
+      symbol_(context.images, QSize(deviceSymbol, deviceSymbol), 17),
       name_(brand::body(13), Text::Fit::elided),
       detail_(brand::body(10.5), Text::Fit::elided),
       signal_(brand::body(11)),
       choose_(context.images, {.shape = ButtonLook::Shape::rounded,
                                .font = brand::body(12),
                                .paddingAcross = 10,
-                               .paddingDown = 3}) {
+                               .paddingDown = 3}),
+      obstacle_(brand::body(11), Text::Fit::wrapped) {
     layout_.setContentsMargins(0, 0, 0, 0);
-    layout_.setSpacing(8);
+    layout_.setSpacing(2);
+    line_.setSpacing(betweenParts);
     texts_.setSpacing(0);
     texts_.addWidget(&name_);
     texts_.addWidget(&detail_);
     signal_.setMinimumWidth(static_cast<int>(56 * textScale()));
-    layout_.addWidget(&symbol_);
-    layout_.addLayout(&texts_, 1);
-    layout_.addWidget(&signal_);
-    layout_.addWidget(&choose_);
-    connect(&choose_, &QAbstractButton::clicked, this, [this] { context_.model.choose(id_); });
+    line_.addWidget(&symbol_);
+    line_.addLayout(&texts_, 1);
+    line_.addWidget(&signal_);
+    line_.addWidget(&choose_);
+    layout_.addLayout(&line_);
+    obstacleLine_.setContentsMargins(deviceSymbol + betweenParts, 0, 0, 0); // below the name
+    obstacleLine_.addWidget(&obstacle_);
+    layout_.addLayout(&obstacleLine_);
+    connect(&choose_, &QAbstractButton::clicked, this, [this] {
+        if (hasObstacle_) return context_.model.couple(id_);
+        context_.model.choose(id_);
+    });
 }
 
 void NearbyRowView::show(const panel::NearbyPlace& place) {
@@ -37,6 +48,8 @@ void NearbyRowView::show(const panel::NearbyPlace& place) {
     id_ = place.id;
     for (QWidget* const part : std::initializer_list<QWidget*>{&symbol_, &signal_, &choose_})
         part->setVisible(place.row.has_value());
+    hasObstacle_ = place.row && !place.row->obstacle.empty();
+    obstacle_.setVisible(hasObstacle_);
     if (!place.row) {
         name_.show(" ", colors.text);
         detail_.show(" ", colors.quiet);
@@ -49,6 +62,7 @@ void NearbyRowView::show(const panel::NearbyPlace& place) {
     name_.show(place.row->name, colors.text);
     detail_.show(place.row->detail, colors.quiet);
     signal_.show(place.row->signal, colors.quiet);
+    obstacle_.show(place.row->obstacle, colors.quiet);
     choose_.show(place.row->choose,
                  {.ink = colors.text, .ground = colors.control, .focus = colors.focus});
     choose_.setAccessibleName(

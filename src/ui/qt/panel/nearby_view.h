@@ -34,8 +34,12 @@ private:
     Text detail_;
     Text signal_;
     PanelButton choose_;
-    QHBoxLayout layout_{this};
+    Text obstacle_;
+    bool hasObstacle_ = false;
+    QVBoxLayout layout_{this};
+    QHBoxLayout line_;
     QVBoxLayout texts_;
+    QHBoxLayout obstacleLine_;
 };
 
 class NearbyListView final : public QWidget {
