@@ -1,6 +1,8 @@
 // What a person can do with the status icon, and who is told.
 #pragma once
 
+#include "base/time.h"
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -27,6 +29,9 @@ struct TrayClick {
 struct TrayActions {
     std::function<void(const TrayClick&)> open;
     std::function<void()> lock;
+    std::function<void(Seconds)> pause;
+    std::function<void()> pauseUntilMorning;
+    std::function<void()> resume;
     std::function<void()> quit;
 };
 

@@ -17,7 +17,8 @@ constexpr std::array<std::string_view, 6> darkBars{"GNOME",    "Unity", "sway",
 TrayContent trayContent(const Phase& phase, Scheme bar, const ClockTime& clockTime) {
     return {.symbol = std::string(symbol(phase)),
             .color = bar == Scheme::dark ? brand::white : brand::navy,
-            .text = text(phase, clockTime).translated()};
+            .text = text(phase, clockTime).translated(),
+            .isPaused = is<phase::Snoozed>(phase)};
 }
 
 Scheme barScheme(Scheme windows, std::string_view desktop) {

@@ -17,6 +17,7 @@ struct TrayContent {
     std::string symbol;
     Color color;
     std::string text;
+    bool isPaused = false; ///< by the user, who can end it
 
     friend bool operator==(const TrayContent&, const TrayContent&) = default;
 };

@@ -21,6 +21,13 @@ TEST(TrayContent, IsThePhasesSymbolAndTextInTheColorThatStandsOut) {
               (TrayContent{"exclamationmark.lock", brand::white, "uit"}));
 }
 
+TEST(TrayContent, AnyPauseOfTheUsersCanBeEndedWhoeverBeganIt) {
+    EXPECT_TRUE(trayContent(phase::Snoozed{}, Scheme::light, noTime).isPaused);
+    EXPECT_FALSE(
+        trayContent(phase::Paused{"Camera is in gebruik"}, Scheme::light, noTime).isPaused);
+    EXPECT_FALSE(trayContent(phase::Present{}, Scheme::light, noTime).isPaused);
+}
+
 TEST(BarScheme, FollowsTheWindowsWhereTheBarDoes) {
     for (const char* const desktop : {"", "KDE", "XFCE", "X-Cinnamon", "MATE", "GNOMEish", ":::"}) {
         EXPECT_EQ(barScheme(Scheme::light, desktop), Scheme::light) << desktop;

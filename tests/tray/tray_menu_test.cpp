@@ -50,7 +50,6 @@ struct TrayMenuTest : TrayStage {
             sd_bus_message_append(call, "as", property == nullptr ? 0 : 1, property);
         });
         if (const auto error = TrayHost::error(answer); !error.empty()) return error;
-        std::uint32_t revision = 0;
         sd_bus_message_read_basic(answer.get(), 'u', &revision);
         return described(answer.get());
     }
@@ -79,40 +78,82 @@ struct TrayMenuTest : TrayStage {
 
     static constexpr auto invalid = "org.freedesktop.DBus.Error.InvalidArgs";
     using Texts = std::vector<std::string>;
+    const TrayContent near{"lock.open", brand::white, "Je bent in de buurt"};
+    const TrayContent paused{"pause.circle", brand::white, "Gepauzeerd tot 14:30", true};
+    std::uint32_t revision = 0; ///< of the layout that was read last
     std::unique_ptr<TrayHost> client;
 };
 
 } // namespace
 
-TEST_F(TrayMenuTest, HasItsThreeEntries) {
+TEST_F(TrayMenuTest, HasItsEntries) {
     const std::string whole = "0:children-display=submenu [1:label=Open Wegslot] "
-                              "[2:label=Nu locken] [3:label=Stop]";
+                              "[2:label=Nu locken] [4:label=Pauzeer 15 minuten] "
+                              "[5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] [7:label=Stop]";
     EXPECT_EQ(layout(0, -1), whole);
     EXPECT_EQ(layout(0, 1), whole);
+}
+
+TEST_F(TrayMenuTest, APauseCanBeEndedThereAndTheDesktopIsToldToReadTheMenuAnew) {
+    std::vector<std::uint32_t> told;
+    const auto listening = client->bus().onSignal(
+        ownName(),
+        {.interface = TrayMenu::interfaceName, .member = "LayoutUpdated", .path = TrayMenu::path},
+        [&told](const dbus::Message& signal) {
+            told.push_back(static_cast<std::uint32_t>(signal.read().integer().value_or(0)));
+        });
+    loop.settle();
+    const std::string before = layout(0, -1);
+    EXPECT_EQ(revision, 1U);
+    item->show(paused);
+    item->show(paused);
+    loop.settle();
+    EXPECT_EQ(told, std::vector{2U});
+    EXPECT_EQ(layout(0, -1, "label"),
+              "0: [1:label=Open Wegslot] [2:label=Nu locken] [3:label=Hervat] "
+              "[4:label=Pauzeer 15 minuten] [5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] "
+              "[7:label=Stop]");
+    EXPECT_EQ(revision, 2U);
+    EXPECT_EQ(event(3, "clicked"), "");
+    item->show(near);
+    loop.settle();
+    EXPECT_EQ(told, (std::vector{2U, 3U}));
+    EXPECT_EQ(layout(0, -1), before);
+    EXPECT_EQ(done, Texts{"resume"});
+}
+
+TEST_F(TrayMenuTest, AClickHitsWhatWasReadThoughTheMenuIsAnotherByThen) {
+    item->show(paused);
+    layout(0, -1);
+    item->show(near);
+    for (const int id : {3, 4, 5, 6, 7})
+        EXPECT_EQ(event(id, "clicked"), "") << id;
+    EXPECT_EQ(done, (Texts{"resume", "pause 900", "pause 3600", "pause until morning", "quit"}));
 }
 
 TEST_F(TrayMenuTest, GivesAsMuchAsIsAskedFor) {
     EXPECT_EQ(layout(0, 0), "0:children-display=submenu");
     EXPECT_EQ(layout(2, -1), "2:label=Nu locken");
     EXPECT_EQ(layout(0, -1, "label"),
-              "0: [1:label=Open Wegslot] [2:label=Nu locken] [3:label=Stop]");
-    EXPECT_EQ(layout(0, -1, "icon-data"), "0: [1:] [2:] [3:]");
-    for (const int unknown : {-1, 4, 1000000})
+              "0: [1:label=Open Wegslot] [2:label=Nu locken] [4:label=Pauzeer 15 minuten] "
+              "[5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] [7:label=Stop]");
+    EXPECT_EQ(layout(0, -1, "icon-data"), "0: [1:] [2:] [4:] [5:] [6:] [7:]");
+    for (const int unknown : {-1, 8, 1000000})
         EXPECT_EQ(layout(unknown, -1), invalid) << unknown;
 }
 
 TEST_F(TrayMenuTest, EachEntryActsOncePerClick) {
     EXPECT_EQ(event(1, "clicked"), "");
     EXPECT_EQ(event(2, "clicked"), "");
-    EXPECT_EQ(event(3, "clicked"), "");
+    EXPECT_EQ(event(7, "clicked"), "");
     EXPECT_EQ(event(2, "clicked"), "");
     EXPECT_EQ(done, (Texts{"open menu ", "lock", "quit", "lock"}));
 }
 
 TEST_F(TrayMenuTest, EachClickIsLoggedWithWhoMadeIt) {
     const CapturedLog log;
-    event(3, "clicked");
-    event(3, "hovered");
+    event(7, "clicked");
+    event(7, "hovered");
     eventGroup({{2, "clicked"}, {9, "clicked"}});
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
     const std::string who = " gekozen in het menu van het icoon, gevraagd door bus_tests (" + self;
@@ -123,14 +164,14 @@ TEST_F(TrayMenuTest, EachClickIsLoggedWithWhoMadeIt) {
 
 TEST_F(TrayMenuTest, OnlyClicksAct) {
     for (const char* const what : {"hovered", "opened", "closed", "", "Clicked"})
-        for (const int id : {0, 1, 2, 3})
+        for (const int id : {0, 1, 2, 3, 4, 5, 6, 7})
             EXPECT_EQ(event(id, what), "") << what;
     EXPECT_EQ(event(0, "clicked"), "");
     EXPECT_EQ(done, Texts{});
 }
 
 TEST_F(TrayMenuTest, UnknownEntriesAreAnError) {
-    for (const int unknown : {-1, 4, 2147483647})
+    for (const int unknown : {-1, 8, 2147483647})
         EXPECT_EQ(event(unknown, "clicked"), invalid) << unknown;
     EXPECT_EQ(TrayHost::error(client->menu("Event")), invalid);
     EXPECT_EQ(TrayHost::error(client->menu("Dance")), "org.freedesktop.DBus.Error.UnknownMethod");
@@ -159,17 +200,17 @@ TEST_F(TrayMenuTest, NothingIsToBeReadAgainBeforeItShows) {
     EXPECT_EQ(again, 0);
     EXPECT_EQ(
         TrayHost::error(client->menu(
-            "AboutToShow", [](sd_bus_message* call) { sd_bus_message_append(call, "i", 4); })),
+            "AboutToShow", [](sd_bus_message* call) { sd_bus_message_append(call, "i", 8); })),
         invalid);
 
     const Answer group = client->menu("AboutToShowGroup", [](sd_bus_message* call) {
-        sd_bus_message_append(call, "ai", 3, 0, 7, 2);
+        sd_bus_message_append(call, "ai", 3, 0, 9, 2);
     });
     EXPECT_EQ(integers(group), std::vector<int>{});
-    EXPECT_EQ(integers(group), std::vector{7});
+    EXPECT_EQ(integers(group), std::vector{9});
     EXPECT_EQ(TrayHost::error(client->menu(
                   "AboutToShowGroup",
-                  [](sd_bus_message* call) { sd_bus_message_append(call, "ai", 1, 7); })),
+                  [](sd_bus_message* call) { sd_bus_message_append(call, "ai", 1, 9); })),
               invalid);
 }
 
@@ -189,9 +230,10 @@ TEST_F(TrayMenuTest, PropertiesAreGivenInGroupsAndAlone) {
         }
         return text;
     };
-    EXPECT_EQ(group({3, 8, 1}), "3:label=Stop;1:label=Open Wegslot;");
-    EXPECT_EQ(group({}),
-              "0:children-display=submenu;1:label=Open Wegslot;2:label=Nu locken;3:label=Stop;");
+    EXPECT_EQ(group({7, 8, 1}), "7:label=Stop;1:label=Open Wegslot;");
+    EXPECT_EQ(group({}), "0:children-display=submenu;1:label=Open Wegslot;2:label=Nu locken;"
+                         "4:label=Pauzeer 15 minuten;5:label=Pauzeer 1 uur;"
+                         "6:label=Pauzeer tot 06:00;7:label=Stop;");
 
     const auto alone = [this](int id, const char* name) {
         const Answer answer = client->menu("GetProperty", [&](sd_bus_message* call) {
@@ -206,8 +248,9 @@ TEST_F(TrayMenuTest, PropertiesAreGivenInGroupsAndAlone) {
     EXPECT_EQ(alone(2, "label"), "Nu locken");
     EXPECT_EQ(alone(2, "enabled"), "1");
     EXPECT_EQ(alone(2, "visible"), "1");
+    EXPECT_EQ(alone(3, "visible"), "0");
     EXPECT_EQ(alone(2, "mood"), invalid);
-    EXPECT_EQ(alone(5, "label"), invalid);
+    EXPECT_EQ(alone(8, "label"), invalid);
 }
 
 TEST_F(TrayMenuTest, SaysWhichFormItHas) {

@@ -109,6 +109,13 @@ struct TrayStage : testing::Test {
                         done.push_back("open " + at + " " + click.activationToken);
                     },
                 .lock = [this] { done.emplace_back("lock"); },
+                .pause =
+                    [this](Seconds duration) {
+                        done.push_back("pause " +
+                                       std::to_string(static_cast<int>(duration.count())));
+                    },
+                .pauseUntilMorning = [this] { done.emplace_back("pause until morning"); },
+                .resume = [this] { done.emplace_back("resume"); },
                 .quit = [this] { done.emplace_back("quit"); }};
     }
     /// One colour all over: opaque, the symbol's length, the colour's blue and 7.

@@ -33,7 +33,6 @@ public:
                   .stays = true}),
           icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
                 {.open = [this](const TrayClick& click) { panel_.toggle(click); },
-                 .lock = [&model] { model.monitor().lockNow(); },
                  .quit = [] { QCoreApplication::quit(); }}) {
         panel_.open();
     }

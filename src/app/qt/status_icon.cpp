@@ -7,12 +7,26 @@
 #include "ui/tray_choice.h"
 
 namespace wegslot {
+namespace {
+
+TrayActions withMonitor(TrayActions actions, Monitor& monitor, const Clock& clock) {
+    actions.lock = [&monitor] { monitor.lockNow(); };
+    actions.pause = [&monitor](Seconds duration) { monitor.pause(duration); };
+    actions.pauseUntilMorning = [&monitor, &clock] {
+        monitor.pause(untilMorning(clock.wallClock()));
+    };
+    actions.resume = [&monitor] { monitor.resume(); };
+    return actions;
+}
+
+} // namespace
 
 StatusIcon::StatusIcon(const Appearance& appearance, dbus::Connection& sessionBus, Monitor& monitor,
                        const Clock& clock, Scheduler& scheduler, const TrayActions& actions)
     : isX11Session_(plainX11Display(displayEnvironment()).has_value()),
-      window_(appearance.images, actions),
-      item_(sessionBus, scheduler, actions, trayPainter(appearance.images)),
+      window_(appearance.images, withMonitor(actions, monitor, clock)),
+      item_(sessionBus, scheduler, withMonitor(actions, monitor, clock),
+            trayPainter(appearance.images)),
       taken_(item_.isTaken().onChange([this](bool) { choose(); })),
       presenter_(monitor.phase(), appearance.colors.scheme(),
                  folders::variable("XDG_CURRENT_DESKTOP"), localClockTime(clock),

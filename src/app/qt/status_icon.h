@@ -25,7 +25,7 @@ public:
     /// How often it is looked whether that panel is still there, while nobody has taken the item.
     static constexpr Nanoseconds lookInterval = std::chrono::seconds{5};
 
-    /// There must be a QApplication. All must outlive this.
+    /// There must be a QApplication. All must outlive this. `actions`: what is not the monitor's.
     StatusIcon(const Appearance& appearance, dbus::Connection& sessionBus, Monitor& monitor,
                const Clock& clock, Scheduler& scheduler, const TrayActions& actions);
 

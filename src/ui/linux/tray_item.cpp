@@ -35,14 +35,11 @@ TrayItem::TrayItem(dbus::Connection& sessionBus, Scheduler& scheduler, TrayActio
     : scheduler_(scheduler),
       actions_(std::move(actions)),
       painter_(std::move(painter)),
-      menu_({{"Open Wegslot", [this] { open(std::nullopt); }},
-             {"Nu locken", actions_.lock},
-             {"Stop", actions_.quit}},
-            [this](const TrayMenu::Entry& entry, const dbus::Message& call) {
-                Log::write("\"" + entry.label +
-                           "\" gekozen in het menu van het icoon, gevraagd door " +
-                           dbus::callerOf(*bus_, call));
-            }) {
+      menu_(trayEntries(withToken(actions_)), [this](const TrayEntry& entry,
+                                                     const dbus::Message& call) {
+          Log::write("\"" + entry.label + "\" gekozen in het menu van het icoon, gevraagd door " +
+                     dbus::callerOf(*bus_, call));
+      }) {
     connection_ = sessionBus.bus().follow([this](dbus::Bus* bus) { busChanged(bus); });
 }
 
@@ -53,6 +50,14 @@ void TrayItem::show(const TrayContent& content) {
         tell("NewIcon", {"IconPixmap"});
     }
     if (before.text != content.text) tell("NewToolTip", {"ToolTip"});
+    menu_.show(content.isPaused, bus_);
+}
+
+/// What is chosen from the menu opens the panel by the token of that click, as a click on the icon
+/// does.
+TrayActions TrayItem::withToken(TrayActions actions) {
+    actions.open = [this](const TrayClick& click) { open(click.at); };
+    return actions;
 }
 
 void TrayItem::busChanged(dbus::Bus* bus) {

@@ -47,6 +47,7 @@ private:
     [[nodiscard]] std::vector<dbus::Property> properties();
     [[nodiscard]] std::vector<dbus::Method> methods();
     void writePictures(dbus::Writer& writer);
+    [[nodiscard]] TrayActions withToken(TrayActions actions);
     void tell(const char* signal, std::vector<std::string> properties);
     void open(std::optional<TrayPoint> at);
 

@@ -7,7 +7,6 @@ namespace wegslot {
 namespace {
 
 constexpr std::uint32_t protocolVersion = 3;
-constexpr std::uint32_t revision = 1; // of the content, which never changes
 
 void writeIds(dbus::Writer& writer, const std::vector<std::int64_t>& ids) {
     writer.array("i", [&ids](dbus::Writer& list) {
@@ -34,7 +33,7 @@ dbus::Interface TrayMenu::interface() const {
     const auto text = [](const char* value) {
         return [value](dbus::Writer& writer) { writer.text(value); };
     };
-    return {.name = "com.canonical.dbusmenu",
+    return {.name = interfaceName,
             .properties = {{"Version", "u", [](dbus::Writer& w) { w.uint32(protocolVersion); }},
                            {"Status", "s", text("normal")},
                            {"TextDirection", "s", text("ltr")},
@@ -55,8 +54,23 @@ dbus::Interface TrayMenu::interface() const {
 
 bool TrayMenu::has(Id id) const { return id >= 0 && id <= static_cast<Id>(entries_.size()); }
 
-const TrayMenu::Entry* TrayMenu::entry(Id id) const {
+const TrayEntry* TrayMenu::entry(Id id) const {
     return id != 0 && has(id) ? &entries_[static_cast<std::size_t>(id - 1)] : nullptr;
+}
+
+bool TrayMenu::isShown(Id id) const {
+    const TrayEntry* const found = entry(id);
+    return found == nullptr || found->isShown(isPaused_);
+}
+
+void TrayMenu::show(bool isPaused, dbus::Bus* bus) {
+    if (std::exchange(isPaused_, isPaused) == isPaused) return;
+    ++revision_;
+    if (bus == nullptr) return;
+    dbus::emitSignal(*bus, path, interfaceName, "LayoutUpdated", [this](dbus::Writer& writer) {
+        writer.uint32(revision_);
+        writer.int32(0);
+    });
 }
 
 void TrayMenu::getLayout(const dbus::Message& call, dbus::Writer& answer) const {
@@ -65,7 +79,7 @@ void TrayMenu::getLayout(const dbus::Message& call, dbus::Writer& answer) const 
     const auto depth = reader.integer().value_or(0);
     const auto wanted = reader.texts();
     if (!has(parent)) return answer.refuse();
-    answer.uint32(revision);
+    answer.uint32(revision_);
     writeItem(answer, parent, wanted, depth != 0);
 }
 
@@ -76,7 +90,7 @@ void TrayMenu::getGroupProperties(const dbus::Message& call, dbus::Writer& answe
     // None named: all of them.
     if (asked.empty())
         for (std::int32_t id = 0; has(id); ++id)
-            asked.push_back(id);
+            if (isShown(id)) asked.push_back(id);
     answer.array("(ia{sv})", [&](dbus::Writer& list) {
         for (const auto id : asked) {
             if (!has(id)) continue;
@@ -90,19 +104,22 @@ void TrayMenu::getGroupProperties(const dbus::Message& call, dbus::Writer& answe
 
 void TrayMenu::getProperty(const dbus::Message& call, dbus::Writer& answer) const {
     auto reader = call.read();
-    const Entry* const found = entry(reader.integer().value_or(-1));
+    const Id id = reader.integer().value_or(-1);
     const auto name = reader.text().value_or("");
+    const TrayEntry* const found = entry(id);
     if (found == nullptr) return answer.refuse();
     if (name == "label")
         return answer.variant("s", [found](dbus::Writer& value) { value.text(found->label); });
-    if (name == "enabled" || name == "visible")
+    if (name == "enabled")
         return answer.variant("b", [](dbus::Writer& value) { value.boolean(true); });
+    if (name == "visible")
+        return answer.variant("b", [this, id](dbus::Writer& value) { value.boolean(isShown(id)); });
     answer.refuse();
 }
 
 std::function<void()> TrayMenu::actionOf(Id id, std::string_view what,
                                          const dbus::Message& call) const {
-    const Entry* const clicked = entry(id);
+    const TrayEntry* const clicked = entry(id);
     if (what != "clicked" || clicked == nullptr) return {};
     chosen_(*clicked, call);
     return clicked->action; // a copy: it may end this menu
@@ -135,7 +152,7 @@ void TrayMenu::eventGroup(const dbus::Message& call, dbus::Writer& answer) const
 
 void TrayMenu::aboutToShow(const dbus::Message& call, dbus::Writer& answer) const {
     if (!has(call.read().integer().value_or(-1))) return answer.refuse();
-    answer.boolean(false); // nothing needs to be read anew
+    answer.boolean(false); // what has changed was told when it did
 }
 
 void TrayMenu::aboutToShowGroup(const dbus::Message& call, dbus::Writer& answer) const {
@@ -155,17 +172,19 @@ void TrayMenu::writeItem(dbus::Writer& writer, Id id, const std::vector<std::str
         writeProperties(item, id, wanted);
         item.array("v", [&](dbus::Writer& children) {
             if (id != 0 || !withChildren) return;
-            for (Id child = 1; has(child); ++child)
+            for (Id child = 1; has(child); ++child) {
+                if (!isShown(child)) continue;
                 children.variant("(ia{sv}av)", [&](dbus::Writer& content) {
                     writeItem(content, child, wanted, false);
                 });
+            }
         });
     });
 }
 
 void TrayMenu::writeProperties(dbus::Writer& writer, Id id,
                                const std::vector<std::string>& wanted) const {
-    const Entry* const found = entry(id);
+    const TrayEntry* const found = entry(id);
     const Named named =
         found == nullptr ? Named{"children-display", "submenu"} : Named{"label", found->label};
     const bool isWanted = wanted.empty() || std::ranges::find(wanted, named.name) != wanted.end();

@@ -1,8 +1,9 @@
-// The menu of the status icon as desktops ask for it (com.canonical.dbusmenu): a few entries that
-// never change, each with its action. The desktop draws it.
+// The menu of the status icon as desktops ask for it (com.canonical.dbusmenu): a few entries, of
+// which some are shown only while one pauses. The desktop draws it, and is told to read it anew.
 #pragma once
 
 #include "dbus/object.h"
+#include "ui/tray_entries.h"
 
 #include <cstdint>
 #include <functional>
@@ -15,15 +16,12 @@ namespace wegslot {
 class TrayMenu {
 public:
     static constexpr auto path = "/MenuBar";
+    static constexpr auto interfaceName = "com.canonical.dbusmenu";
 
-    struct Entry {
-        std::string label;
-        std::function<void()> action; ///< called once for each click
-    };
     /// Told of each click before its action.
-    using Chosen = std::function<void(const Entry& entry, const dbus::Message& call)>;
+    using Chosen = std::function<void(const TrayEntry& entry, const dbus::Message& call)>;
 
-    TrayMenu(std::vector<Entry> entries, Chosen chosen)
+    TrayMenu(std::vector<TrayEntry> entries, Chosen chosen)
         : entries_(std::move(entries)),
           chosen_(std::move(chosen)) {}
     TrayMenu(const TrayMenu&) = delete;
@@ -32,11 +30,18 @@ public:
     /// Refers to this menu, and must be gone before it.
     [[nodiscard]] dbus::Interface interface() const;
 
+    /// Takes over whether one pauses, and tells on `bus`, if there is one, when the menu has become
+    /// another by that.
+    void show(bool isPaused, dbus::Bus* bus);
+
 private:
-    using Id = std::int64_t; ///< 0 is the menu itself, the entries count from 1
+    /// 0 is the menu itself; the entries count from 1, shown or not, so that a click hits what was
+    /// read, whatever the menu has become since.
+    using Id = std::int64_t;
 
     [[nodiscard]] bool has(Id id) const;
-    [[nodiscard]] const Entry* entry(Id id) const;
+    [[nodiscard]] const TrayEntry* entry(Id id) const;
+    [[nodiscard]] bool isShown(Id id) const;
     /// What a click on an entry does, to be called when all is answered; empty for the rest.
     [[nodiscard]] std::function<void()> actionOf(Id id, std::string_view what,
                                                  const dbus::Message& call) const;
@@ -53,8 +58,10 @@ private:
                    bool withChildren) const;
     void writeProperties(dbus::Writer& writer, Id id, const std::vector<std::string>& wanted) const;
 
-    std::vector<Entry> entries_;
+    std::vector<TrayEntry> entries_;
     Chosen chosen_;
+    bool isPaused_ = false;
+    std::uint32_t revision_ = 1; ///< of what is shown
 };
 
 } // namespace wegslot

@@ -22,4 +22,13 @@ ClockTime localClockTime(const Clock& clock, const QLocale& language) {
     };
 }
 
+Nanoseconds untilMorning(TimePoint wall) {
+    using std::chrono::milliseconds;
+    const QTime six(6, 0);
+    const auto now = std::chrono::floor<milliseconds>(wall).time_since_epoch();
+    const QDateTime local = QDateTime::fromMSecsSinceEpoch(now.count());
+    const QDate day = local.time() < six ? local.date() : local.date().addDays(1);
+    return TimePoint{milliseconds{QDateTime(day, six).toMSecsSinceEpoch()}} - wall;
+}
+
 } // namespace wegslot

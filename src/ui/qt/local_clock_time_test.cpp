@@ -45,3 +45,20 @@ TEST(LocalClockTime, IsInTheZoneOfThePerson) {
     const TimeZone zone("Europe/Amsterdam");
     EXPECT_EQ(written(dutch, 0ns, TimePoint{14h + 30min}), "15:30"); // in winter
 }
+
+TEST(UntilMorning, IsUntilTheNextSixOnTheWall) {
+    const TimeZone zone("UTC");
+    const TimePoint midnight{24h * 400};
+    EXPECT_EQ(untilMorning(midnight), 6h);
+    EXPECT_EQ(untilMorning(midnight + 6h - 1ns), 1ns);
+    EXPECT_EQ(untilMorning(midnight + 6h), 24h);
+    EXPECT_EQ(untilMorning(midnight + 6h + 1ns), 24h - 1ns);
+    EXPECT_EQ(untilMorning(midnight + 22h + 30min), 7h + 30min);
+}
+
+TEST(UntilMorning, ANightInWhichTheClocksAreSetIsShorterOrLonger) {
+    const TimeZone zone("Europe/Amsterdam");
+    // 22:00 there before the last Sundays of March and October.
+    EXPECT_EQ(untilMorning(std::chrono::sys_days{std::chrono::year{2026} / 3 / 28} + 21h), 7h);
+    EXPECT_EQ(untilMorning(std::chrono::sys_days{std::chrono::year{2026} / 10 / 24} + 20h), 9h);
+}

@@ -15,20 +15,17 @@ namespace wegslot {
 
 X11Tray::X11Tray(const SymbolImages& images, TrayActions actions)
     : images_(images),
-      actions_(std::move(actions)) {
-    const auto entry = [this](const QString& label, std::function<void()> action) {
-        QObject::connect(menu_.addAction(label), &QAction::triggered, &menu_, std::move(action));
-    };
-    entry(QStringLiteral("Open Wegslot"), [this] { actions_.open({.at = std::nullopt}); });
-    // Who chooses is not told: only what can press keys on this X server can.
-    const auto logged = [](const char* label, const std::function<void()>& action) {
-        return [label, action] {
-            Log::write("\"" + std::string(label) + "\" gekozen in het menu van het icoon");
-            action();
-        };
-    };
-    entry(QStringLiteral("Nu locken"), logged("Nu locken", actions_.lock));
-    entry(QStringLiteral("Stop"), logged("Stop", actions_.quit));
+      actions_(std::move(actions)),
+      entries_(trayEntries(actions_)) {
+    for (const TrayEntry& entry : entries_) {
+        QAction* const action = menu_.addAction(QString::fromStdString(entry.label));
+        // Who chooses is not told: only what can press keys on this X server can.
+        QObject::connect(action, &QAction::triggered, &menu_, [entry] {
+            Log::write("\"" + entry.label + "\" gekozen in het menu van het icoon");
+            entry.action();
+        });
+    }
+    showEntries(false);
     icon_.setContextMenu(&menu_);
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_,
                      [this](QSystemTrayIcon::ActivationReason reason) { clicked(reason); });
@@ -45,7 +42,14 @@ void X11Tray::show(const TrayContent& content) {
         icon.addPixmap(QPixmap::fromImage(trayImage(images_, content.symbol, content.color, side)));
     icon_.setIcon(icon);
     icon_.setToolTip(QString::fromStdString(content.text));
+    showEntries(content.isPaused);
     icon_.show();
+}
+
+void X11Tray::showEntries(bool isPaused) {
+    const auto actions = menu_.actions();
+    for (std::size_t i = 0; i < entries_.size(); ++i)
+        actions[static_cast<qsizetype>(i)]->setVisible(entries_[i].isShown(isPaused));
 }
 
 void X11Tray::clicked(QSystemTrayIcon::ActivationReason reason) const {

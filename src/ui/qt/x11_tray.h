@@ -4,9 +4,12 @@
 
 #include "ui/tray_actions.h"
 #include "ui/tray_content.h"
+#include "ui/tray_entries.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
+
+#include <vector>
 
 namespace wegslot {
 
@@ -27,10 +30,12 @@ public:
     [[nodiscard]] bool isShown() const { return icon_.isVisible(); }
 
 private:
+    void showEntries(bool isPaused);
     void clicked(QSystemTrayIcon::ActivationReason reason) const;
 
     const SymbolImages& images_;
     TrayActions actions_;
+    std::vector<TrayEntry> entries_;
     QMenu menu_;
     QSystemTrayIcon icon_;
 };

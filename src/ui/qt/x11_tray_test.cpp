@@ -14,16 +14,33 @@ using namespace wegslot;
 
 namespace {
 
+using Texts = std::vector<std::string>;
+
 struct X11TrayTest : testing::Test {
+    /// Chooses each entry that can be seen.
+    static Texts chosen() {
+        Texts labels;
+        for (QWidget* const widget : QApplication::topLevelWidgets())
+            for (QAction* const action : widget->actions()) {
+                if (!action->isVisible()) continue;
+                labels.push_back(action->text().toStdString());
+                action->trigger();
+            }
+        return labels;
+    }
+
     Offscreen<QApplication> application;
     SymbolImages images;
-    std::vector<std::string> done;
+    Texts done;
     X11Tray tray{images,
                  {.open =
                       [this](const TrayClick& click) {
                           done.emplace_back(click.at ? "open there" : "open");
                       },
                   .lock = [this] { done.emplace_back("lock"); },
+                  .pause = [this](Seconds) { done.emplace_back("pause"); },
+                  .pauseUntilMorning = [this] { done.emplace_back("morning"); },
+                  .resume = [this] { done.emplace_back("resume"); },
                   .quit = [this] { done.emplace_back("quit"); }}};
 };
 
@@ -32,14 +49,16 @@ struct X11TrayTest : testing::Test {
 TEST_F(X11TrayTest, IsNotThereWithoutAnXServer) { EXPECT_FALSE(X11Tray::isThere()); }
 
 TEST_F(X11TrayTest, HasTheEntriesOfTheItemsMenu) {
-    std::vector<std::string> labels;
-    for (QWidget* const widget : QApplication::topLevelWidgets())
-        for (QAction* const action : widget->actions()) {
-            labels.push_back(action->text().toStdString());
-            action->trigger();
-        }
-    EXPECT_EQ(labels, (std::vector<std::string>{"Open Wegslot", "Nu locken", "Stop"}));
-    EXPECT_EQ(done, (std::vector<std::string>{"open", "lock", "quit"}));
+    const Texts always{"Open Wegslot",  "Nu locken",         "Pauzeer 15 minuten",
+                       "Pauzeer 1 uur", "Pauzeer tot 06:00", "Stop"};
+    EXPECT_EQ(chosen(), always);
+    EXPECT_EQ(done, (Texts{"open", "lock", "pause", "pause", "morning", "quit"}));
+    done.clear();
+    tray.show({"pause.circle", brand::navy, "Gepauzeerd tot 14:30", true});
+    EXPECT_EQ(chosen().at(2), "Hervat");
+    EXPECT_EQ(done, (Texts{"open", "lock", "resume", "pause", "pause", "morning", "quit"}));
+    tray.show({"lock.open", brand::navy, "Je bent in de buurt"});
+    EXPECT_EQ(chosen(), always);
 }
 
 TEST_F(X11TrayTest, ShowsAndHides) {
