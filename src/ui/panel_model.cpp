@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "log/log.h"
+#include "ui/whole_number.h"
 
 #include <algorithm>
 #include <utility>
@@ -112,6 +113,14 @@ void PanelModel::setLaunchAtLogin(bool on) {
 void PanelModel::step(panel::Delay delay, panel::Step step) {
     auto& setting = panel::settingOf(objects_.settings, delay);
     setting.set(panel::stepped(setting.get(), panel::rangeOf(delay), step));
+}
+
+void PanelModel::enter(panel::Delay delay, std::string_view typed) {
+    auto& setting = panel::settingOf(objects_.settings, delay);
+    // Who looks at a value and goes does not round it, nor bring it into the range.
+    if (typed == wholeNumber(setting.get().count())) return;
+    if (const auto seconds = panel::typedSeconds(typed, panel::rangeOf(delay)))
+        setting.set(*seconds);
 }
 
 void PanelModel::setRule(LockRule rule) { objects_.settings.rule.set(rule); }

@@ -12,6 +12,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace wegslot {
@@ -71,6 +72,8 @@ public:
 
     void set(panel::Choice choice, bool on);
     void step(panel::Delay delay, panel::Step step);
+    /// What was typed in the place of a value; nothing if it is no number, or what was there.
+    void enter(panel::Delay delay, std::string_view typed);
     void setRule(LockRule rule);
 
     /// Makes a listed device a key; nothing when it has gone or will have another address.

@@ -183,6 +183,28 @@ TEST_F(PanelModelTest, EachStepGoesToItsSetting) {
     EXPECT_EQ(world.settings().warningSeconds.get(), Seconds{3});
 }
 
+TEST_F(PanelModelTest, WhatIsTypedGoesToItsSetting) {
+    open();
+    Settings& settings = world.settings();
+    panel->enter(Delay::awayDelay, "12");
+    panel->enter(Delay::lostTimeout, "17");
+    panel->enter(Delay::warningSeconds, "99");
+    EXPECT_EQ(settings.awayDelay.get(), Seconds{12});
+    EXPECT_EQ(settings.lostTimeout.get(), Seconds{17});
+    EXPECT_EQ(settings.warningSeconds.get(), Seconds{30});
+    panel->enter(Delay::awayDelay, "straks");
+    EXPECT_EQ(settings.awayDelay.get(), Seconds{12});
+    // What was only looked at stays what it is, also where no stepper would have brought it.
+    settings.awayDelay.set(Seconds{7.5});
+    panel->enter(Delay::awayDelay, "7");
+    EXPECT_EQ(settings.awayDelay.get(), Seconds{7.5});
+    settings.awayDelay.set(Seconds{600});
+    panel->enter(Delay::awayDelay, "600");
+    EXPECT_EQ(settings.awayDelay.get(), Seconds{600});
+    panel->enter(Delay::awayDelay, "601");
+    EXPECT_EQ(settings.awayDelay.get(), Seconds{60});
+}
+
 TEST_F(PanelModelTest, StartingAtLoginIsRegistered) {
     open();
     EXPECT_FALSE(launchAtLogin());

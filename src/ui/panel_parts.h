@@ -45,11 +45,15 @@ enum class Delay { awayDelay, lostTimeout, warningSeconds };
 
 struct Stepper {
     Delay delay{};
-    std::string text; ///< the value is in it
+    std::string before; ///< the value
+    std::string value;
+    std::string after;
     bool canDecrease = false;
     bool canIncrease = false;
     bool isIndented = false;
     bool isShown = true;
+
+    [[nodiscard]] std::string text() const { return before + value + after; }
 
     friend bool operator==(const Stepper&, const Stepper&) = default;
 };

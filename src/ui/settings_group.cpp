@@ -3,6 +3,7 @@
 #include "ui/whole_number.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -18,7 +19,9 @@ Stepper stepper(Delay delay, Seconds value, const Wording& wording) {
     const DelayRange range = rangeOf(delay);
     const Seconds known = std::isnan(value.count()) ? Seconds{0} : value;
     return {.delay = delay,
-            .text = wording.before + wholeNumber(known.count()) + wording.after,
+            .before = wording.before,
+            .value = wholeNumber(known.count()),
+            .after = wording.after,
             .canDecrease = known > range.lowest,
             .canIncrease = known < range.highest};
 }
@@ -92,6 +95,21 @@ Seconds stepped(Seconds value, const DelayRange& range, Step step) {
     const Seconds known = std::isnan(value.count()) ? Seconds{0} : value;
     const Seconds moved = step == Step::up ? known + range.step : known - range.step;
     return std::clamp(moved, range.lowest, range.highest);
+}
+
+std::optional<Seconds> typedSeconds(std::string_view typed, const DelayRange& range) {
+    const auto isBlank = [](char sign) { return sign == ' '; };
+    while (!typed.empty() && isBlank(typed.front()))
+        typed.remove_prefix(1);
+    while (!typed.empty() && isBlank(typed.back()))
+        typed.remove_suffix(1);
+    const char* const end = typed.data() + typed.size();
+    long long number = 0;
+    const auto [read, error] = std::from_chars(typed.data(), end, number);
+    if (read != end || error == std::errc::invalid_argument) return std::nullopt;
+    if (error == std::errc::result_out_of_range)
+        return typed.starts_with('-') ? range.lowest : range.highest;
+    return std::clamp(Seconds{static_cast<double>(number)}, range.lowest, range.highest);
 }
 
 } // namespace wegslot::panel

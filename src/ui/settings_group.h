@@ -6,7 +6,9 @@
 #include "ui/panel_parts.h"
 #include "ui/update_presentation.h"
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -46,5 +48,9 @@ enum class Step { down, up };
 /// One step from `value` (any double; NaN counts as 0), within the range: what lies outside it
 /// comes in with the first step.
 [[nodiscard]] Seconds stepped(Seconds value, const DelayRange& range, Step step);
+
+/// What somebody types: whole seconds, brought within the range and not onto its steps. Nothing
+/// for what is no whole number.
+[[nodiscard]] std::optional<Seconds> typedSeconds(std::string_view typed, const DelayRange& range);
 
 } // namespace wegslot::panel

@@ -31,11 +31,11 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
 TEST_F(SettingsGroupTest, AFreshUserSeesTheDefaultsInOrder) {
     const std::vector<SettingsPart> parts{
-        Stepper{Delay::awayDelay, "Weg na 5 s zwak signaal", true, true},
-        Stepper{Delay::lostTimeout, "Weg na 15 s geen signaal", true, true},
+        Stepper{Delay::awayDelay, "Weg na ", "5", " s zwak signaal", true, true},
+        Stepper{Delay::lostTimeout, "Weg na ", "15", " s geen signaal", true, true},
         Divider{},
         Toggle{Choice::warningEnabled, "Waarschuw voordat je Mac lockt", "", true},
-        Stepper{Delay::warningSeconds, "Aftellen vanaf 5 s", true, true, true, true},
+        Stepper{Delay::warningSeconds, "Aftellen vanaf ", "5", " s", true, true, true, true},
         Toggle{Choice::pauseDuringMeetings, "Niet locken tijdens videobellen",
                "Pauzeert als je camera of microfoon in gebruik is", true},
         Toggle{Choice::pauseWhileActive, "Niet locken als je je Mac gebruikt",
@@ -71,9 +71,9 @@ TEST_F(SettingsGroupTest, SecondsAreCutOff) {
     settings.awayDelay.set(Seconds{7.99});
     settings.lostTimeout.set(Seconds{notANumber});
     settings.warningSeconds.set(Seconds{-0.5});
-    EXPECT_EQ(part<Stepper>(0).text, "Weg na 7 s zwak signaal");
-    EXPECT_EQ(part<Stepper>(1).text, "Weg na 0 s geen signaal");
-    EXPECT_EQ(part<Stepper>(4).text, "Aftellen vanaf 0 s");
+    EXPECT_EQ(part<Stepper>(0).text(), "Weg na 7 s zwak signaal");
+    EXPECT_EQ(part<Stepper>(1).text(), "Weg na 0 s geen signaal");
+    EXPECT_EQ(part<Stepper>(4).text(), "Aftellen vanaf 0 s");
 }
 
 TEST_F(SettingsGroupTest, StepsEndAtTheBounds) {
@@ -123,4 +123,25 @@ TEST_F(SettingsGroupTest, AStepFromOutsideTheRangeComesInto) {
     EXPECT_EQ(stepped(Seconds{600}, range, Step::down), Seconds{120});
     EXPECT_EQ(stepped(Seconds{infinite}, range, Step::down), Seconds{120});
     EXPECT_EQ(stepped(Seconds{17}, range, Step::down), Seconds{12});
+}
+
+TEST(TypedSeconds, AreWholeAndWithinTheRangeButNotOnItsSteps) {
+    const DelayRange range = rangeOf(Delay::lostTimeout); // 5 to 120, each fifth
+    const auto typed = [&range](std::string_view text) { return typedSeconds(text, range); };
+    EXPECT_EQ(typed("17"), Seconds{17});
+    EXPECT_EQ(typed(" 7 "), Seconds{7});
+    for (const auto& [text, seconds] :
+         std::vector<std::pair<const char*, double>>{{"4", 5},
+                                                     {"5", 5},
+                                                     {"6", 6},
+                                                     {"119", 119},
+                                                     {"120", 120},
+                                                     {"121", 120},
+                                                     {"0", 5},
+                                                     {"-8", 5},
+                                                     {"99999999999999999999", 120},
+                                                     {"-99999999999999999999", 5}})
+        EXPECT_EQ(typed(text), Seconds{seconds}) << text;
+    for (const char* const text : {"", " ", "-", "zeven", "7,5", "7.5", "7 8", "1e2", "0x10", "7s"})
+        EXPECT_EQ(typed(text), std::nullopt) << text;
 }

@@ -3,6 +3,7 @@
 
 #include "tests/interface/picture_stage.h"
 #include "tests/support/panel_world.h"
+#include "tests/support/program.h"
 #include "ui/qt/panel/panel_window.h"
 
 #include <gtest/gtest.h>
@@ -12,11 +13,15 @@
 #include <QAction>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
+#include <QWheelEvent>
 
 #include <optional>
 
@@ -78,6 +83,47 @@ protected:
             QCoreApplication::sendEvent(&widget, &event);
         }
         turn();
+    }
+
+    /// A turn of the wheel over `widget`, handed on to what is around it until somebody takes it,
+    /// as one of the window system's is.
+    static void wheel(QWidget& widget, int turned) {
+        const QPointF at(widget.width() / 2.0, widget.height() / 2.0);
+        for (QWidget* part = &widget; part != nullptr; part = part->parentWidget()) {
+            QWheelEvent event(widget.mapTo(part, at), widget.mapToGlobal(at), {}, {0, turned},
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(part, &event);
+            if (event.isAccepted()) break;
+        }
+        turn();
+    }
+
+    static void typeText(QWidget& widget, const QString& text) {
+        for (const QChar sign : text) {
+            QKeyEvent event(QEvent::KeyPress, sign.unicode(), Qt::NoModifier, QString(sign));
+            QCoreApplication::sendEvent(&widget, &event);
+        }
+        turn();
+    }
+
+    /// Where something is being typed; null when nothing is.
+    QLineEdit* typingField() {
+        for (QLineEdit* const field : window->findChildren<QLineEdit*>())
+            if (field->isVisible()) return field;
+        return nullptr;
+    }
+
+    /// Presses on a stepper's text.
+    QLineEdit* beginTyping(const std::string& text) {
+        window->activateWindow();
+        turn();
+        for (QLabel* const label : window->findChildren<QLabel*>()) {
+            if (label->text().toStdString() != text || !label->isVisible()) continue;
+            QWidget& stepper = *label->parentWidget();
+            mouse(stepper, QEvent::MouseButtonPress, QPointF(label->geometry().center()));
+            turn();
+        }
+        return typingField();
     }
 
     /// Chooses an entry of a button's menu.
@@ -277,6 +323,108 @@ TEST_F(PanelTouchTest, SettingsAreFoldedOpenSteppedAndTicked) {
     EXPECT_EQ(asked, Texts{"check"});
     press("Instellingen");
     EXPECT_FALSE(shows("Weg na 4 s zwak signaal"));
+}
+
+TEST_F(PanelTouchTest, AValueIsTypedWhereItStands) {
+    open({keyNamed("iPhone", 1)});
+    press("Instellingen");
+    QLineEdit* const field = beginTyping("Weg na 15 s geen signaal");
+    ASSERT_NE(field, nullptr);
+    EXPECT_FALSE(shows("Weg na 15 s geen signaal"));
+    EXPECT_EQ(field->text(), "15");
+    typeText(*field, "17");
+    world.settings().awayDelay.set(Seconds{9}); // draws everything anew
+    world.pass(1s);
+    turn();
+    EXPECT_EQ(field->text(), "17");
+    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{15});
+    type(*field, Qt::Key_Return);
+    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{17});
+    EXPECT_TRUE(shows("Weg na 17 s geen signaal"));
+    EXPECT_FALSE(field->isVisible());
+}
+
+TEST_F(PanelTouchTest, EscapeLeavesAValueAndThePanelOpen) {
+    open({keyNamed("iPhone", 1)});
+    press("Instellingen");
+    QLineEdit* const field = beginTyping("Weg na 5 s zwak signaal");
+    ASSERT_NE(field, nullptr);
+    typeText(*field, "40");
+    type(*field, Qt::Key_Escape);
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{5});
+    EXPECT_TRUE(shows("Weg na 5 s zwak signaal"));
+    EXPECT_TRUE(window->isVisible());
+    type(*window, Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(PanelTouchTest, WhoGoesElsewhereHasTypedAValue) {
+    open({keyNamed("iPhone", 1)});
+    press("Instellingen");
+    QLineEdit* field = beginTyping("Weg na 5 s zwak signaal");
+    ASSERT_NE(field, nullptr);
+    typeText(*field, "999");
+    find<QAbstractButton>("Nu locken")->setFocus();
+    turn();
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{60});
+    EXPECT_EQ(window->focusWidget(), find<QAbstractButton>("Nu locken"));
+    field = beginTyping("Weg na 60 s zwak signaal");
+    ASSERT_NE(field, nullptr);
+    typeText(*field, "8");
+    window->hide();
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{8});
+}
+
+TEST_F(PanelTouchTest, ADigitOnAStepButtonBeginsToType) {
+    open({keyNamed("iPhone", 1)});
+    press("Instellingen");
+    auto* const more = find<QAbstractButton>("Weg na 5 s zwak signaal, meer");
+    ASSERT_NE(more, nullptr);
+    more->setFocus();
+    typeText(*more, "2");
+    QLineEdit* const field = typingField();
+    ASSERT_NE(field, nullptr);
+    typeText(*field, "0");
+    type(*field, Qt::Key_Enter);
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{20});
+    EXPECT_EQ(window->focusWidget(), more);
+    typeText(*more, "x");
+    EXPECT_EQ(typingField(), nullptr);
+}
+
+TEST_F(PanelTouchTest, AHeldStepButtonGoesOn) {
+    open({keyNamed("iPhone", 1)});
+    press("Instellingen");
+    auto* const more = find<QAbstractButton>("Aftellen vanaf 5 s, meer");
+    ASSERT_NE(more, nullptr);
+    const QPointF middle(more->width() / 2.0, more->height() / 2.0);
+    mouse(*more, QEvent::MouseButtonPress, middle);
+    EXPECT_TRUE(becomesTrue([this] {
+        turn();
+        return world.settings().warningSeconds.get() >= Seconds{8};
+    }));
+    mouse(*more, QEvent::MouseButtonRelease, middle);
+}
+
+TEST_F(PanelTouchTest, TheWheelScrollsThePanelAndChangesNothingOnItsWay) {
+    open({keyNamed("iPhone", 1), keyNamed("Watch", 2), keyNamed("Tag", 3)});
+    press("Instellingen");
+    auto* const slider = find<QSlider>("iPhone: Lockt onder -75 dBm");
+    auto* const more = find<QAbstractButton>("Weg na 5 s zwak signaal, meer");
+    ASSERT_NE(slider, nullptr);
+    ASSERT_NE(more, nullptr);
+    auto* const bar = window->findChild<QScrollArea*>()->verticalScrollBar();
+    for (QWidget* const part : std::initializer_list<QWidget*>{slider, more}) {
+        bar->setValue(0);
+        wheel(*part, -120);
+        EXPECT_GT(bar->value(), 0);
+    }
+    slider->setFocus(); // as a press on it does
+    bar->setValue(0);
+    wheel(*slider, -120);
+    EXPECT_GT(bar->value(), 0);
+    EXPECT_EQ(threshold(), -75);
+    EXPECT_EQ(world.settings().awayDelay.get(), Seconds{5});
 }
 
 TEST_F(PanelTouchTest, ALoginItemThatFailsSpringsBack) {

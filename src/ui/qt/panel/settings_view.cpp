@@ -55,8 +55,10 @@ void SettingsContentView::add(const panel::SettingsPart& part) {
 SettingsContentView::Show SettingsContentView::viewOf(const panel::SettingsPart& part) {
     PanelModel& model = context_.model;
     if (std::holds_alternative<panel::Stepper>(part)) {
-        auto view = std::make_unique<StepperView>(
-            [&model](panel::Delay delay, panel::Step step) { model.step(delay, step); });
+        auto view = std::make_unique<StepperView>(StepperView::Asked{
+            .step = [&model](panel::Delay delay, panel::Step step) { model.step(delay, step); },
+            .enter = [&model](panel::Delay delay,
+                              const std::string& typed) { model.enter(delay, typed); }});
         StepperView* const shown = view.get();
         widgets_.push_back(std::move(view));
         return [this, shown](const panel::SettingsPart& now) {
