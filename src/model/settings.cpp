@@ -1,5 +1,7 @@
 #include "model/settings.h"
 
+#include "model/remembered.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -26,6 +28,7 @@ Settings::Settings(PreferencesStore& store)
     visit([&defaults](const auto& setting) {
         defaults.emplace(setting.name(), setting.byDefault());
     });
+    Remembered::addDefaults(defaults); // a store has one layer of them
     store.registerDefaults(std::move(defaults));
     reread();
 }

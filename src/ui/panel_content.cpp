@@ -63,6 +63,23 @@ KeysSection keysSection(const PanelSources& sources, const Flags& flags) {
     return section;
 }
 
+std::optional<LoginOffer> loginOffer(LoginOffering offering) {
+    switch (offering) {
+    case LoginOffering::none:
+        break;
+    case LoginOffering::offered:
+        return LoginOffer{.text = "Wegslot lockt alleen als het draait. Zal het voortaan starten "
+                                  "als je inlogt?",
+                          .accept = Button{.symbol = {}, .text = "Start bij inloggen"},
+                          .decline = {.symbol = {}, .text = "Niet nu"}};
+    case LoginOffering::failed:
+        return LoginOffer{.text = "Dat lukte niet; het logboek zegt waarom.",
+                          .accept = std::nullopt,
+                          .decline = {.symbol = {}, .text = "Goed"}};
+    }
+    return std::nullopt;
+}
+
 NearbyGroup nearby(const PanelSources& sources, const Flags& flags) {
     std::set<Uuid> keys;
     for (const KeyDevice& key : sources.settings.keys.get())
@@ -108,6 +125,7 @@ PanelContent panelContent(const PanelSources& sources, const Flags& flags) {
             .header = header(sources),
             .banner = updateBanner(sources.update),
             .keys = keysSection(sources, flags),
+            .loginOffer = loginOffer(flags.loginOffering),
             .nearby = nearby(sources, flags),
             .settings = settingsGroup(sources.settings, flags.showSettings, flags.launchAtLogin,
                                       sources.update),

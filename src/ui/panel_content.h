@@ -61,6 +61,15 @@ struct KeysSection {
     friend bool operator==(const KeysSection&, const KeysSection&) = default;
 };
 
+/// What is asked once, below the keys.
+struct LoginOffer {
+    std::string text;
+    std::optional<Button> accept; ///< nothing where it was tried in vain
+    Button decline;
+
+    friend bool operator==(const LoginOffer&, const LoginOffer&) = default;
+};
+
 struct PauseMenu {
     struct Entry {
         std::string text;
@@ -96,12 +105,15 @@ struct JustSet {
     Dbm threshold; ///< as it is stored
 };
 
+enum class LoginOffering { none, offered, failed };
+
 /// What only the panel knows.
 struct Flags {
     bool showNearby = false;
     bool showNameless = false;
     bool showSettings = false;
     bool launchAtLogin = false;
+    LoginOffering loginOffering = LoginOffering::none;
     std::vector<RemovedKey> removed = {}; ///< keys that can be taken back, in the order of removal
     std::optional<HeldThreshold> heldThreshold = {};
     std::optional<JustSet> justSet = {};
@@ -123,6 +135,7 @@ struct PanelContent {
     panel::Header header;
     panel::UpdateBanner banner;
     panel::KeysSection keys;
+    std::optional<panel::LoginOffer> loginOffer;
     panel::NearbyGroup nearby;
     panel::SettingsGroup settings;
     panel::Footer footer;

@@ -61,6 +61,7 @@ void PanelModel::disappear() {
     // A panel that goes takes pointer and finger along without a word.
     flags_.heldPlaces.reset();
     flags_.heldThreshold.reset();
+    flags_.loginOffering = panel::LoginOffering::none;
     flags_.notOpened.reset();
     flags_.justSet.reset();
     justSetEnds_.reset();
@@ -107,6 +108,7 @@ void PanelModel::setLaunchAtLogin(bool on) {
     if (const auto failure = objects_.loginItem.setEnabled(on))
         Log::write("Start bij inloggen mislukt: " + printable(failure->message.builtIn()));
     flags_.launchAtLogin = objects_.loginItem.isEnabled(); // whatever became of it
+    if (flags_.launchAtLogin) flags_.loginOffering = panel::LoginOffering::none;
     changed_();
 }
 
@@ -128,7 +130,29 @@ void PanelModel::setRule(LockRule rule) { objects_.settings.rule.set(rule); }
 void PanelModel::choose(const Uuid& id) {
     const SeenDevice* const device = find(id);
     if (device == nullptr || objects_.scanner.changesAddress(id)) return;
+    const bool isFirst = objects_.settings.keys.get().empty();
     objects_.settings.addKey(*device);
+    if (isFirst) offerLogin();
+}
+
+/// Without it Wegslot guards until the next login and no further, and the box for it is folded
+/// away.
+void PanelModel::offerLogin() {
+    Setting<bool>& wasOffered = objects_.remembered.loginOffered;
+    if (wasOffered.get() || objects_.loginItem.isEnabled()) return;
+    wasOffered.set(true);
+    flags_.loginOffering = panel::LoginOffering::offered;
+    changed_();
+}
+
+void PanelModel::acceptLogin() {
+    flags_.loginOffering = panel::LoginOffering::failed; // unless it comes about
+    setLaunchAtLogin(true);
+}
+
+void PanelModel::declineLogin() {
+    flags_.loginOffering = panel::LoginOffering::none;
+    changed_();
 }
 
 void PanelModel::couple(const Uuid& id) {

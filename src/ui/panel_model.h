@@ -5,6 +5,7 @@
 
 #include "base/clock.h"
 #include "base/scheduler.h"
+#include "model/remembered.h"
 #include "ui/login_item.h"
 #include "ui/panel_content.h"
 
@@ -43,6 +44,7 @@ public:
         Monitor& monitor;
         Updates updates;
         LoginItem& loginItem;
+        Remembered& remembered;
         Requests requests;
         const Clock& clock;
         Scheduler& scheduler;
@@ -78,6 +80,10 @@ public:
 
     /// Makes a listed device a key; nothing when it has gone or will have another address.
     void choose(const Uuid& id);
+
+    /// What is offered with the first key that is chosen.
+    void acceptLogin();
+    void declineLogin();
 
     /// Opens what couples a listed device, so that it can be chosen.
     void couple(const Uuid& id);
@@ -117,6 +123,7 @@ private:
     template <typename Source>
     void redrawOn(const Source& source);
     void setLaunchAtLogin(bool on);
+    void offerLogin();
     void forgetRemoved(const Uuid& id);
     [[nodiscard]] const SeenDevice* find(const Uuid& id) const;
 

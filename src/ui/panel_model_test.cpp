@@ -27,6 +27,20 @@ struct PanelModelTest : testing::Test, PanelWorld {
         return std::get<Toggle>(panel->content().settings.parts.at(7)).isOn;
     }
 
+    void hearPhones() {
+        world.hearApple(1, -60, 0x10, "Mijn iPhone");
+        world.hearApple(2, -60, 0x10, "Mijn Watch");
+        world.pass(1s);
+    }
+
+    /// As the first key once more.
+    void chooseAnew() {
+        world.settings().keys.set({});
+        hearPhones();
+        panel->choose(numbered(1));
+        ASSERT_EQ(world.settings().keys.get().size(), 1U);
+    }
+
     [[nodiscard]] Dbm threshold() { return world.settings().keys.get().at(0).threshold; }
 
     [[nodiscard]] KeyRow row(std::size_t index = 0) {
@@ -251,6 +265,82 @@ TEST_F(PanelModelTest, AChosenDeviceBecomesAKeyAndLeavesTheList) {
     EXPECT_TRUE(panel->content().nearby.isOpen); // for the next one
     panel->choose(numbered(1));
     EXPECT_EQ(world.settings().keys.get().size(), 1U);
+}
+
+TEST_F(PanelModelTest, WithTheFirstKeyStartingAtLoginIsOfferedOnce) {
+    open();
+    hearPhones();
+    EXPECT_FALSE(panel->content().loginOffer);
+    panel->choose(numbered(1));
+    ASSERT_TRUE(panel->content().loginOffer);
+    EXPECT_EQ(panel->content().loginOffer->accept->text, "Start bij inloggen");
+    panel->choose(numbered(2));
+    EXPECT_TRUE(panel->content().loginOffer);
+    panel->acceptLogin();
+    EXPECT_TRUE(loginItem.enabled);
+    EXPECT_TRUE(launchAtLogin());
+    EXPECT_FALSE(panel->content().loginOffer);
+    // Never again, whatever becomes of it.
+    panel->set(Choice::launchAtLogin, false);
+    chooseAnew();
+    EXPECT_FALSE(panel->content().loginOffer);
+}
+
+TEST_F(PanelModelTest, WhoDeclinesOrClosesThePanelIsNotAskedAgain) {
+    open();
+    hearPhones();
+    panel->choose(numbered(1));
+    panel->declineLogin();
+    EXPECT_FALSE(loginItem.enabled);
+    EXPECT_FALSE(panel->content().loginOffer);
+    chooseAnew();
+    EXPECT_FALSE(panel->content().loginOffer);
+    EXPECT_TRUE(Remembered(world.store).loginOffered.get());
+}
+
+TEST_F(PanelModelTest, TheOfferEndsWithThePanelAndIsStoredWhenItIsMade) {
+    open();
+    hearPhones();
+    panel->choose(numbered(1));
+    EXPECT_TRUE(Remembered(world.store).loginOffered.get());
+    panel->disappear();
+    panel->appear();
+    EXPECT_FALSE(panel->content().loginOffer);
+}
+
+TEST_F(PanelModelTest, NothingIsOfferedWhereItStartsAtLoginOrThereWasAKey) {
+    loginItem.enabled = true;
+    open();
+    hearPhones();
+    panel->choose(numbered(1));
+    EXPECT_FALSE(panel->content().loginOffer);
+    EXPECT_FALSE(remembered.loginOffered.get());
+    loginItem.enabled = false;
+    panel->choose(numbered(2));
+    EXPECT_FALSE(panel->content().loginOffer);
+}
+
+TEST_F(PanelModelTest, AnOfferThatCannotBeKeptSaysSo) {
+    open();
+    hearPhones();
+    panel->choose(numbered(1));
+    loginItem.failure = Failure{"schijf vol"};
+    panel->acceptLogin();
+    EXPECT_FALSE(loginItem.enabled);
+    ASSERT_TRUE(panel->content().loginOffer);
+    EXPECT_EQ(panel->content().loginOffer->text, "Dat lukte niet; het logboek zegt waarom.");
+    EXPECT_FALSE(panel->content().loginOffer->accept);
+    EXPECT_TRUE(world.logged("Start bij inloggen mislukt: schijf vol"));
+    panel->declineLogin();
+    EXPECT_FALSE(panel->content().loginOffer);
+}
+
+TEST_F(PanelModelTest, ABoxThatIsTickedAnswersTheOfferToo) {
+    open();
+    hearPhones();
+    panel->choose(numbered(1));
+    panel->set(Choice::launchAtLogin, true);
+    EXPECT_FALSE(panel->content().loginOffer);
 }
 
 TEST_F(PanelModelTest, ADeviceThatHasGoneOrWillBeAStrangerIsNoKey) {

@@ -259,6 +259,23 @@ TEST_F(HangTest, WhereItsLockCannotBeOpenedItStartsAndSaysSo) {
     EXPECT_EQ(said({}), "");
 }
 
+TEST_F(HangTest, SwitchedOffForMoreThanADayItSaysSoWhenItStartsUntilItIsSwitchedOn) {
+    const auto dayAndHour = std::to_string(time(nullptr) - 25 * 3600);
+    home.setPreferences(R"({"enabled": false, "offSince": )" + dayAndHour + "}");
+    begin({WEGSLOT_PROGRAM});
+    ASSERT_TRUE(loop.runUntil([this] { return !told.empty(); }));
+    EXPECT_EQ(told[0].title, "Wegslot staat uit");
+    EXPECT_EQ(told[0].expires, 0);
+    EXPECT_NE(said({"status"}), ""); // by then it knows which notification is its own
+    home.write("config/wegslot/on", R"({"enabled": true, "offSince": )" + dayAndHour + "}");
+    std::filesystem::rename(home.path() / "config" / "wegslot" / "on",
+                            home.path() / "config" / "wegslot" / "preferences.json");
+    EXPECT_TRUE(loop.runUntil([this] { return closed == 1; }));
+    EXPECT_TRUE(loop.runUntil([this] {
+        return home.preferences().find(R"("offSince": 0)") != std::string::npos;
+    })) << home.preferences();
+}
+
 TEST_F(HangTest, AMistypedFileIsToldOfUntilItIsMendedAndNobodyIsGreetedAsNew) {
     const std::string mistyped = "{\n  \"awayDelay\": 9,\n}\n";
     home.setPreferences(mistyped);

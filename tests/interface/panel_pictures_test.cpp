@@ -140,6 +140,19 @@ TEST_P(PanelPicturesTest, RemovedAndJustSet) {
     EXPECT_TRUE(shows("removed-and-set-dark"));
 }
 
+TEST_P(PanelPicturesTest, TheFirstKeyAndWhatIsOfferedWithIt) {
+    open();
+    hear(1, -52, "iPhone van Anna");
+    world.pass(1s);
+    model->choose(numbered(1));
+    model->openNearby(false);
+    hear(1, -52, "iPhone van Anna");
+    world.pass(1s);
+    EXPECT_TRUE(shows("login-offered"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("login-offered-dark"));
+}
+
 TEST_P(PanelPicturesTest, AllOpen) {
     open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)}, 1600,
          PanelModel::Expand::all);

@@ -182,6 +182,26 @@ TEST_F(PanelTouchTest, ADeviceIsChosenAndRemovedAgain) {
     EXPECT_TRUE(world.settings().keys.get().empty());
 }
 
+TEST_F(PanelTouchTest, WithTheFirstKeyStartingAtLoginIsOffered) {
+    open();
+    hear(2, -50, "iPhone van Anna");
+    EXPECT_EQ(find<QAbstractButton>("Start bij inloggen"), nullptr);
+    press("Kies: iPhone van Anna");
+    press("Start bij inloggen");
+    EXPECT_TRUE(loginItem.enabled);
+    EXPECT_EQ(find<QAbstractButton>("Start bij inloggen"), nullptr);
+    EXPECT_EQ(find<QAbstractButton>("Niet nu"), nullptr);
+}
+
+TEST_F(PanelTouchTest, WhoDoesNotWantItToStartAtLoginSaysSo) {
+    open();
+    hear(2, -50, "iPhone van Anna");
+    press("Kies: iPhone van Anna");
+    press("Niet nu");
+    EXPECT_FALSE(loginItem.enabled);
+    EXPECT_EQ(find<QAbstractButton>("Start bij inloggen"), nullptr);
+}
+
 TEST_F(PanelTouchTest, APhoneThatCannotBeChosenSaysWhyAndOpensWhatCouplesIt) {
     open();
     world.central.setChanging(numbered(2), true);

@@ -28,6 +28,7 @@ struct PanelWorld {
     Observable<Updater::State> update;
     Observable<Scheme> scheme{Scheme::light};
     FakeLoginItem loginItem;
+    Remembered remembered{world.store};
     std::optional<Failure> bluetoothFailure; ///< why nothing opens that couples devices
     std::vector<std::string> asked;          ///< what the panel asked others to do
 
@@ -42,6 +43,7 @@ struct PanelWorld {
                 .monitor = model.monitor(),
                 .updates = {update, "1.3", true, ask("check"), ask("install")},
                 .loginItem = loginItem,
+                .remembered = remembered,
                 .requests = {ask("log"), ask("quit"),
                              [this] {
                                  asked.emplace_back("bluetooth");

@@ -165,8 +165,9 @@ struct Execute {
         const Appearance appearance(world.sessionBus);
         AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
                                 world.processes);
-        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, [] {}, [] {},
-                                 []() -> std::optional<Failure> { return std::nullopt; }},
+        Remembered remembered(preferences);
+        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, remembered, [] {},
+                                 [] {}, []() -> std::optional<Failure> { return std::nullopt; }},
                                 picture.path, picture.tall, [] { QCoreApplication::quit(); });
         return QCoreApplication::exec();
     }

@@ -25,6 +25,7 @@ public:
                   .clock = clock,
                   .scheduler = scheduler,
                   .loginItem = loginItem_,
+                  .remembered = remembered_,
                   .openLog = [] {},
                   .quit = [] { QCoreApplication::quit(); },
                   .openBluetooth = []() -> std::optional<Failure> {
@@ -49,6 +50,8 @@ private:
     dbus::Connection sessionBus_;
     Appearance appearance_;
     NoLoginItem loginItem_;
+    MemoryStore nowhere_;
+    Remembered remembered_{nowhere_};
     MenuPanel panel_;
     StatusIcon icon_;
 };

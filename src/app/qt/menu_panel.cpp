@@ -45,6 +45,7 @@ PanelModel::Objects panelObjects(const MenuPanel::Parts& parts) {
                         .check = [&updater] { updater.check(Updater::Silent::no); },
                         .install = [&updater] { updater.install(); }},
             .loginItem = parts.loginItem,
+            .remembered = parts.remembered,
             .requests = {.openLog = parts.openLog,
                          .quit = parts.quit,
                          .openBluetooth = parts.openBluetooth},

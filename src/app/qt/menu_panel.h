@@ -4,6 +4,7 @@
 #include "app/qt/appearance.h"
 #include "base/scheduler.h"
 #include "core/app_model.h"
+#include "model/remembered.h"
 #include "ui/login_item.h"
 #include "ui/panel_model.h"
 #include "ui/qt/panel/panel_window.h"
@@ -24,6 +25,7 @@ public:
         const Clock& clock;
         Scheduler& scheduler;
         LoginItem& loginItem;
+        Remembered& remembered;
         std::function<void()> openLog;
         std::function<void()> quit;
         std::function<std::optional<Failure>()> openBluetooth;

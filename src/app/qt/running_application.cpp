@@ -47,8 +47,10 @@ RunningApplication::RunningApplication(const Setting& setting)
       appearance_(world_.sessionBus),
       loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
                  world_.processes),
+      remembered_(setting.preferences),
+      switchedOff_(model_.settings(), remembered_, setting.clock),
       opener_(world_.processes),
-      panel_({model_, appearance_, setting.clock, setting.scheduler, loginItem_,
+      panel_({model_, appearance_, setting.clock, setting.scheduler, loginItem_, remembered_,
               [this] { openLog(); }, quit,
               [this] { return opener_.openBluetooth(folders::variable("XDG_CURRENT_DESKTOP")); }}),
       trayBus_(dbus::sessionBus(world_.forgeries), pump, setting.scheduler,
@@ -72,6 +74,7 @@ RunningApplication::RunningApplication(const Setting& setting)
     lockCommands_ = setting_.preferences.onChangeByOthers([this] { takeLockCommand(); });
     lockFailures_ =
         model_.monitor().phase().onChange([this](const Phase& next) { phaseChanged(next); });
+    tellSwitchedOff();
     withoutIcon_ = setting.scheduler.after(iconPatience, [this] { openWithoutIcon(); });
 }
 
@@ -98,6 +101,18 @@ void RunningApplication::tellTroubles() {
             preferencesNotice_.emplace(world_.sessionBus,
                                        translated("Wegslot kan je voorkeuren niet lezen"),
                                        printable(fault->message.translated()));
+    });
+}
+
+/// At login, as far as can be known: it is then that Wegslot starts. Whoever starts it by hand
+/// while it is off wants to know that, too.
+void RunningApplication::tellSwitchedOff() {
+    if (!switchedOff_.isLong()) return;
+    switchedOffNotice_.emplace(world_.sessionBus, "Wegslot staat uit",
+                               "Het staat al meer dan een dag uit, en lockt dus niet als je "
+                               "wegloopt. Je zet het weer aan in het paneel.");
+    switchingOn_ = model_.settings().enabled.onChange([this](const bool& isOn) {
+        if (isOn) switchedOffNotice_.reset();
     });
 }
 

@@ -14,6 +14,8 @@
 #include "hud/linux/notice.h"
 #include "model/linux/preferences_file.h"
 #include "model/lock_command.h"
+#include "model/remembered.h"
+#include "model/switched_off.h"
 #include "recording/recorder.h"
 #include "ui/linux/autostart_item.h"
 #include "ui/linux/desktop_opener.h"
@@ -53,6 +55,7 @@ private:
     void openWithoutIcon();
     void phaseChanged(const Phase& next);
     void tellTroubles();
+    void tellSwitchedOff();
     void takeLockCommand();
 
     Setting setting_;
@@ -62,6 +65,8 @@ private:
     Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor
     Appearance appearance_;
     AutostartItem loginItem_;
+    Remembered remembered_;
+    SwitchedOff switchedOff_;
     DesktopOpener opener_;
     MenuPanel panel_;
     /// Apart from the one with Wegslot's name: who may talk to that reaches no menu.
@@ -74,11 +79,13 @@ private:
     std::optional<Notice> lockNotice_;
     std::optional<Notice> preferencesNotice_;
     std::optional<Notice> notLockedNotice_;
+    std::optional<Notice> switchedOffNotice_;
     Subscription lockFailures_;
     FileWatch preferencesWatch_;
     std::string lockCommandFault_;
     Subscription lockCommands_;
     Subscription preferencesFault_;
+    Subscription switchingOn_;
 };
 
 } // namespace wegslot

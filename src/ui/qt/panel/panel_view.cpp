@@ -36,6 +36,7 @@ PanelView::PanelView(const PanelContext& context, int height)
       header_(context),
       update_(context),
       keys_(context),
+      loginOffer_(context),
       nearby_(context, &PanelModel::openNearby),
       settings_(context, &PanelModel::openSettings),
       footer_(context) {
@@ -44,7 +45,7 @@ PanelView::PanelView(const PanelContext& context, int height)
     partsLayout_.setContentsMargins(padding, padding, padding - ThinScrollBar::thickness, padding);
     partsLayout_.setSpacing(14);
     for (QWidget* const part :
-         std::initializer_list<QWidget*>{&update_, &keys_, &nearby_, &settings_})
+         std::initializer_list<QWidget*>{&update_, &keys_, &loginOffer_, &nearby_, &settings_})
         partsLayout_.addWidget(part);
     partsLayout_.addStretch(1);
     scroll_.setFrameShape(QFrame::NoFrame);
@@ -75,6 +76,7 @@ void PanelView::show(const PanelContent& content) {
     header_.show(content.header);
     update_.show(content.banner);
     keys_.show(content.keys);
+    loginOffer_.show(content.loginOffer);
     nearby_.show(content.nearby);
     settings_.show(content.settings);
     footer_.show(content.footer);

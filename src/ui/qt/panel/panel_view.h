@@ -4,6 +4,7 @@
 #include "ui/qt/panel/footer_view.h"
 #include "ui/qt/panel/header_view.h"
 #include "ui/qt/panel/keys_view.h"
+#include "ui/qt/panel/login_offer_view.h"
 #include "ui/qt/panel/nearby_view.h"
 #include "ui/qt/panel/panel_context.h"
 #include "ui/qt/panel/settings_view.h"
@@ -39,6 +40,7 @@ private:
     ThinScrollBar scrollBar_;
     UpdateView update_;
     KeysView keys_;
+    LoginOfferCard loginOffer_;
     NearbyView nearby_;
     SettingsView settings_;
     Patch lowerDivider_{0, 1, 0};
