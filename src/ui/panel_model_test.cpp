@@ -308,6 +308,22 @@ TEST_F(PanelModelTest, LocksPausesAndResumes) {
     EXPECT_EQ(world.locks, 1);
 }
 
+TEST_F(PanelModelTest, ThePauseThatAWarningBeganEndsByAPauseOfOnesOwn) {
+    open({keyNamed("A", 1)});
+    world.keepHearing(1, -60, 2);
+    for (int second = 0; world.phaseName() != "warning"; ++second) {
+        ASSERT_LT(second, 60);
+        world.pass(1s);
+    }
+    world.monitor().cancelWarning();
+    EXPECT_EQ(world.phaseName(), "snoozed");
+    const auto entry = std::get<PauseMenu>(model->content().footer.pause).entries.at(0);
+    model->pause(entry.duration);
+    EXPECT_EQ(std::get<Button>(model->content().footer.pause).text, "Hervat");
+    model->resume();
+    EXPECT_NE(world.phaseName(), "snoozed");
+}
+
 TEST_F(PanelModelTest, WhatOthersDoIsAskedOfThem) {
     open();
     model->checkForUpdates();
