@@ -157,7 +157,7 @@ void PanelModel::declineLogin() {
 
 void PanelModel::couple(const Uuid& id) {
     const auto failure = objects_.requests.openBluetooth();
-    if (failure) Log::write("Koppelen mislukt: " + printable(failure->message));
+    if (failure) Log::write("Koppelen mislukt: " + printable(failure->message.builtIn()));
     flags_.notOpened = failure ? std::optional(id) : std::nullopt;
     changed_();
 }
