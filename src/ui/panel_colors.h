@@ -9,6 +9,7 @@ namespace wegslot {
 
 struct PanelColors {
     Color ground; ///< of the whole panel
+    Color card;   ///< a card on it
     Color text;
     Color quiet;   ///< text of second rank
     Color line;    ///< around a control
@@ -17,20 +18,17 @@ struct PanelColors {
     Color hover;   ///< laid over what the pointer is on
     Color focus;   ///< around what has the keyboard
     Color link;    ///< text that can be pressed
+
+    /// What is drawn around a colour that the brand fixes, where it would be lost in what is behind
+    /// it; wholly transparent where it stands out by itself. Both opaque.
+    [[nodiscard]] Color outlineOf(const Color& color, const Color& behind) const;
 };
 
-[[nodiscard]] constexpr PanelColors panelColors(Scheme scheme) {
-    const bool isLight = scheme == Scheme::light;
-    const Color ink = isLight ? brand::navy : brand::cream;
-    return {.ground = isLight ? brand::cream : brand::navy,
-            .text = ink,
-            .quiet = ink.withOpacity(isLight ? 0.7 : 0.72),
-            .line = ink.withOpacity(0.5),
-            .divider = ink.withOpacity(0.14),
-            .control = ink.withOpacity(isLight ? 0.1 : 0.16),
-            .hover = ink.withOpacity(0.08),
-            .focus = isLight ? Color::hex(0xB86E0A) : brand::orange,
-            .link = isLight ? Color::hex(0x8A5200) : brand::orange};
+/// What makes a card of the ground.
+[[nodiscard]] constexpr Color cardFill(Scheme scheme) {
+    return scheme == Scheme::light ? brand::white : brand::white.withOpacity(0.06);
 }
+
+[[nodiscard]] PanelColors panelColors(Scheme scheme);
 
 } // namespace wegslot
