@@ -1,19 +1,27 @@
 // The light surface on which things that belong together are laid: padding, round corners and, in
-// the light scheme, a faint warm glow. The glow falls on the parent, so that the card itself takes
-// the full width it is given.
+// the light scheme, a faint warm glow. The glow falls on what the card lies on, so that the card
+// itself takes the full width it is given.
 #pragma once
 
 #include "base/observable.h"
 #include "ui/qt/soft_shadow.h"
 #include "ui/scheme.h"
 
-#include <QPointer>
 #include <QVBoxLayout>
 #include <QWidget>
 
 #include <memory>
 
 namespace wegslot {
+
+/// What cards lie on, however many widgets are in between: on the card's parent alone the glow
+/// would be cut off along that one's edges.
+class CardGround final : public QWidget {
+protected:
+    bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+};
 
 class Card final : public QWidget {
 public:
@@ -24,22 +32,19 @@ public:
     Card(std::unique_ptr<QWidget> content, const Observable<Scheme>& scheme);
     ~Card() override;
 
-    [[nodiscard]] static Color fill(Scheme scheme);
     [[nodiscard]] static SoftShadow shadow(Scheme scheme);
+    [[nodiscard]] SoftShadow shadow() const { return shadow(scheme_.get()); }
 
 protected:
     bool event(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void followParent();
-    void glowChanged(const QRect& place);
+    void glowChanged() const;
 
     const Observable<Scheme>& scheme_;
     std::unique_ptr<QWidget> content_;
     QVBoxLayout layout_;
-    QPointer<QWidget> ground_; ///< the parent, on which the glow is painted
     Subscription changes_;
 };
 

@@ -1,6 +1,7 @@
 #include "ui/qt/card.h"
 
 #include "tests/support/offscreen.h"
+#include "ui/panel_colors.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ struct Painted final : QObject {
 struct CardTest : testing::Test {
     Offscreen<QApplication> application;
     Observable<Scheme> scheme{Scheme::light};
-    QWidget ground;
+    CardGround ground;
     QVBoxLayout column{&ground};
     QLabel* content = nullptr;
     std::unique_ptr<Card> card = makeCard();
@@ -77,6 +78,26 @@ TEST_F(CardTest, CastsAWarmShadowOnItsParent) {
     EXPECT_EQ(at(190, 10), bare());         // 16 + 3 - 8
 }
 
+TEST_F(CardTest, WhatIsBetweenTheCardAndItsGroundDoesNotCutTheGlow) {
+    column.removeWidget(card.get());
+    auto section = std::make_unique<QWidget>();
+    QVBoxLayout tight(section.get());
+    tight.setContentsMargins(0, 0, 0, 0);
+    tight.addWidget(card.get());
+    column.insertWidget(0, section.get());
+    QApplication::processEvents();
+    ASSERT_EQ(section->geometry(), QRect(16, 16, 348, 64));
+    EXPECT_NE(at(190, 82), bare());
+    EXPECT_NE(at(13, 50), bare());
+    EXPECT_NE(at(366, 50), bare());
+    // It goes where what is between goes.
+    column.insertSpacing(0, 20);
+    QApplication::processEvents();
+    ASSERT_EQ(section->y(), 36);
+    EXPECT_NE(at(190, 102), bare());
+    card->setParent(nullptr);
+}
+
 TEST_F(CardTest, TheDarkSchemeChangesFillAndShadowAtOnceAndNothingElse) {
     QPalette colors;
     colors.setColor(QPalette::Window, QColor(31, 32, 67));
@@ -121,8 +142,8 @@ TEST_F(CardTest, TheShadowGoesWithTheCard) {
 }
 
 TEST_F(CardTest, MeasuresAreThoseOfTheStyle) {
-    EXPECT_EQ(Card::fill(Scheme::light), brand::white);
-    EXPECT_EQ(Card::fill(Scheme::dark), brand::white.withOpacity(0.06));
+    EXPECT_EQ(cardFill(Scheme::light), brand::white);
+    EXPECT_EQ(cardFill(Scheme::dark), brand::white.withOpacity(0.06));
     EXPECT_EQ(Card::shadow(Scheme::light).color, brand::orange.withOpacity(0.1));
     EXPECT_EQ(Card::shadow(Scheme::dark).color.opacity, 0);
     EXPECT_EQ(Card::shadow(Scheme::light).blurRadius, 8);

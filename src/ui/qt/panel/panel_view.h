@@ -1,6 +1,7 @@
 // The whole panel as a widget of fixed width: head, what scrolls, foot. Draws what it is given.
 #pragma once
 
+#include "ui/qt/card.h"
 #include "ui/qt/panel/footer_view.h"
 #include "ui/qt/panel/header_view.h"
 #include "ui/qt/panel/keys_view.h"
@@ -33,9 +34,9 @@ private:
     PanelContext context_;
     Color ground_;
     HeaderView header_;
-    Patch upperDivider_{0, 1, 0};
+    Divider upperDivider_;
     QScrollArea scroll_; ///< before what it would otherwise end as its own
-    QWidget parts_;
+    CardGround parts_;
     QVBoxLayout partsLayout_{&parts_};
     ThinScrollBar scrollBar_;
     UpdateView update_;
@@ -43,7 +44,7 @@ private:
     LoginOfferCard loginOffer_;
     NearbyView nearby_;
     SettingsView settings_;
-    Patch lowerDivider_{0, 1, 0};
+    Divider lowerDivider_;
     FooterView footer_;
     QVBoxLayout layout_{this};
 };
