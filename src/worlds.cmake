@@ -186,7 +186,7 @@ wegslot_module(panel_qt
     ui/qt/panel/keys_view.h ui/qt/panel/menu_button.cpp ui/qt/panel/menu_button.h
     ui/qt/panel/login_offer_view.cpp ui/qt/panel/login_offer_view.h
     ui/qt/panel/nearby_view.cpp ui/qt/panel/nearby_view.h ui/qt/panel/number_field.cpp
-    ui/qt/panel/number_field.h ui/qt/panel/painting.cpp
+    ui/qt/panel/number_field.h ui/qt/panel/overhang.h ui/qt/panel/painting.cpp
     ui/qt/panel/painting.h ui/qt/panel/panel_button.cpp ui/qt/panel/panel_button.h
     ui/qt/panel/panel_context.h ui/qt/panel/panel_view.cpp ui/qt/panel/panel_view.h
     ui/qt/panel/panel_window.cpp ui/qt/panel/panel_window.h ui/qt/panel/section_view.h

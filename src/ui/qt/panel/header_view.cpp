@@ -17,7 +17,7 @@ HeaderView::HeaderView(const PanelContext& context)
     layout_.setContentsMargins(16, 16, 16, 12);
     layout_.setSpacing(12);
     texts_.setSpacing(2);
-    line_.setSpacing(5);
+    line_.setSpacing(4); // and one around the dot
     line_.addWidget(&dot_);
     line_.addWidget(&status_, 1);
     texts_.addWidget(&name_);
@@ -34,9 +34,11 @@ HeaderView::HeaderView(const PanelContext& context)
 
 void HeaderView::show(const panel::Header& header) {
     const PanelColors colors = context_.colors();
-    tile_.show(header.symbol, header.symbolColor, brand::navy);
+    tile_.show(header.symbol, {.ink = header.symbolColor,
+                               .ground = brand::navy,
+                               .outline = colors.outlineOf(brand::navy, colors.ground)});
     name_.show(header.name, header.nameColor);
-    dot_.show(header.dot);
+    dot_.show(header.dot, colors.outlineOf(header.dot, colors.ground));
     status_.show(header.status, colors.quiet);
     enabled_.show(header.enabled, colors);
     close_.show({.symbol = std::string(symbols::remove), .text = {}},

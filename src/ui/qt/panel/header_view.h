@@ -23,7 +23,7 @@ private:
     PanelContext context_;
     SymbolView tile_;
     Text name_;
-    Patch dot_{7, 7, 3.5};
+    Dot dot_;
     Text status_;
     Switch enabled_;
     PanelButton close_;

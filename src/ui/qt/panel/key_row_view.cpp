@@ -1,10 +1,16 @@
 #include "ui/qt/panel/key_row_view.h"
 
+#include "ui/qt/panel/overhang.h"
 #include "ui/qt/panel/painting.h"
 
 #include <QPainter>
 
 namespace wegslot {
+namespace {
+
+constexpr int overhang = 4; ///< how much of the padding around it the row uses
+
+} // namespace
 
 BadgeView::BadgeView() : text_(brand::heading(10.5, FontWeight::heavy)) {
     layout_.setContentsMargins(7, 2, 7, 2);
@@ -42,6 +48,7 @@ KeyRowView::KeyRowView(const PanelContext& context)
       near_(brand::body(10.5)),
       fromHere_(context.images, {.shape = ButtonLook::Shape::link, .font = brand::body(11)}),
       justSet_(brand::body(11), Text::Fit::wrapped) {
+    setContentsMargins(overhang, 0, overhang, 0);
     layout_.setContentsMargins(0, 0, 0, 0);
     layout_.setSpacing(8);
     titleLine_.setSpacing(6);
@@ -51,7 +58,7 @@ KeyRowView::KeyRowView(const PanelContext& context)
     if (hasRoom) titleLine_.addWidget(&note_);
     titleLine_.addStretch(1);
     titleLine_.addWidget(&badge_);
-    titleLine_.addWidget(&remove_);
+    addOverhanging(titleLine_, *this, remove_, {0, 0, overhang, 0}); // the cross in line
     signalLine_.setSpacing(8);
     signalLine_.addWidget(&signal_);
     signalLine_.addStretch(1);
@@ -64,7 +71,7 @@ KeyRowView::KeyRowView(const PanelContext& context)
     if (!hasRoom) layout_.addWidget(&note_);
     layout_.addWidget(&trouble_);
     layout_.addLayout(&signalLine_);
-    layout_.addWidget(&bar_);
+    addOverhanging(layout_, *this, bar_, SignalBarView::beyond);
     layout_.addLayout(&thresholdLine_);
     fromHereLine_.setSpacing(8);
     fromHereLine_.addWidget(&fromHere_, 0, Qt::AlignLeft | Qt::AlignTop);
@@ -88,7 +95,8 @@ void KeyRowView::connectControls() {
 void KeyRowView::show(const panel::KeyRow& row) {
     const PanelColors colors = context_.colors();
     id_ = row.id;
-    symbol_.show(row.symbol, row.symbolColor);
+    symbol_.show(row.symbol, {.ink = row.symbolColor,
+                              .outline = colors.outlineOf(row.symbolColor, colors.card)});
     name_.show(row.name, colors.text);
     note_.show(row.note, colors.quiet);
     badge_.show(row.badge);
@@ -98,7 +106,7 @@ void KeyRowView::show(const panel::KeyRow& row) {
     trouble_.setVisible(!row.trouble.empty());
     signal_.show(row.signal, colors.quiet);
     limit_.show(row.limit, colors.quiet);
-    bar_.show(row.bar);
+    bar_.show(row.bar, colors.outlineOf(SignalBar::markerColor, colors.card));
     far_.show(row.farEnd, colors.quiet);
     threshold_.show(row.threshold, row.name + ": " + row.limit, colors);
     near_.show(row.nearEnd, colors.quiet);

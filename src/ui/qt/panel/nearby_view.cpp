@@ -58,7 +58,7 @@ void NearbyRowView::show(const panel::NearbyPlace& place) {
     }
     setMinimumHeight(0);
     setMaximumHeight(QWIDGETSIZE_MAX);
-    symbol_.show(place.row->symbol, place.row->symbolColor);
+    symbol_.show(place.row->symbol, {.ink = place.row->symbolColor});
     name_.show(place.row->name, colors.text);
     detail_.show(place.row->detail, colors.quiet);
     signal_.show(place.row->signal, colors.quiet);

@@ -77,7 +77,7 @@ private:
     NearbyListView named_;
     NearbyListView* namelessList_; ///< the disclosure's
     Disclosure nameless_;
-    Patch divider_{0, 1, 0};
+    Divider divider_;
     CheckBox showOthers_;
     Text othersExplanation_;
     NearbyListView others_;

@@ -16,6 +16,7 @@ void fillRounded(QPainter& painter, const QRectF& place, double radius, const Co
 
 void strokeRounded(QPainter& painter, const QRectF& place, double radius, const Color& color,
                    double width) {
+    if (color.opacity <= 0) return;
     painter.setPen(QPen(qtColor(color), width));
     painter.setBrush(Qt::NoBrush);
     const double inset = width / 2;
@@ -25,6 +26,14 @@ void strokeRounded(QPainter& painter, const QRectF& place, double radius, const 
 
 void strokeFocus(QPainter& painter, const QRectF& place, double radius, const Color& color) {
     strokeRounded(painter, place, radius, color, 2);
+}
+
+double leftOfInk(const QImage& image) {
+    constexpr int seen = 64; // of 255: less is the edge of a stroke
+    for (int x = 0; x < image.width(); ++x)
+        for (int y = 0; y < image.height(); ++y)
+            if (qAlpha(image.pixel(x, y)) > seen) return x / image.devicePixelRatio();
+    return 0;
 }
 
 bool showsFocus(const QWidget& control) {

@@ -3,6 +3,7 @@
 
 #include "ui/brand.h"
 
+#include <QImage>
 #include <QRectF>
 #include <QString>
 
@@ -19,6 +20,9 @@ void strokeRounded(QPainter& painter, const QRectF& place, double radius, const 
 
 /// Around what has the keyboard.
 void strokeFocus(QPainter& painter, const QRectF& place, double radius, const Color& color);
+
+/// How far from its left edge something is seen in `image`, in its own measure.
+[[nodiscard]] double leftOfInk(const QImage& image);
 
 /// Whether to show that `control` has the keyboard: not where the pointer gave it.
 [[nodiscard]] bool showsFocus(const QWidget& control);

@@ -69,8 +69,7 @@ void PanelButton::paintEvent(QPaintEvent*) {
     const double radius = isCapsule ? height() / 2.0 : 6;
     const QRectF whole = rect();
     painting::fillRounded(painter, whole, radius, colors_.ground);
-    if (colors_.outline.opacity > 0)
-        painting::strokeRounded(painter, whole, radius, colors_.outline, 1);
+    painting::strokeRounded(painter, whole, radius, colors_.outline, 1);
     const bool isPointedAt = isEnabled() && (underMouse() || isDown());
     if (isPointedAt && look_.shape != ButtonLook::Shape::link)
         painting::fillRounded(painter, whole, radius,

@@ -83,8 +83,8 @@ SettingsContentView::Show SettingsContentView::viewOf(const panel::SettingsPart&
             shown->show(std::get<panel::VersionBlock>(now));
         };
     }
-    auto view = std::make_unique<Patch>(0, 1, 0);
-    Patch* const shown = view.get();
+    auto view = std::make_unique<Divider>();
+    Divider* const shown = view.get();
     widgets_.push_back(std::move(view));
     return [this, shown](const panel::SettingsPart&) { shown->show(context_.colors().divider); };
 }

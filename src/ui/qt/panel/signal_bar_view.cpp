@@ -15,7 +15,7 @@ constexpr double thickness = 6;
 } // namespace
 
 SignalBarView::SignalBarView(const Clock& clock) : clock_(clock) {
-    setFixedHeight(static_cast<int>(SignalBar::markerHeight));
+    setFixedHeight(static_cast<int>(SignalBar::markerHeight) + beyond.top() + beyond.bottom());
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     frames_.setInterval(frameInterval);
     connect(&frames_, &QTimer::timeout, this, [this] {
@@ -24,7 +24,9 @@ SignalBarView::SignalBarView(const Clock& clock) : clock_(clock) {
     });
 }
 
-void SignalBarView::show(const SignalBar& bar) {
+void SignalBarView::show(const SignalBar& bar, const Color& markerOutline) {
+    if (markerOutline != markerOutline_) update();
+    markerOutline_ = markerOutline;
     if (bar == bar_) return;
     bar_ = bar;
     if (!bar.fill)
@@ -40,18 +42,19 @@ void SignalBarView::show(const SignalBar& bar) {
 void SignalBarView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const double top = (height() - thickness) / 2;
-    painting::fillRounded(painter, QRectF(0, top, width(), thickness), thickness / 2,
-                          SignalBar::trackColor);
+    const QRectF bar = QRectF(rect()).marginsRemoved(beyond);
+    const QRectF track(bar.left(), bar.center().y() - thickness / 2, bar.width(), thickness);
+    painting::fillRounded(painter, track, thickness / 2, SignalBar::trackColor);
     if (bar_.fill && motion_) {
-        const double length = fillLength(motion_->at(clock_.now()), width());
-        painting::fillRounded(painter, QRectF(0, top, length, thickness), thickness / 2,
-                              bar_.fill->color);
+        QRectF fill = track;
+        fill.setWidth(fillLength(motion_->at(clock_.now()), bar.width()));
+        painting::fillRounded(painter, fill, thickness / 2, bar_.fill->color);
     }
-    painting::fillRounded(painter,
-                          QRectF(markerStart(bar_.marker, width()), 0, SignalBar::markerWidth,
-                                 SignalBar::markerHeight),
-                          SignalBar::markerWidth / 2, SignalBar::markerColor);
+    const QRectF marker(bar.left() + markerStart(bar_.marker, bar.width()), bar.top(),
+                        SignalBar::markerWidth, SignalBar::markerHeight);
+    constexpr double radius = SignalBar::markerWidth / 2;
+    painting::fillRounded(painter, marker.adjusted(-1, -1, 1, 1), radius + 1, markerOutline_);
+    painting::fillRounded(painter, marker, radius, SignalBar::markerColor);
 }
 
 } // namespace wegslot

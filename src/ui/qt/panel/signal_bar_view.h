@@ -5,6 +5,7 @@
 #include "base/clock.h"
 #include "ui/signal_bar.h"
 
+#include <QMargins>
 #include <QTimer>
 #include <QWidget>
 
@@ -14,10 +15,13 @@ namespace wegslot {
 
 class SignalBarView final : public QWidget {
 public:
+    /// How much larger than the bar it is: the mark stands out at the ends, and has an outline.
+    static constexpr QMargins beyond{3, 1, 3, 1};
+
     /// `clock` must outlive the view.
     explicit SignalBarView(const Clock& clock);
 
-    void show(const SignalBar& bar);
+    void show(const SignalBar& bar, const Color& markerOutline);
     using QWidget::show;
 
 protected:
@@ -26,6 +30,7 @@ protected:
 private:
     const Clock& clock_;
     SignalBar bar_;
+    Color markerOutline_;
     std::optional<FillMotion> motion_;
     QTimer frames_;
 };

@@ -12,33 +12,57 @@ namespace wegslot {
 
 class SymbolImages;
 
-/// A symbol in the middle of a frame, on a rounded tile if it has a ground.
+/// A symbol on the left of its frame, where texts begin, or in the middle of a rounded tile.
 class SymbolView final : public QWidget {
 public:
+    struct Colors {
+        Color ink;
+        Color ground = Color{}.withOpacity(0);
+        /// Around the tile, or around the symbol that has none.
+        Color outline = Color{}.withOpacity(0);
+
+        friend bool operator==(const Colors&, const Colors&) = default;
+    };
+
     /// In pixels. `images` must outlive the view.
     SymbolView(const SymbolImages& images, QSize frame, double symbolSide, double cornerRadius = 0);
 
-    void show(const std::string& symbol, const Color& color,
-              const Color& ground = Color{}.withOpacity(0));
+    void show(const std::string& symbol, const Colors& colors);
     using QWidget::show;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void paintOutlined(QPainter& painter, QPointF place, double side) const;
+
     const SymbolImages& images_;
     double side_;
     double radius_;
     std::string symbol_;
-    Color color_;
-    Color ground_;
+    Colors colors_;
 };
 
-/// A filled shape of one colour: a dot, or a line across.
-class Patch final : public QWidget {
+/// Seven pixels across, and room for an outline around them.
+class Dot final : public QWidget {
 public:
-    /// `radius` of its corners. Of no fixed width when that is 0.
-    Patch(int width, int height, double radius);
+    Dot();
+
+    void show(const Color& color, const Color& outline);
+    using QWidget::show;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Color color_;
+    Color outline_;
+};
+
+/// A line across between two parts.
+class Divider final : public QWidget {
+public:
+    Divider() { setFixedHeight(1); }
 
     void show(const Color& color);
     using QWidget::show;
@@ -47,7 +71,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    double radius_;
     Color color_;
 };
 

@@ -23,6 +23,8 @@ double textScale() {
     return std::max(1.0, QFontInfo(QGuiApplication::font()).pixelSize() / largestDefault);
 }
 
+double controlScale() { return std::min(textScale(), 1.5); }
+
 Font scaledFont(const Font& font) {
     Font scaled = font;
     scaled.size = std::round(2 * font.size * textScale()) / 2;

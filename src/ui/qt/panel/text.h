@@ -14,6 +14,10 @@ namespace wegslot {
 /// 10 or 11 pt (at most 15 pixels); what goes beyond that is the user's wish.
 [[nodiscard]] double textScale();
 
+/// How much larger than designed symbols and controls are: as text is, but no more than the panel
+/// has room for.
+[[nodiscard]] double controlScale();
+
 /// `font` as large as the user wants it.
 [[nodiscard]] Font scaledFont(const Font& font);
 

@@ -37,7 +37,7 @@ UpdateOfferView::UpdateOfferView(const PanelContext& context)
 }
 
 void UpdateOfferView::show(const panel::UpdateOffer& offer) {
-    symbol_.show(offer.symbol, brand::orange);
+    symbol_.show(offer.symbol, {.ink = brand::orange});
     title_.show(offer.title, brand::cream);
     current_.show(offer.current, brand::cream.withOpacity(0.7));
     notes_.show(offer.notes, brand::cream.withOpacity(0.85));
@@ -82,7 +82,7 @@ UpdateTroubleView::UpdateTroubleView(const PanelContext& context)
 
 void UpdateTroubleView::show(const panel::UpdateTrouble& trouble) {
     const PanelColors colors = context_.colors();
-    symbol_.show(trouble.symbol, trouble.color);
+    symbol_.show(trouble.symbol, {.ink = trouble.color});
     text_.show(trouble.text, trouble.color);
     retry_.show(trouble.retry,
                 {.ink = colors.text, .ground = colors.control, .focus = colors.focus});

@@ -1,0 +1,185 @@
+// What the panel's drawing owes the eye, measured on its pixels: what must not be missed stands out
+// from what is behind it, and what belongs on one line lies on it.
+
+#include "tests/interface/picture_stage.h"
+#include "tests/support/panel_world.h"
+#include "ui/contrast.h"
+#include "ui/qt/panel/panel_view.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+
+#include <optional>
+#include <vector>
+
+using namespace wegslot;
+using namespace std::chrono_literals;
+
+namespace {
+
+Color colorOf(QRgb pixel) {
+    return {static_cast<std::uint8_t>(qRed(pixel)), static_cast<std::uint8_t>(qGreen(pixel)),
+            static_cast<std::uint8_t>(qBlue(pixel))};
+}
+
+/// Panel with a key that is near, one that is weak and one that is not heard.
+class PanelDrawingTest : public testing::Test, protected PanelWorld {
+protected:
+    void SetUp() override { ASSERT_TRUE(PictureStage::hasFont()); }
+
+    void open(std::vector<KeyDevice> keys) {
+        model.emplace(run(keys), PanelModel::Expand::asNeeded, [] {});
+        view.emplace(PanelContext{*model, images, scheme, world.time}, 700);
+        view->setAttribute(Qt::WA_DontShowOnScreen);
+        model->appear();
+    }
+    void openThree() {
+        open({keyNamed("iPhone", 1), keyNamed("Apple Watch", 2), keyNamed("Bandje", 3)});
+        for (int second = 0; second < 11; ++second) {
+            world.hearApple(1, -48, 0x10, "iPhone");
+            world.hearApple(2, second < 5 ? -50 : -82, 0x10, "Apple Watch");
+            world.pass(1s);
+        }
+        draw();
+    }
+
+    void draw() { draw(model->content()); }
+    void draw(const PanelContent& content) {
+        view->show(content);
+        view->show();
+        for (int i = 0; i < 3; ++i)
+            QCoreApplication::processEvents();
+        picture = PictureStage::picture(*view);
+    }
+    void draw(Scheme now) {
+        scheme.set(now);
+        draw();
+        colors = panelColors(now);
+    }
+
+    template <typename Kind>
+    [[nodiscard]] std::vector<Kind*> all() const {
+        std::vector<Kind*> found;
+        for (QWidget* const widget : view->findChildren<QWidget*>())
+            if (auto* const one = dynamic_cast<Kind*>(widget); one != nullptr && one->isVisible())
+                found.push_back(one);
+        return found;
+    }
+    [[nodiscard]] QRect place(const QWidget& widget) const {
+        return {widget.mapTo(&*view, QPoint()), widget.size()};
+    }
+    [[nodiscard]] Color at(int x, int y) const { return colorOf(picture.pixel(x, y)); }
+    [[nodiscard]] bool standsOut(int x, int y, const Color& behind) const {
+        return contrast(at(x, y), behind) >= leastContrast;
+    }
+    [[nodiscard]] int pixelsThatStandOut(const QRect& area, const Color& behind) const {
+        int count = 0;
+        for (int y = area.top(); y <= area.bottom(); ++y)
+            for (int x = area.left(); x <= area.right(); ++x)
+                count += standsOut(x, y, behind) ? 1 : 0;
+        return count;
+    }
+
+    /// Where the mark of each bar has its middle.
+    [[nodiscard]] std::vector<QPoint> marks() {
+        std::vector<QPoint> places;
+        const auto bars = all<SignalBarView>();
+        for (std::size_t i = 0; i < bars.size(); ++i) {
+            const QRect bar = place(*bars[i]).marginsRemoved(SignalBarView::beyond);
+            const double marker = model->content().keys.rows.at(i).bar.marker;
+            places.emplace_back(bar.left() + static_cast<int>(marker * bar.width()), bar.top());
+        }
+        return places;
+    }
+
+    PictureStage stage;
+    SymbolImages images;
+    std::optional<PanelModel> model;
+    std::optional<PanelView> view;
+    QImage picture;
+    PanelColors colors = panelColors(Scheme::light);
+};
+
+} // namespace
+
+TEST_F(PanelDrawingTest, TheSymbolsOfKeysStandOutFromTheirCards) {
+    openThree();
+    for (const Scheme now : {Scheme::light, Scheme::dark}) {
+        draw(now);
+        int symbols = 0;
+        for (const SymbolView* const symbol : all<SymbolView>()) {
+            if (symbol->width() != 18) continue; // the tile
+            ++symbols;
+            EXPECT_GE(pixelsThatStandOut(place(*symbol), colors.card), 20);
+        }
+        EXPECT_EQ(symbols, 3);
+    }
+}
+
+TEST_F(PanelDrawingTest, TheMarkOfAThresholdStandsOutFromBothOfItsSides) {
+    openThree();
+    for (const Scheme now : {Scheme::light, Scheme::dark}) {
+        draw(now);
+        ASSERT_EQ(marks().size(), 3U);
+        for (const QPoint& mark : marks())
+            for (int y = mark.y() + 1; y < mark.y() + 13; ++y)
+                for (const int side : {-5, 5}) {
+                    const Color behind = at(mark.x() + side, y);
+                    EXPECT_GE(pixelsThatStandOut({mark.x() - 2, y, 5, 1}, behind), 1)
+                        << y - mark.y();
+                }
+    }
+}
+
+TEST_F(PanelDrawingTest, TheTileHasAnEdgeAllAround) {
+    openThree();
+    for (const Scheme now : {Scheme::light, Scheme::dark}) {
+        draw(now);
+        const auto symbols = all<SymbolView>();
+        const auto tile =
+            std::ranges::find_if(symbols, [](const auto* one) { return one->width() == 40; });
+        ASSERT_NE(tile, symbols.end());
+        const QRect area = place(**tile);
+        for (const QPoint& edge :
+             {QPoint(area.left(), area.center().y()), QPoint(area.right(), area.center().y()),
+              QPoint(area.center().x(), area.top()), QPoint(area.center().x(), area.bottom())})
+            EXPECT_TRUE(standsOut(edge.x(), edge.y(), colors.ground));
+        // And the symbol from the tile.
+        EXPECT_GE(pixelsThatStandOut(area.adjusted(6, 6, -6, -6), brand::navy), 20);
+    }
+}
+
+TEST_F(PanelDrawingTest, TheDotOfEveryPhaseStandsOut) {
+    openThree();
+    for (const Scheme now : {Scheme::light, Scheme::dark}) {
+        draw(now);
+        for (const Color& phase :
+             {brand::danger, brand::lila, brand::orange, brand::success, brand::navy}) {
+            PanelContent content = model->content();
+            content.header.dot = phase;
+            draw(content);
+            const auto dots = all<Dot>();
+            ASSERT_EQ(dots.size(), 1U);
+            const QRect area = place(*dots[0]);
+            EXPECT_GE(pixelsThatStandOut(area, colors.ground), 12);
+            EXPECT_EQ(at(area.center().x(), area.center().y()), phase);
+        }
+    }
+}
+
+TEST_F(PanelDrawingTest, AMarkAtTheEndOfItsBarIsWhollySeen) {
+    auto lowest = keyNamed("iPhone", 1);
+    auto highest = keyNamed("Apple Watch", 2);
+    lowest.threshold = Dbm{-100};
+    highest.threshold = Dbm{-30};
+    open({lowest, highest});
+    world.pass(1s);
+    draw();
+    const auto bars = all<SignalBarView>();
+    ASSERT_EQ(bars.size(), 2U);
+    const QRect first = place(*bars[0]).marginsRemoved(SignalBarView::beyond);
+    const QRect second = place(*bars[1]).marginsRemoved(SignalBarView::beyond);
+    EXPECT_TRUE(standsOut(first.left() - 1, first.center().y(), colors.card));
+    EXPECT_TRUE(standsOut(second.right() + 1, second.center().y(), colors.card));
+}
