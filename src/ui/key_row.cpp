@@ -13,8 +13,7 @@ namespace {
 
 std::string noteOf(const KeyFacts& facts) {
     // Only where it is known to be foreign: such a key is never connected.
-    if (facts.key.isApple == false) return "Ander merk, alleen luisteren";
-    return facts.isHeardOverConnection ? "verbonden" : "alleen luisteren";
+    return facts.key.isApple == false ? "Ander merk, alleen luisteren" : "";
 }
 
 Badge badgeOf(const std::optional<KeyState>& state) {
@@ -62,6 +61,7 @@ KeyRow keyRow(const KeyFacts& facts) {
                           .tooltip = "Verwijder deze sleutel"},
                .trouble = facts.changesAddress ? "Wisselt van adres, koppel opnieuw" : "",
                .signal = signalOf(facts.rssi),
+               .link = facts.isHeardOverConnection ? "verbonden" : "",
                .limit = "Lockt onder " + wholeNumber(key.threshold.value) + " dBm",
                .bar = signalBar(facts.rssi, key.threshold),
                .farEnd = "Ver",

@@ -33,12 +33,13 @@ struct KeyRow {
     std::string symbol;
     Color symbolColor = brand::navy;
     std::string name; ///< one line
-    std::string note; ///< how it is followed; quiet, behind the name
+    std::string note; ///< of another make; quiet, behind the name where both have room
     Badge badge;
     Button remove;
     std::string trouble; ///< a line of its own below the name, in `troubleColor`
     Color troubleColor = brand::danger;
     std::string signal;
+    std::string link; ///< behind the signal: it is that of a connection
     std::string limit;
     SignalBar bar;
     std::string farEnd; ///< before the slider

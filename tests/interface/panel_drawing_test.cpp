@@ -26,7 +26,11 @@ Color colorOf(QRgb pixel) {
 /// Panel with a key that is near, one that is weak and one that is not heard.
 class PanelDrawingTest : public testing::Test, protected PanelWorld {
 protected:
-    void SetUp() override { ASSERT_TRUE(PictureStage::hasFont()); }
+    explicit PanelDrawingTest(const PictureStage::Face& font = PictureStage::ordinary)
+        : face(font),
+          stage(1, font) {}
+
+    void SetUp() override { ASSERT_TRUE(PictureStage::hasFont(face)); }
 
     void open(std::vector<KeyDevice> keys) {
         model.emplace(run(keys), PanelModel::Expand::asNeeded, [] {});
@@ -93,6 +97,7 @@ protected:
         return places;
     }
 
+    PictureStage::Face face;
     PictureStage stage;
     SymbolImages images;
     std::optional<PanelModel> model;
@@ -100,6 +105,23 @@ protected:
     QImage picture;
     PanelColors colors = panelColors(Scheme::light);
 };
+
+struct PanelInFontsTest : PanelDrawingTest, testing::WithParamInterface<PictureStage::Face> {
+    PanelInFontsTest() : PanelDrawingTest(GetParam()) {}
+
+    /// The text that says this, wherever it stands.
+    [[nodiscard]] const Text* text(const std::string& said) const {
+        for (const Text* const one : all<Text>())
+            if (one->text().toStdString() == said) return one;
+        return nullptr;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(In, PanelInFontsTest,
+                         testing::Values(PictureStage::ordinary, PictureStage::wide),
+                         [](const auto& test) {
+                             return QString(test.param.family).remove(' ').toStdString();
+                         });
 
 } // namespace
 
@@ -182,4 +204,36 @@ TEST_F(PanelDrawingTest, AMarkAtTheEndOfItsBarIsWhollySeen) {
     const QRect second = place(*bars[1]).marginsRemoved(SignalBarView::beyond);
     EXPECT_TRUE(standsOut(first.left() - 1, first.center().y(), colors.card));
     EXPECT_TRUE(standsOut(second.right() + 1, second.center().y(), colors.card));
+}
+
+TEST_P(PanelInFontsTest, TheNoteOfAForeignKeyIsReadWholeAndSoIsAnOrdinaryName) {
+    for (const char* const name : {"Bandje", "Sleutelbos van Anna", "Fietssleutel van Annemarie"}) {
+        auto key = keyNamed(name, 1);
+        key.isApple = false;
+        open({key});
+        world.pass(1s);
+        draw();
+        for (const std::string& said :
+             {std::string(name), std::string("Ander merk, alleen luisteren")}) {
+            const Text* const shown = text(said);
+            ASSERT_NE(shown, nullptr) << said;
+            EXPECT_GE(shown->width(), shown->sizeHint().width()) << name << ": " << said;
+        }
+        view.reset();
+        model.reset();
+    }
+}
+
+TEST_P(PanelInFontsTest, TheNoteStandsBehindTheNameWhereBothHaveRoom) {
+    const auto isBehind = [this](const char* name) {
+        auto key = keyNamed(name, 1);
+        key.isApple = false;
+        world.settings().keys.set({key});
+        draw();
+        return place(*text("Ander merk, alleen luisteren")).top() < place(*text(name)).bottom();
+    };
+    open({});
+    EXPECT_TRUE(isBehind("Tag"));
+    EXPECT_FALSE(isBehind("Fietssleutel van Annemarie"));
+    EXPECT_TRUE(isBehind("Tag"));
 }

@@ -15,8 +15,33 @@ namespace {
 /// The panel as a picture shows it: on a stage, without a window system's ideas.
 class PanelPicturesTest : public testing::TestWithParam<int>, protected PanelWorld {
 protected:
+    explicit PanelPicturesTest(const PictureStage::Face& font = PictureStage::ordinary,
+                               std::string prefix = "panel-")
+        : face(font),
+          namePrefix(std::move(prefix)),
+          stage(static_cast<double>(GetParam()), font) {}
+
     void SetUp() override {
-        ASSERT_TRUE(PictureStage::hasFont()) << "install the packages of tools/packages/test";
+        ASSERT_TRUE(PictureStage::hasFont(face)) << "install the packages of tools/packages/test";
+    }
+
+    /// Text as large as some set it.
+    void enlarge() const {
+        QFont large(face.family);
+        large.setPixelSize(22);
+        QApplication::setFont(large);
+    }
+
+    /// With one key near, one weak and one of another make, not heard.
+    void openThreeKeys(int height = 600, PanelModel::Expand expand = PanelModel::Expand::asNeeded) {
+        auto band = keyNamed("Bandje", 3);
+        band.isApple = false;
+        open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2), band}, height, expand);
+        for (int second = 0; second < 11; ++second) {
+            hear(1, -48, "iPhone van Anna");
+            hear(2, second < 5 ? -50 : -82, "Apple Watch");
+            world.pass(1s);
+        }
     }
 
     void open(const std::vector<KeyDevice>& keys = {}, int height = 600,
@@ -34,20 +59,29 @@ protected:
         for (int i = 0; i < 3; ++i)
             QCoreApplication::processEvents();
         return looksLike(PictureStage::picture(*view),
-                         "panel-" + name + "-" + std::to_string(GetParam()) + "x");
+                         namePrefix + name + "-" + std::to_string(GetParam()) + "x");
     }
 
     void hear(unsigned number, int rssi, std::string_view name) {
         world.hearApple(number, rssi, 0x10, name);
     }
 
-    PictureStage stage{static_cast<double>(GetParam())};
+    PictureStage::Face face;
+    std::string namePrefix;
+    PictureStage stage;
     SymbolImages images;
     std::optional<PanelModel> model;
     std::optional<PanelView> view;
 };
 
 INSTANTIATE_TEST_SUITE_P(AtScale, PanelPicturesTest, testing::Values(1, 2));
+
+/// In a font in which less has room.
+struct PanelInAWideFontTest : PanelPicturesTest {
+    PanelInAWideFontTest() : PanelPicturesTest(PictureStage::wide, "panel-wide-font-") {}
+};
+
+INSTANTIATE_TEST_SUITE_P(AtScale, PanelInAWideFontTest, testing::Values(1));
 
 Release newer() {
     return {.version = "1.4",
@@ -76,14 +110,7 @@ TEST_P(PanelPicturesTest, OneKeyNear) {
 }
 
 TEST_P(PanelPicturesTest, ThreeKeysNearWeakAndAway) {
-    auto band = keyNamed("Bandje", 3);
-    band.isApple = false;
-    open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2), band});
-    for (int second = 0; second < 11; ++second) {
-        hear(1, -48, "iPhone van Anna");
-        hear(2, second < 5 ? -50 : -82, "Apple Watch");
-        world.pass(1s);
-    }
+    openThreeKeys();
     EXPECT_TRUE(shows("three-keys"));
     scheme.set(Scheme::dark);
     EXPECT_TRUE(shows("three-keys-dark"));
@@ -202,13 +229,38 @@ TEST_P(PanelPicturesTest, LongNames) {
 }
 
 TEST_P(PanelPicturesTest, LargerText) {
-    QFont large(PictureStage::fontFamily);
-    large.setPixelSize(22);
-    QApplication::setFont(large);
+    enlarge();
     open({keyNamed("iPhone van Anna", 1), keyNamed("Apple Watch", 2)}, 1600,
          PanelModel::Expand::all);
     hear(1, -52, "iPhone van Anna");
     hear(3, -58, "iPad van Anna");
     world.pass(1s);
     EXPECT_TRUE(shows("larger-text"));
+}
+
+TEST_P(PanelInAWideFontTest, AllOfIt) {
+    openThreeKeys(1200, PanelModel::Expand::all);
+    hear(4, -58, "iPad van Anna");
+    world.central.connected(numbered(1));
+    world.central.rssiRead(numbered(1), -48);
+    world.pass(1s);
+    update.set(update_state::Available{newer()});
+    EXPECT_TRUE(shows("all"));
+    scheme.set(Scheme::dark);
+    EXPECT_TRUE(shows("all-dark"));
+}
+
+TEST_P(PanelInAWideFontTest, LargerText) {
+    enlarge();
+    openThreeKeys(1600, PanelModel::Expand::all);
+    hear(4, -58, "iPad van Anna");
+    world.pass(1s);
+    EXPECT_TRUE(shows("larger-text"));
+}
+
+TEST_P(PanelInAWideFontTest, NoKeysAndADeviceNearby) {
+    open();
+    hear(2, -58, "Apple Watch van Anna-Sophie");
+    world.pass(1s);
+    EXPECT_TRUE(shows("no-keys"));
 }

@@ -20,26 +20,38 @@ namespace wegslot {
 
 class PictureStage {
 public:
-    /// Where the Debian package has it.
-    static constexpr auto fontFolder = "/usr/share/fonts/truetype/liberation2";
-    static constexpr auto fontFamily = "Liberation Sans";
+    /// A font, and where its Debian package has it.
+    struct Face {
+        const char* family;
+        const char* folder;
+        const char* regular;
+        const char* bold;
+    };
+
+    static constexpr Face ordinary{"Liberation Sans", "/usr/share/fonts/truetype/liberation2",
+                                   "LiberationSans-Regular.ttf", "LiberationSans-Bold.ttf"};
+    /// An eighth wider: what has room in this one has it in the fonts of most desktops.
+    static constexpr Face wide{"DejaVu Sans", "/usr/share/fonts/truetype/dejavu", "DejaVuSans.ttf",
+                               "DejaVuSans-Bold.ttf"};
 
     /// `scale`: device pixels to one of ours, as a screen of that density has them.
-    explicit PictureStage(double scale = 1)
+    explicit PictureStage(double scale = 1, const Face& face = ordinary)
         : environment_({{"QT_QPA_PLATFORM", "offscreen"},
                         {"QT_SCALE_FACTOR", decimal(scale)},
-                        {"FONTCONFIG_FILE", fontConfiguration()},
+                        {"FONTCONFIG_FILE", fontConfiguration(face)},
                         {"XDG_RUNTIME_DIR", folder_.path().string()},
                         {"DISPLAY", ""},
                         {"WAYLAND_DISPLAY", ""}}) {
         application_ = std::make_unique<QApplication>(argc_, static_cast<char**>(arguments_));
-        QFont font(fontFamily);
+        QFont font(face.family);
         font.setPixelSize(14); // between what the desktops set
         QApplication::setFont(font);
     }
 
     /// Whether the font is the one that the references were made with.
-    [[nodiscard]] static bool hasFont() { return QFontInfo(QFont()).family() == fontFamily; }
+    [[nodiscard]] static bool hasFont(const Face& face = ordinary) {
+        return QFontInfo(QFont()).family() == face.family;
+    }
 
     /// What `window`, which is shown, looks like once everything under way has been done.
     [[nodiscard]] static QImage picture(QWidget& window) {
@@ -49,13 +61,21 @@ public:
 
 private:
     /// Fontconfig sees this one font only, and renders it in one way.
-    [[nodiscard]] std::string fontConfiguration() const {
-        folder_.write("fonts.conf", std::string(R"(<?xml version="1.0"?>
+    [[nodiscard]] std::string fontConfiguration(const Face& face) const {
+        const std::string fonts = face.folder;
+        folder_.write("fonts.conf", R"(<?xml version="1.0"?>
 <!DOCTYPE fontconfig SYSTEM "fonts.dtd">
 <fontconfig>
-  <dir>)") + fontFolder + R"(</dir>
+  <dir>)" + fonts + R"(</dir>
   <cachedir>)" + folder_.path().string() +
                                         R"(</cachedir>
+  <selectfont>
+    <rejectfont><glob>*</glob></rejectfont>
+    <acceptfont><glob>)" + fonts + "/" + face.regular +
+                                        R"(</glob></acceptfont>
+    <acceptfont><glob>)" + fonts + "/" + face.bold +
+                                        R"(</glob></acceptfont>
+  </selectfont>
   <match target="font">
     <edit name="antialias" mode="assign"><bool>true</bool></edit>
     <edit name="hinting" mode="assign"><bool>false</bool></edit>

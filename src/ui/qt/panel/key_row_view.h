@@ -40,8 +40,12 @@ public:
     /// What removes the key.
     [[nodiscard]] QWidget& remove() { return remove_; }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void connectControls();
+    void placeNote();
 
     PanelContext context_;
     Uuid id_;
@@ -52,6 +56,7 @@ private:
     PanelButton remove_;
     Text trouble_;
     Text signal_;
+    Text link_;
     Text limit_;
     SignalBarView bar_;
     Text far_;
