@@ -10,7 +10,10 @@
 
 #include <QAbstractButton>
 
+#include <algorithm>
 #include <optional>
+#include <stdexcept>
+#include <utility>
 #include <vector>
 
 using namespace wegslot;
@@ -85,6 +88,36 @@ protected:
         return count;
     }
 
+    /// The first and the last column of `area` in which something is seen.
+    [[nodiscard]] std::pair<int, int> ink(const QRect& area, const Color& behind) const {
+        std::pair<int, int> found{area.right() + 1, area.left() - 1};
+        for (int x = area.left(); x <= area.right(); ++x)
+            for (int y = area.top(); y <= area.bottom(); ++y)
+                if (contrast(at(x, y), behind) > 1.4) {
+                    found.first = std::min(found.first, x);
+                    found.second = x;
+                }
+        return found;
+    }
+    [[nodiscard]] int left(const QWidget& widget, const Color& behind) const {
+        return ink(place(widget), behind).first;
+    }
+    [[nodiscard]] int right(const QWidget& widget, const Color& behind) const {
+        return ink(place(widget), behind).second;
+    }
+
+    /// The text that says this, wherever it stands.
+    [[nodiscard]] const Text& text(const std::string& said) const {
+        for (const Text* const one : all<Text>())
+            if (one->text().toStdString() == said) return *one;
+        throw std::runtime_error("nowhere: " + said);
+    }
+    [[nodiscard]] const QAbstractButton& button(const std::string& name) const {
+        for (const QAbstractButton* const one : all<QAbstractButton>())
+            if (one->accessibleName().toStdString() == name) return *one;
+        throw std::runtime_error("no button: " + name);
+    }
+
     /// Where the mark of each bar has its middle.
     [[nodiscard]] std::vector<QPoint> marks() {
         std::vector<QPoint> places;
@@ -108,17 +141,11 @@ protected:
 
 struct PanelInFontsTest : PanelDrawingTest, testing::WithParamInterface<PictureStage::Face> {
     PanelInFontsTest() : PanelDrawingTest(GetParam()) {}
-
-    /// The text that says this, wherever it stands.
-    [[nodiscard]] const Text* text(const std::string& said) const {
-        for (const Text* const one : all<Text>())
-            if (one->text().toStdString() == said) return one;
-        return nullptr;
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(In, PanelInFontsTest,
-                         testing::Values(PictureStage::ordinary, PictureStage::wide),
+                         testing::Values(PictureStage::ordinary, PictureStage::wide,
+                                         PictureStage::unequalDigits),
                          [](const auto& test) {
                              return QString(test.param.family).remove(' ').toStdString();
                          });
@@ -206,6 +233,45 @@ TEST_F(PanelDrawingTest, AMarkAtTheEndOfItsBarIsWhollySeen) {
     EXPECT_TRUE(standsOut(second.right() + 1, second.center().y(), colors.card));
 }
 
+TEST_F(PanelDrawingTest, WhatIsInARowBeginsAndEndsOnOneLine) {
+    openThree();
+    const QRect bar = place(*all<SignalBarView>()[0]).marginsRemoved(SignalBarView::beyond);
+    int symbols = 0;
+    for (const SymbolView* const symbol : all<SymbolView>()) {
+        if (symbol->width() != 18) continue; // the tile
+        ++symbols;
+        EXPECT_NEAR(left(*symbol, colors.card), bar.left(), 1);
+    }
+    EXPECT_EQ(symbols, 3);
+    for (const char* const first : {"Nu -48 dBm", "Ver", "Geen signaal"})
+        EXPECT_NEAR(left(text(first), colors.card), bar.left(), 1) << first;
+    EXPECT_NEAR(left(button("Stel in vanaf hier"), colors.card), bar.left(), 1);
+    EXPECT_NEAR(right(text("Lockt onder -75 dBm"), colors.card), bar.right(), 1);
+    int nearest = 0; // of the badge and the end of each slider
+    for (const Text* const one : all<Text>())
+        if (one->text() == "Dichtbij") nearest = std::max(nearest, right(*one, colors.card));
+    EXPECT_NEAR(nearest, bar.right(), 1);
+    EXPECT_NEAR(right(button("Verwijder deze sleutel: iPhone"), colors.card), bar.right(), 1);
+}
+
+TEST_F(PanelDrawingTest, TheSwitchAndTheLastWordEndWhereTheCardsDo) {
+    openThree();
+    const int edge = place(*all<Card>()[0]).right();
+    EXPECT_NEAR(right(button("Wegslot aan of uit"), colors.ground), edge, 1);
+    EXPECT_NEAR(right(button("Stop"), colors.ground), edge, 1);
+}
+
+TEST_F(PanelDrawingTest, TheStrengthOfADeviceNearbyEndsWithItsColumn) {
+    open({});
+    world.hearApple(1, -58, 0x10, "iPhone van Anna");
+    world.hearApple(2, -8, 0x10, "iPhone van Bob");
+    world.pass(1s);
+    draw();
+    const int longer = right(text("-58 dBm"), colors.ground);
+    EXPECT_NEAR(longer, place(text("-58 dBm")).right(), 1);
+    EXPECT_EQ(right(text("-8 dBm"), colors.ground), longer);
+}
+
 TEST_P(PanelInFontsTest, TheNoteOfAForeignKeyIsReadWholeAndSoIsAnOrdinaryName) {
     for (const char* const name : {"Bandje", "Sleutelbos van Anna", "Fietssleutel van Annemarie"}) {
         auto key = keyNamed(name, 1);
@@ -215,9 +281,8 @@ TEST_P(PanelInFontsTest, TheNoteOfAForeignKeyIsReadWholeAndSoIsAnOrdinaryName) {
         draw();
         for (const std::string& said :
              {std::string(name), std::string("Ander merk, alleen luisteren")}) {
-            const Text* const shown = text(said);
-            ASSERT_NE(shown, nullptr) << said;
-            EXPECT_GE(shown->width(), shown->sizeHint().width()) << name << ": " << said;
+            const Text& shown = text(said);
+            EXPECT_GE(shown.width(), shown.sizeHint().width()) << name << ": " << said;
         }
         view.reset();
         model.reset();
@@ -230,10 +295,27 @@ TEST_P(PanelInFontsTest, TheNoteStandsBehindTheNameWhereBothHaveRoom) {
         key.isApple = false;
         world.settings().keys.set({key});
         draw();
-        return place(*text("Ander merk, alleen luisteren")).top() < place(*text(name)).bottom();
+        return place(text("Ander merk, alleen luisteren")).top() < place(text(name)).bottom();
     };
     open({});
     EXPECT_TRUE(isBehind("Tag"));
     EXPECT_FALSE(isBehind("Fietssleutel van Annemarie"));
     EXPECT_TRUE(isBehind("Tag"));
+}
+
+TEST_P(PanelInFontsTest, ANumberThatChangesMovesNothingBehindIt) {
+    const auto end = [this](const char* said, Text::Fit fit) {
+        Text text(brand::body(11), fit);
+        text.show(said, brand::navy);
+        text.resize(text.sizeHint());
+        QImage image(text.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        text.render(&image, {}, {}, QWidget::DrawChildren);
+        picture = image;
+        return std::pair{text.sizeHint().width(), ink(image.rect(), brand::white).second};
+    };
+    for (const auto fit : {Text::Fit::whole, Text::Fit::wrapped}) {
+        EXPECT_EQ(end("Nu -11 dBm", fit), end("Nu -48 dBm", fit));
+        EXPECT_EQ(end("Weg na 10 s zwak signaal", fit), end("Weg na 44 s zwak signaal", fit));
+    }
 }

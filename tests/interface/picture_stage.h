@@ -14,6 +14,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <ostream>
 #include <string>
 
 namespace wegslot {
@@ -26,6 +27,10 @@ public:
         const char* folder;
         const char* regular;
         const char* bold;
+
+        friend std::ostream& operator<<(std::ostream& out, const Face& face) {
+            return out << face.family;
+        }
     };
 
     static constexpr Face ordinary{"Liberation Sans", "/usr/share/fonts/truetype/liberation2",
@@ -33,6 +38,10 @@ public:
     /// An eighth wider: what has room in this one has it in the fonts of most desktops.
     static constexpr Face wide{"DejaVu Sans", "/usr/share/fonts/truetype/dejavu", "DejaVuSans.ttf",
                                "DejaVuSans-Bold.ttf"};
+
+    /// GNOME's, in which a 1 is narrower than a 4.
+    static constexpr Face unequalDigits{"Cantarell", "/usr/share/fonts/opentype/cantarell",
+                                        "Cantarell-Regular.otf", "Cantarell-Bold.otf"};
 
     /// `scale`: device pixels to one of ours, as a screen of that density has them.
     explicit PictureStage(double scale = 1, const Face& face = ordinary)

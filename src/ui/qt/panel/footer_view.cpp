@@ -5,10 +5,12 @@
 namespace wegslot {
 namespace {
 
+constexpr int paddingOfBare = 6;
+
 ButtonLook bare(double symbolSide = 0) {
     return {.shape = ButtonLook::Shape::bare,
             .font = brand::body(13),
-            .paddingAcross = 6,
+            .paddingAcross = paddingOfBare,
             .paddingDown = 4,
             .symbolSide = symbolSide};
 }
@@ -28,8 +30,8 @@ FooterView::FooterView(const PanelContext& context)
       resume_(context.images, bare()),
       log_(context.images, bare(17)),
       quit_(context.images, bare()) {
-    layout_.setContentsMargins(16, 14, 16, 12);
-    layout_.setSpacing(textScale() > 1 ? 4 : 8); // larger text needs the room
+    layout_.setContentsMargins(16, 14, 16 - paddingOfBare, 12); // the last word in line
+    layout_.setSpacing(textScale() > 1 ? 0 : 8);                // larger text needs the room
     layout_.addWidget(&lock_);
     layout_.addWidget(&pause_);
     layout_.addWidget(&resume_);

@@ -14,7 +14,9 @@ HeaderView::HeaderView(const PanelContext& context)
                               .paddingAcross = 3,
                               .paddingDown = 3,
                               .symbolSide = 18}) {
-    layout_.setContentsMargins(16, 16, 16, 12);
+    // What is last stands in line with what is below: within it the cross is 5 from the edge, the
+    // switch 2.
+    layout_.setContentsMargins(16, 16, 16 - (context_.close ? 5 : 2), 12);
     layout_.setSpacing(12);
     texts_.setSpacing(2);
     line_.setSpacing(4); // and one around the dot

@@ -83,6 +83,8 @@ KeyRowView::KeyRowView(const PanelContext& context)
     fromHereLine_.addWidget(&fromHere_, 0, Qt::AlignLeft | Qt::AlignTop);
     fromHereLine_.addWidget(&justSet_, 1);
     layout_.addLayout(&fromHereLine_);
+    for (Text* const last : {&limit_, &near_})
+        last->setAlignment(Qt::AlignRight);
     connectControls();
 }
 

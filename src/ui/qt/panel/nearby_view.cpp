@@ -28,6 +28,7 @@ NearbyRowView::NearbyRowView(const PanelContext& context)
     texts_.setSpacing(0);
     texts_.addWidget(&name_);
     texts_.addWidget(&detail_);
+    signal_.setAlignment(Qt::AlignRight);
     signal_.setMinimumWidth(static_cast<int>(56 * textScale()));
     line_.addWidget(&symbol_);
     line_.addLayout(&texts_, 1);

@@ -6,6 +6,7 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -14,7 +15,33 @@ namespace wegslot {
 namespace {
 
 constexpr double unbounded = 1e6;
-constexpr int wrapping = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignVCenter;
+
+/// Formats that give every digit the room of the widest, so that a number does not move what
+/// follows it while it counts. Half of what a digit lacks goes before it, as what follows the
+/// letter there. Kerning would push a pair of ones together.
+QList<QTextLayout::FormatRange> equalDigits(const QString& text, const QFont& font) {
+    const QFontMetricsF metrics(font);
+    double widest = 0;
+    for (char digit = '0'; digit <= '9'; ++digit)
+        widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
+    const auto isDigit = [&text](qsizetype i) {
+        return i < text.size() && text[i] >= u'0' && text[i] <= u'9';
+    };
+    const auto lacking = [&](qsizetype i) {
+        return isDigit(i) ? widest - metrics.horizontalAdvance(text[i]) : 0;
+    };
+    QList<QTextLayout::FormatRange> formats;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const double after = (lacking(i) + lacking(i + 1)) / 2;
+        if (after <= 0 && !isDigit(i)) continue;
+        QTextCharFormat format;
+        format.setFontKerning(false);
+        format.setFontLetterSpacingType(QFont::AbsoluteSpacing);
+        format.setFontLetterSpacing(after);
+        formats.append({static_cast<int>(i), 1, format});
+    }
+    return formats;
+}
 
 } // namespace
 
@@ -55,14 +82,30 @@ void Text::show(const std::string& text, const Color& color) {
     update();
 }
 
+/// In the measure of the font, which is painted scaled.
+QSizeF Text::layOut(QTextLayout& layout, double width) const {
+    QTextOption option(alignment() & Qt::AlignHorizontal_Mask);
+    option.setWrapMode(fit_ == Fit::wrapped ? QTextOption::WordWrap : QTextOption::NoWrap);
+    layout.setTextOption(option);
+    layout.setFont(font_);
+    layout.setFormats(equalDigits(layout.text(), font_));
+    layout.beginLayout();
+    QSizeF size;
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width / scale_);
+        line.setPosition(QPointF(0, size.height()));
+        size = {std::max(size.width(), line.naturalTextWidth()), size.height() + line.height()};
+    }
+    layout.endLayout();
+    return size;
+}
+
 QSize Text::sizeWithin(double width) const {
-    const QFontMetricsF metrics(font_);
-    const QRectF room(0, 0, width / scale_, unbounded);
-    const QSizeF needed = fit_ == Fit::wrapped
-                              ? metrics.boundingRect(room, wrapping, text()).size()
-                              : QSizeF(metrics.horizontalAdvance(text()), metrics.height());
-    return {static_cast<int>(std::ceil(needed.width() * scale_)),
-            static_cast<int>(std::ceil(needed.height() * scale_))};
+    QString lines = text();
+    QTextLayout layout(lines.replace(u'\n', QChar::LineSeparator));
+    const QSizeF needed = layOut(layout, width) * scale_;
+    return {static_cast<int>(std::ceil(needed.width())),
+            static_cast<int>(std::ceil(needed.height()))};
 }
 
 QSize Text::sizeHint() const { return sizeWithin(unbounded); }
@@ -79,13 +122,19 @@ int Text::heightForWidth(int width) const {
 void Text::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(qtColor(color_));
-    painter.setFont(font_);
     painter.scale(scale_, scale_);
-    const QRectF room(0, 0, width() / scale_, height() / scale_);
-    if (fit_ == Fit::wrapped) return painter.drawText(room, wrapping, text());
-    const QString shown =
-        QFontMetricsF(font_).elidedText(text(), Qt::ElideRight, room.width() + 0.5);
-    painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter, shown);
+    QString shown = text();
+    shown.replace(u'\n', QChar::LineSeparator);
+    if (fit_ != Fit::wrapped) {
+        const double lacking = sizeWithin(unbounded).width() - width();
+        const QFontMetricsF metrics(font_);
+        if (lacking > 0)
+            shown = metrics.elidedText(shown, Qt::ElideRight,
+                                       metrics.horizontalAdvance(shown) - lacking / scale_);
+    }
+    QTextLayout layout(shown);
+    const double needed = layOut(layout, width()).height();
+    layout.draw(&painter, QPointF(0, (height() / scale_ - needed) / 2));
 }
 
 } // namespace wegslot

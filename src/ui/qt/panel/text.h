@@ -1,5 +1,6 @@
-// Text in the panel: sizes of half a pixel, larger where the desktop's own text is, and in one of
-// three ways of fitting where there is too little room. To a screen reader it is a label.
+// Text in the panel: sizes of half a pixel, larger where the desktop's own text is, digits of equal
+// width in every font, and one of three ways of fitting where there is too little room. Lies where
+// the label's alignment says. To a screen reader it is a label.
 #pragma once
 
 #include "ui/brand.h"
@@ -7,6 +8,8 @@
 #include <QLabel>
 
 #include <string>
+
+class QTextLayout;
 
 namespace wegslot {
 
@@ -44,6 +47,7 @@ protected:
 
 private:
     [[nodiscard]] QSize sizeWithin(double width) const;
+    [[nodiscard]] QSizeF layOut(QTextLayout& layout, double width) const;
 
     QFont font_;
     qreal scale_;
