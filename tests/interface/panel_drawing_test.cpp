@@ -261,6 +261,20 @@ TEST_F(PanelDrawingTest, TheSwitchAndTheLastWordEndWhereTheCardsDo) {
     EXPECT_NEAR(right(button("Stop"), colors.ground), edge, 1);
 }
 
+TEST_F(PanelDrawingTest, TheSwitchIsSeenToBeUnderThePointer) {
+    openThree();
+    for (const bool isOn : {true, false}) {
+        world.settings().enabled.set(isOn);
+        draw();
+        auto* const found = all<Switch>().at(0);
+        const QImage before = picture.copy(place(*found));
+        found->setAttribute(Qt::WA_UnderMouse);
+        draw();
+        EXPECT_NE(picture.copy(place(*found)), before) << isOn;
+        found->setAttribute(Qt::WA_UnderMouse, false);
+    }
+}
+
 TEST_F(PanelDrawingTest, TheStrengthOfADeviceNearbyEndsWithItsColumn) {
     open({});
     world.hearApple(1, -58, 0x10, "iPhone van Anna");

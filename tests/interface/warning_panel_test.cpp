@@ -70,6 +70,33 @@ TEST_F(WarningPanelTest, EachPressCancelsOnce) {
     EXPECT_EQ(warning.cancelled, 2);
 }
 
+TEST_F(WarningPanelTest, TheButtonIsReachedByTabAndPressedByEachKeyThatPressesOnes) {
+    warning.show();
+    ShownPanel::panel().activateWindow(); // as a click on the panel does
+    ShownPanel::settle();
+    ShownPanel::panel().setFocus(Qt::MouseFocusReason);
+    EXPECT_FALSE(ShownPanel::button().hasFocus());
+    press(Qt::Key_Tab);
+    ASSERT_TRUE(ShownPanel::button().hasFocus());
+    EXPECT_TRUE(ShownPanel::panel().testAttribute(Qt::WA_KeyboardFocusChange)); // and it shows
+    int presses = 0;
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(&ShownPanel::button(), &event);
+        }
+        EXPECT_EQ(warning.cancelled, ++presses) << key;
+    }
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, QString(), true);
+    QCoreApplication::sendEvent(&ShownPanel::button(), &held);
+    EXPECT_EQ(warning.cancelled, presses);
+}
+
+TEST_F(WarningPanelTest, TheButtonShowsAHand) {
+    warning.show();
+    EXPECT_EQ(ShownPanel::button().cursor().shape(), Qt::PointingHandCursor);
+}
+
 TEST_F(WarningPanelTest, TheCancelMayHideThePanel) {
     for (const bool byKey : {false, true}) {
         show([this] { warning.hud.hide(); });

@@ -80,6 +80,20 @@ TEST_P(WarningPicturesTest, AButtonThatIsHeldDownIsDarker) {
     EXPECT_TRUE(looksLike(picture(), named("pressed")));
 }
 
+TEST_P(WarningPicturesTest, AButtonUnderThePointerIsLighter) {
+    warning.show();
+    ShownPanel::button().setAttribute(Qt::WA_UnderMouse);
+    EXPECT_TRUE(looksLike(picture(), named("pointed-at")));
+}
+
+TEST_P(WarningPicturesTest, AButtonThatHasTheKeyboardHasARing) {
+    warning.show();
+    ShownPanel::panel().activateWindow();
+    ShownPanel::panel().setAttribute(Qt::WA_KeyboardFocusChange); // as Tab does
+    ShownPanel::button().setFocus(Qt::TabFocusReason);
+    EXPECT_TRUE(looksLike(picture(), named("keyboard")));
+}
+
 TEST(WarningFonts, TwelveAndAHalfPixelsAreNeitherTwelveNorThirteen) {
     const PictureStage stage;
     ASSERT_TRUE(PictureStage::hasFont());

@@ -119,6 +119,23 @@ TEST_P(WarningWindowsTest, EscapeCancelsAfterAClickOnThePanelAndTheKeyboardGoesB
     EXPECT_FALSE(film.got(Qt::Key_Escape));
 }
 
+TEST_P(WarningWindowsTest, TabAndSpaceCancelAfterAClickOnThePanelAndTheRingIsSeen) {
+    const FullScreenProgram film;
+    warning.show();
+    ASSERT_TRUE(happens(isSeen));
+    ASSERT_TRUE(OnScreen::clicks(onTheTitle));
+    ASSERT_TRUE(happens([] { return ShownPanel::panel().isActiveWindow(); }));
+    const QPoint edge = placeOnX11.topLeft() + QPoint(ShownPanel::button().geometry().left() + 1,
+                                                      ShownPanel::button().geometry().center().y());
+    ASSERT_TRUE(OnScreen::types("Tab"));
+    EXPECT_TRUE(happens([&edge] {
+        return OnScreen::seen({edge, QSize(1, 1)}).pixelColor(0, 0) == QColor(Qt::white);
+    }));
+    EXPECT_EQ(warning.cancelled, 0);
+    ASSERT_TRUE(OnScreen::types("space"));
+    EXPECT_TRUE(happens([this] { return warning.cancelled == 1; }));
+}
+
 TEST_P(WarningWindowsTest, ThereIsOneHoweverOftenItIsShownAndNoneOnceItIsHidden) {
     warning.hud.hide();
     EXPECT_EQ(count(), 0);

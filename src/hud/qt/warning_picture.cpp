@@ -186,14 +186,27 @@ void paintCountdown(QPainter& painter, const Countdown& countdown) {
     paintNumber(painter, countdown.number);
 }
 
-void paintButton(QPainter& painter, const QSize& frame, bool isDown) {
-    constexpr int darker = 115; // percent, while it is held down
-    const QColor ground = qtColor(brand::orange);
-    const qreal radius = frame.height() / 2.0;
+void paintButton(QPainter& painter, const QSize& frame, const ButtonState& state) {
+    constexpr int darker = 115;  // percent, while it is held down
+    constexpr int lighter = 112; // under the pointer
+    const QColor orange = qtColor(brand::orange);
+    QRectF capsule(QPointF(0, 0), frame);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (state.hasKeyboard) {
+        // A ring with a gap to the capsule, which is a little smaller meanwhile.
+        constexpr qreal ring = 2;
+        constexpr qreal half = ring / 2;
+        const qreal radius = frame.height() / 2.0 - half;
+        painter.setPen(QPen(qtColor(brand::white), ring));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(capsule.adjusted(half, half, -half, -half), radius, radius);
+        capsule.adjust(2 * ring, 2 * ring, -2 * ring, -2 * ring);
+    }
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isDown ? ground.darker(darker) : ground);
-    painter.drawRoundedRect(QRectF(QPointF(0, 0), frame), radius, radius);
+    painter.setBrush(state.isDown        ? orange.darker(darker)
+                     : state.isPointedAt ? orange.lighter(lighter)
+                                         : orange);
+    painter.drawRoundedRect(capsule, capsule.height() / 2, capsule.height() / 2);
     const QFont font = labelFont().font;
     const QFontMetricsF metrics(font);
     const qreal x = (frame.width() - metrics.horizontalAdvance(buttonLabel())) / 2;

@@ -32,7 +32,13 @@ void paintStill(QPainter& painter, const QString& message);
 /// The arc and the number in it, on top of what stays.
 void paintCountdown(QPainter& painter, const Countdown& countdown);
 
+struct ButtonState {
+    bool isDown = false;
+    bool isPointedAt = false;
+    bool hasKeyboard = false;
+};
+
 /// The button, in a frame of its own size.
-void paintButton(QPainter& painter, const QSize& frame, bool isDown);
+void paintButton(QPainter& painter, const QSize& frame, const ButtonState& state);
 
 } // namespace wegslot::picture

@@ -63,6 +63,7 @@ void Switch::paintEvent(QPaintEvent*) {
     const double radius = track.height() / 2;
     painting::fillRounded(painter, track, radius, isChecked() ? brand::orange : colors().control);
     if (!isChecked()) painting::strokeRounded(painter, track, radius, colors().line, 1);
+    if (underMouse()) painting::fillRounded(painter, track, radius, colors().hover);
     const double knob = track.height() - 4;
     const double left = isChecked() ? track.right() - 2 - knob : track.left() + 2;
     painting::fillRounded(painter, QRectF(left, track.top() + 2, knob, knob), knob / 2,
