@@ -137,7 +137,7 @@ wegslot_module(brand_qt
 
 wegslot_module(x11_qt
   FILES
-    ui/qt/x11_bar_watch.cpp ui/qt/x11_bar_watch.h ui/qt/x11_server.cpp ui/qt/x11_server.h
+    ui/qt/compositor.cpp ui/qt/compositor.h ui/qt/x11_bar_watch.cpp ui/qt/x11_bar_watch.h ui/qt/x11_server.cpp ui/qt/x11_server.h
   LIBRARIES Qt6::Gui PkgConfig::XCB)
 
 wegslot_module(hud_qt
@@ -172,7 +172,7 @@ target_sources(wegslot_icons_qt PRIVATE ${icon_resources})
 wegslot_module(widgets_qt
   FILES
     ui/qt/card.cpp ui/qt/card.h ui/qt/section_title.cpp ui/qt/section_title.h
-    ui/qt/soft_shadow.cpp ui/qt/soft_shadow.h
+    ui/qt/soft_shadow.cpp ui/qt/soft_shadow.h ui/qt/window_frame.cpp ui/qt/window_frame.h
   TESTS ui/qt/card_test.cpp ui/qt/section_title_test.cpp ui/qt/soft_shadow_test.cpp
   USES base brand brand_qt
   LIBRARIES Qt6::Widgets)
@@ -197,8 +197,8 @@ wegslot_module(panel_qt
     ui/qt/panel/text.cpp ui/qt/panel/text.h ui/qt/panel/threshold_slider.cpp
     ui/qt/panel/threshold_slider.h ui/qt/panel/toggles.cpp ui/qt/panel/toggles.h
     ui/qt/panel/update_view.cpp ui/qt/panel/update_view.h
-  USES base devices settings scanner monitor brand phase_presentation update panel brand_qt icons_qt
-    widgets_qt
+  USES base devices settings scanner monitor brand phase_presentation update panel brand_qt
+    x11_qt icons_qt widgets_qt
   LIBRARIES Qt6::Widgets)
 
 wegslot_module(x11_tray_qt

@@ -215,7 +215,10 @@ TEST_F(PanelTouchTest, StandsWhereTheIconWasClickedAndWhollyOnTheScreen) {
         window->hide();
         window->open(at);
         turn();
-        return window->geometry();
+        for (const QWidget* const child : window->findChildren<QWidget*>())
+            if (const auto* const panel = dynamic_cast<const PanelView*>(child))
+                return QRect(panel->mapToGlobal(QPoint()), panel->size()); // without its frame
+        return QRect();
     };
     // Under an icon in a bar at the top, above one at the bottom.
     const QPoint middle = screen.center();

@@ -21,7 +21,4 @@ private:
     std::optional<std::uint32_t> before_; ///< a window, as the X server numbers it
 };
 
-/// Whether windows may be translucent: without a compositor what is see-through would be black.
-[[nodiscard]] bool blendsWindows();
-
 } // namespace wegslot

@@ -3,6 +3,7 @@
 #include "hud/qt/capsule_button.h"
 #include "hud/qt/warning_picture.h"
 #include "ui/qt/brand_qt.h"
+#include "ui/qt/compositor.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

@@ -1,6 +1,8 @@
 #include "ui/qt/panel/menu_button.h"
 
+#include "ui/contrast.h"
 #include "ui/qt/brand_qt.h"
+#include "ui/qt/compositor.h"
 #include "ui/qt/panel/painting.h"
 #include "ui/qt/panel/text.h"
 
@@ -31,22 +33,60 @@ QString css(const Color& color) {
 
 QString styleOf(const PanelColors& colors) {
     const int size = static_cast<int>(std::lround(textFont().size));
-    return QStringLiteral("QMenu { background: %1; border: 1px solid %2; padding: 4px; }"
-                          "QMenu::item { padding: 5px 16px 5px 10px; color: %3; font-size: %4px; "
+    return QStringLiteral("QMenu { background: transparent; border: none; padding: 4px; }"
+                          "QMenu::item { padding: 5px 16px 5px 10px; color: %1; font-size: %2px; "
                           "border-radius: 5px; }"
-                          "QMenu::item:selected { background: %5; }"
+                          "QMenu::item:selected { background: %3; }"
                           "QMenu::indicator { width: 12px; height: 12px; left: 4px; }")
-        .arg(css(colors.ground), css(colors.line), css(colors.text))
+        .arg(css(colors.text))
         .arg(size)
         .arg(css(colors.control));
 }
 
 } // namespace
 
+FramedMenu::FramedMenu(const QWidget& button) : button_(button) {
+    setWindowFlags(windowFlags() | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
+}
+
+void FramedMenu::frame() {
+    const WindowFrame frame(blendsWindows());
+    if (frame_ == frame) return;
+    frame_ = frame;
+    destroy(); // it is translucent from its making, or not
+    setAttribute(Qt::WA_TranslucentBackground, frame.isBlended());
+    setContentsMargins(frame.margins());
+}
+
+/// Qt has placed it as if the frame were part of it.
+void FramedMenu::showEvent(QShowEvent* event) {
+    QMenu::showEvent(event);
+    if (!frame_) return;
+    const QMargins around = frame_->margins();
+    const bool isBelow = pos().y() > button_.mapToGlobal(button_.rect().center()).y();
+    move(pos() + QPoint(-around.left(), isBelow ? -around.top() : around.bottom()));
+}
+
+void FramedMenu::paintEvent(QPaintEvent* event) {
+    if (frame_) {
+        QPainter painter(this);
+        frame_->paint(painter, size(), colors_.ground, over(colors_.line, colors_.ground));
+    }
+    QMenu::paintEvent(event);
+}
+
+void FramedMenu::setColors(const PanelColors& colors) {
+    colors_ = colors;
+    const QString style = styleOf(colors);
+    if (style != styleSheet()) setStyleSheet(style);
+}
+
 MenuButton::MenuButton(Frame frame, std::function<void(int)> chosen)
     : frame_(frame),
       paddingAcross_(frame == Frame::none ? 4 : 8),
-      chosen_(std::move(chosen)) {
+      chosen_(std::move(chosen)),
+      menu_(*this) {
+    connect(this, &QPushButton::pressed, this, [this] { menu_.frame(); }); // before Qt opens it
     setMenu(&menu_);
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::StrongFocus);
@@ -63,8 +103,7 @@ void MenuButton::show(const std::string& text, const std::string& name,
     colors_ = colors;
     setText(QString::fromStdString(text));
     setAccessibleName(QString::fromStdString(name));
-    const QString style = styleOf(colors);
-    if (style != menu_.styleSheet()) menu_.setStyleSheet(style);
+    menu_.setColors(colors);
     if (menu_.actions().size() != static_cast<qsizetype>(entries.size())) {
         menu_.clear();
         for (std::size_t i = 0; i < entries.size(); ++i)

@@ -2,15 +2,37 @@
 #pragma once
 
 #include "ui/panel_colors.h"
+#include "ui/qt/window_frame.h"
 
 #include <QMenu>
 #include <QPushButton>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace wegslot {
+
+/// The list, in a frame like the panel's.
+class FramedMenu final : public QMenu {
+public:
+    explicit FramedMenu(const QWidget& button);
+
+    void setColors(const PanelColors& colors);
+
+    /// To be called before each time that it opens.
+    void frame();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    const QWidget& button_;
+    PanelColors colors_ = panelColors(Scheme::light);
+    std::optional<WindowFrame> frame_;
+};
 
 class MenuButton final : public QPushButton {
 public:
@@ -36,7 +58,7 @@ private:
     int paddingAcross_;
     std::function<void(int)> chosen_;
     PanelColors colors_ = panelColors(Scheme::light);
-    QMenu menu_;
+    FramedMenu menu_;
 };
 
 } // namespace wegslot

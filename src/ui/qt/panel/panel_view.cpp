@@ -1,6 +1,6 @@
 #include "ui/qt/panel/panel_view.h"
 
-#include "ui/qt/brand_qt.h"
+#include "ui/qt/panel/painting.h"
 
 #include <QPainter>
 
@@ -83,7 +83,16 @@ void PanelView::show(const PanelContent& content) {
     update();
 }
 
-void PanelView::paintEvent(QPaintEvent*) { QPainter(this).fillRect(rect(), qtColor(ground_)); }
+void PanelView::setCornerRadius(double radius) {
+    cornerRadius_ = radius;
+    update();
+}
+
+void PanelView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing, cornerRadius_ > 0);
+    painting::fillRounded(painter, rect(), cornerRadius_, ground_);
+}
 
 bool PanelView::moveFocus(bool next) {
     std::vector<QWidget*> controls;

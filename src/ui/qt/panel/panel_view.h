@@ -23,6 +23,9 @@ public:
     void show(const PanelContent& content);
     using QWidget::show;
 
+    /// Round corners are left to what is behind it.
+    void setCornerRadius(double radius);
+
     /// Gives the keyboard to the next control in the order of reading, or to the one before.
     bool moveFocus(bool next);
 
@@ -33,6 +36,7 @@ protected:
 private:
     PanelContext context_;
     Color ground_;
+    double cornerRadius_ = 0;
     HeaderView header_;
     Divider upperDivider_;
     QScrollArea scroll_; ///< before what it would otherwise end as its own

@@ -1,9 +1,14 @@
 #include "ui/qt/panel/panel_window.h"
 
+#include "ui/contrast.h"
+#include "ui/qt/compositor.h"
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QTimer>
 
@@ -30,8 +35,6 @@ PanelWindow::PanelWindow(PanelModel::Objects objects, const SymbolImages& images
       context_{model_, images, objects.scheme, objects.clock, closeFor(host)},
       view_(context_, heightOnScreen()) {
     setWindowTitle(QStringLiteral("Wegslot"));
-    setFixedWidth(static_cast<int>(PanelContent::width));
-    layout_.setContentsMargins(0, 0, 0, 0);
     layout_.addWidget(&view_);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
             [this](Qt::ApplicationState state) { applicationState_ = state; });
@@ -67,6 +70,7 @@ void PanelWindow::toggle(const std::optional<QPoint>& at) {
 
 void PanelWindow::open(const std::optional<QPoint>& at) {
     view_.setFixedHeight(heightOnScreen());
+    frame();
     adjustSize();
     place(at);
     show();
@@ -75,6 +79,19 @@ void PanelWindow::open(const std::optional<QPoint>& at) {
     // On none of the controls, so that no stray key changes anything.
     setAttribute(Qt::WA_KeyboardFocusChange, false);
     setFocus(Qt::PopupFocusReason);
+}
+
+/// A compositor comes and goes with the desktop's settings; a window is translucent from its
+/// making.
+void PanelWindow::frame() {
+    const WindowFrame frame(blendsWindows());
+    if (frame_ == frame) return;
+    frame_ = frame;
+    destroy();
+    setAttribute(Qt::WA_TranslucentBackground, frame.isBlended());
+    layout_.setContentsMargins(frame.margins());
+    setFixedWidth(frame.margins().left() + view_.width() + frame.margins().right());
+    view_.setCornerRadius(frame.cornerRadius());
 }
 
 void PanelWindow::place(const std::optional<QPoint>& at) {
@@ -86,10 +103,24 @@ void PanelWindow::place(const std::optional<QPoint>& at) {
     // Icons are at the top on some desktops and at the bottom on others, at the right on all.
     const QPoint anchor = clicked != nullptr ? *at : QPoint(free.right(), screen->geometry().top());
     const bool isBelow = anchor.y() < screen->geometry().center().y();
-    const int left = anchor.x() - width() / 2;
-    const int top = isBelow ? anchor.y() + distance : anchor.y() - distance - height();
-    move(std::clamp(left, free.left(), std::max(free.left(), free.right() + 1 - width())),
-         std::clamp(top, free.top(), std::max(free.top(), free.bottom() + 1 - height())));
+    const QSize size = view_.size(); // the frame lies around it, over the edge of the screen too
+    const int left = anchor.x() - size.width() / 2;
+    const int top = isBelow ? anchor.y() + distance : anchor.y() - distance - size.height();
+    const QPoint corner(
+        std::clamp(left, free.left(), std::max(free.left(), free.right() + 1 - size.width())),
+        std::clamp(top, free.top(), std::max(free.top(), free.bottom() + 1 - size.height())));
+    move(corner - QPoint(frame_->margins().left(), frame_->margins().top()));
+}
+
+void PanelWindow::paintEvent(QPaintEvent*) {
+    const PanelColors colors = context_.colors();
+    QPainter painter(this);
+    frame_->paint(painter, size(), colors.ground, over(colors.line, colors.ground));
+}
+
+void PanelWindow::mousePressEvent(QMouseEvent* event) {
+    // The shadow is nothing that one could press: it is a press elsewhere.
+    if (!view_.geometry().contains(event->position().toPoint())) hide();
 }
 
 void PanelWindow::showEvent(QShowEvent*) {

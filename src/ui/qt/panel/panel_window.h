@@ -1,11 +1,12 @@
-// The panel on the screen: made when it is first opened, placed under the icon that was clicked,
-// gone with Escape or a click elsewhere. Redraws once in a turn of the event loop, however often
-// something changes, and not at all while it is closed.
+// The panel on the screen, in its frame: made when it is first opened, placed under the icon that
+// was clicked, gone with Escape or a click elsewhere. Redraws once in a turn of the event loop,
+// however often something changes, and not at all while it is closed.
 #pragma once
 
 #include "ui/panel_model.h"
 #include "ui/qt/panel/panel_view.h"
 #include "ui/qt/symbol_images.h"
+#include "ui/qt/window_frame.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
@@ -39,6 +40,8 @@ public:
     void toggle(const std::optional<QPoint>& at);
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -48,11 +51,13 @@ protected:
 
 private:
     [[nodiscard]] std::function<void()> closeFor(PanelHost host);
+    void frame();
     void changed();
     void refresh();
     void place(const std::optional<QPoint>& at);
 
     PanelHost host_;
+    std::optional<WindowFrame> frame_;
     PanelModel model_;
     PanelContext context_;
     PanelView view_;
