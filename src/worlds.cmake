@@ -172,7 +172,8 @@ target_sources(wegslot_icons_qt PRIVATE ${icon_resources})
 wegslot_module(widgets_qt
   FILES
     ui/qt/card.cpp ui/qt/card.h ui/qt/section_title.cpp ui/qt/section_title.h
-    ui/qt/soft_shadow.cpp ui/qt/soft_shadow.h ui/qt/window_frame.cpp ui/qt/window_frame.h
+    ui/qt/soft_shadow.cpp ui/qt/soft_shadow.h ui/qt/text_scale.cpp ui/qt/text_scale.h
+    ui/qt/window_frame.cpp ui/qt/window_frame.h
   TESTS ui/qt/card_test.cpp ui/qt/section_title_test.cpp ui/qt/soft_shadow_test.cpp
   USES base brand brand_qt
   LIBRARIES Qt6::Widgets)

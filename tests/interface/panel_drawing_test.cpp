@@ -5,10 +5,12 @@
 #include "tests/support/panel_world.h"
 #include "ui/contrast.h"
 #include "ui/qt/panel/panel_view.h"
+#include "ui/qt/panel/stepper_view.h"
 
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
+#include <QSlider>
 
 #include <algorithm>
 #include <optional>
@@ -284,6 +286,36 @@ TEST_F(PanelDrawingTest, TheStrengthOfADeviceNearbyEndsWithItsColumn) {
     const int longer = right(text("-58 dBm"), colors.ground);
     EXPECT_NEAR(longer, place(text("-58 dBm")).right(), 1);
     EXPECT_EQ(right(text("-8 dBm"), colors.ground), longer);
+}
+
+TEST_F(PanelDrawingTest, WithLargerTextTitlesAndControlsAreLargerToo) {
+    const auto sizes = [this](int pixels) {
+        QFont font(face.family);
+        font.setPixelSize(pixels);
+        QApplication::setFont(font);
+        open({keyNamed("iPhone", 1)});
+        model->openSettings(true);
+        world.pass(1s);
+        draw();
+        const QSlider& slider = *all<ThresholdSlider>().at(0);
+        const QRect knob = place(slider).adjusted(0, 0, -slider.width() / 2, 0);
+        std::vector<std::pair<std::string, double>> found{
+            {"title", all<SectionTitle>().at(0)->fontMetrics().height()},
+            {"switch", all<Switch>().at(0)->width()},
+            {"stepper", all<StepButton>().at(0)->width()},
+            {"slider", knob.height()}};
+        const CheckBox& box = *all<CheckBox>().at(0);
+        const QRect side(place(box).topLeft(), QSize(box.height(), box.height()));
+        const auto [first, last] = ink(side, colors.ground);
+        found.emplace_back("box", last - first);
+        view.reset();
+        model.reset();
+        return found;
+    };
+    const auto ordinary = sizes(14);
+    const auto large = sizes(22);
+    for (std::size_t i = 0; i < ordinary.size(); ++i)
+        EXPECT_NEAR(large[i].second / ordinary[i].second, 22 / 15.0, 0.11) << ordinary[i].first;
 }
 
 TEST_P(PanelInFontsTest, TheNoteOfAForeignKeyIsReadWholeAndSoIsAnOrdinaryName) {

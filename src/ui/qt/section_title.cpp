@@ -2,15 +2,20 @@
 
 #include "ui/brand.h"
 #include "ui/qt/brand_qt.h"
+#include "ui/qt/text_scale.h"
 
 #include <QLocale>
 #include <QPalette>
+
+#include <cmath>
 
 namespace wegslot {
 namespace {
 
 QFont titleFont() {
-    QFont font = qtFont(brand::heading(11, FontWeight::heavy)).font;
+    // A label cannot paint half pixels: the nearest whole one serves.
+    const double size = std::round(scaledFont(brand::heading(11)).size);
+    QFont font = qtFont(brand::heading(size, FontWeight::heavy)).font;
     font.setLetterSpacing(QFont::AbsoluteSpacing, 0.6);
     return font;
 }

@@ -40,9 +40,10 @@ void StepButton::paintEvent(QPaintEvent*) {
     painting::fillRounded(painter, rect(), radius, colors_.control);
     if (isEnabled() && (underMouse() || isDown()))
         painting::fillRounded(painter, rect(), radius, colors_.hover);
-    painter.setPen(QPen(qtColor(colors_.text), 1.6, Qt::SolidLine, Qt::RoundCap));
+    const double scale = controlScale();
+    painter.setPen(QPen(qtColor(colors_.text), 1.6 * scale, Qt::SolidLine, Qt::RoundCap));
     const QPointF middle = QRectF(rect()).center();
-    constexpr double arm = 4;
+    const double arm = 4 * scale;
     painter.drawLine(middle - QPointF(arm, 0), middle + QPointF(arm, 0));
     if (step_ == panel::Step::up)
         painter.drawLine(middle - QPointF(0, arm), middle + QPointF(0, arm));

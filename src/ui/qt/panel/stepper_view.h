@@ -23,7 +23,7 @@ public:
     void show(const std::string& text, bool isEnabled, const PanelColors& colors);
     using QPushButton::show;
 
-    [[nodiscard]] QSize sizeHint() const override { return {26, 22}; }
+    [[nodiscard]] QSize sizeHint() const override { return QSize(26, 22) * controlScale(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

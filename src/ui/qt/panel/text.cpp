@@ -2,9 +2,7 @@
 
 #include "ui/qt/brand_qt.h"
 
-#include <QFontInfo>
 #include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QPainter>
 #include <QTextLayout>
 
@@ -44,19 +42,6 @@ QList<QTextLayout::FormatRange> equalDigits(const QString& text, const QFont& fo
 }
 
 } // namespace
-
-double textScale() {
-    constexpr double largestDefault = 15;
-    return std::max(1.0, QFontInfo(QGuiApplication::font()).pixelSize() / largestDefault);
-}
-
-double controlScale() { return std::min(textScale(), 1.5); }
-
-Font scaledFont(const Font& font) {
-    Font scaled = font;
-    scaled.size = std::round(2 * font.size * textScale()) / 2;
-    return scaled;
-}
 
 Text::Text(const Font& font, Fit fit, int least) : fit_(fit), least_(least) {
     const QtFont made = qtFont(scaledFont(font));

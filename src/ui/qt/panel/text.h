@@ -4,6 +4,7 @@
 #pragma once
 
 #include "ui/brand.h"
+#include "ui/qt/text_scale.h"
 
 #include <QLabel>
 
@@ -12,17 +13,6 @@
 class QTextLayout;
 
 namespace wegslot {
-
-/// How much larger than designed text is drawn, from 1 on. The desktops set their interface text to
-/// 10 or 11 pt (at most 15 pixels); what goes beyond that is the user's wish.
-[[nodiscard]] double textScale();
-
-/// How much larger than designed symbols and controls are: as text is, but no more than the panel
-/// has room for.
-[[nodiscard]] double controlScale();
-
-/// `font` as large as the user wants it.
-[[nodiscard]] Font scaledFont(const Font& font);
 
 class Text final : public QLabel {
 public:

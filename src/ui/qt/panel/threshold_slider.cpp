@@ -11,7 +11,7 @@
 namespace wegslot {
 namespace {
 
-constexpr double knob = 16;
+double knobSide() { return 16 * controlScale(); }
 constexpr int stepsToDbm = 10;
 
 int steps(Dbm strength) { return static_cast<int>(std::lround(strength.value * stepsToDbm)); }
@@ -45,13 +45,14 @@ Dbm ThresholdSlider::threshold() const { return Dbm{value() / double{stepsToDbm}
 
 double ThresholdSlider::knobLeft() const {
     const double fraction = double(value() - minimum()) / (maximum() - minimum());
-    return fraction * (width() - knob);
+    return fraction * (width() - knobSide());
 }
 
 void ThresholdSlider::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    constexpr double thickness = 4;
+    const double knob = knobSide();
+    const double thickness = 4 * controlScale();
     const double middle = height() / 2.0;
     const QRectF track(knob / 2, middle - thickness / 2, width() - knob, thickness);
     painting::fillRounded(painter, track, thickness / 2, colors_.control);
@@ -67,6 +68,7 @@ void ThresholdSlider::paintEvent(QPaintEvent*) {
 }
 
 void ThresholdSlider::moveTo(double x) {
+    const double knob = knobSide();
     const double fraction = std::clamp((x - knob / 2) / (width() - knob), 0.0, 1.0);
     setSliderPosition(minimum() +
                       static_cast<int>(std::lround(fraction * (maximum() - minimum()))));

@@ -3,6 +3,7 @@
 
 #include "ui/panel_colors.h"
 #include "ui/panel_parts.h"
+#include "ui/qt/text_scale.h"
 
 #include <QSlider>
 
@@ -19,8 +20,8 @@ public:
 
     [[nodiscard]] Dbm threshold() const;
 
-    [[nodiscard]] QSize sizeHint() const override { return {120, 22}; }
-    [[nodiscard]] QSize minimumSizeHint() const override { return {60, 22}; }
+    [[nodiscard]] QSize sizeHint() const override { return {120, scaledControl(22)}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {60, scaledControl(22)}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -14,9 +14,10 @@
 namespace wegslot {
 namespace {
 
-constexpr double boxSide = 16;
 constexpr double labelGap = 8; ///< between box and text
 constexpr int wrappingFromTop = Qt::TextWordWrap | Qt::AlignLeft | Qt::AlignTop;
+
+double boxSide() { return 16 * controlScale(); }
 
 QSizeF textSize(const QString& text, double width) {
     const QtFont font = qtFont(scaledFont(brand::body(13)));
@@ -25,11 +26,13 @@ QSizeF textSize(const QString& text, double width) {
 }
 
 void paintTick(QPainter& painter, const QRectF& box) {
+    const double part = box.width() / 16;
     QPainterPath tick;
-    tick.moveTo(box.left() + 4, box.center().y() + 0.5);
-    tick.lineTo(box.left() + 7, box.bottom() - 4.5);
-    tick.lineTo(box.right() - 3.5, box.top() + 4.5);
-    painter.setPen(QPen(qtColor(brand::navy), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    tick.moveTo(box.left() + 4 * part, box.center().y() + 0.5 * part);
+    tick.lineTo(box.left() + 7 * part, box.bottom() - 4.5 * part);
+    tick.lineTo(box.right() - 3.5 * part, box.top() + 4.5 * part);
+    painter.setPen(
+        QPen(qtColor(brand::navy), 2 * part, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(tick);
 }
@@ -81,13 +84,13 @@ CheckBox::CheckBox() {
 QSize CheckBox::sizeHint() const {
     const QSizeF text = textSize(QCheckBox::text(), 1e6);
     // Narrower is possible, in more lines.
-    return {static_cast<int>(std::ceil(boxSide + labelGap + std::min(text.width(), 200.0))),
-            static_cast<int>(std::ceil(std::max(boxSide, text.height()))) + 4};
+    return {static_cast<int>(std::ceil(boxSide() + labelGap + std::min(text.width(), 200.0))),
+            static_cast<int>(std::ceil(std::max(boxSide(), text.height()))) + 4};
 }
 
 int CheckBox::heightForWidth(int width) const {
-    const QSizeF text = textSize(QCheckBox::text(), width - boxSide - labelGap);
-    return static_cast<int>(std::ceil(std::max(boxSide, text.height()))) + 4;
+    const QSizeF text = textSize(QCheckBox::text(), width - boxSide() - labelGap);
+    return static_cast<int>(std::ceil(std::max(boxSide(), text.height()))) + 4;
 }
 
 void CheckBox::paintEvent(QPaintEvent*) {
@@ -96,7 +99,7 @@ void CheckBox::paintEvent(QPaintEvent*) {
     constexpr double radius = 4;
     const QtFont font = qtFont(scaledFont(brand::body(13)));
     const double lineHeight = QFontMetricsF(font.font).height() * font.scale;
-    const QRectF box(0.5, 2 + std::max(0.0, (lineHeight - boxSide) / 2), boxSide, boxSide);
+    const QRectF box(0.5, 2 + std::max(0.0, (lineHeight - boxSide()) / 2), boxSide(), boxSide());
     painting::fillRounded(painter, box, radius, isChecked() ? brand::orange : colors().control);
     if (!isChecked()) painting::strokeRounded(painter, box, radius, colors().line, 1);
     if (underMouse()) painting::fillRounded(painter, box, radius, colors().hover);
@@ -105,10 +108,10 @@ void CheckBox::paintEvent(QPaintEvent*) {
     painter.setPen(qtColor(colors().text));
     painter.setFont(font.font);
     painter.save();
-    painter.translate(boxSide + labelGap, 2);
+    painter.translate(boxSide() + labelGap, 2);
     painter.scale(font.scale, font.scale);
     painter.drawText(
-        QRectF(0, 0, (width() - boxSide - labelGap) / font.scale, height() / font.scale),
+        QRectF(0, 0, (width() - boxSide() - labelGap) / font.scale, height() / font.scale),
         wrappingFromTop, text());
     painter.restore();
     if (hasFocus() && painting::showsFocus(*this))

@@ -3,6 +3,7 @@
 
 #include "ui/panel_colors.h"
 #include "ui/panel_parts.h"
+#include "ui/qt/text_scale.h"
 
 #include <QCheckBox>
 
@@ -29,7 +30,7 @@ private:
 /// Without a text of its own; the tooltip is its name.
 class Switch final : public Toggle {
 public:
-    [[nodiscard]] QSize sizeHint() const override { return {40, 24}; }
+    [[nodiscard]] QSize sizeHint() const override { return QSize(40, 24) * controlScale(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
