@@ -28,5 +28,7 @@ file(COPY "${pieces}/nl.wegslot.Wegslot.desktop" "${pieces}/../LICENSE"
 file(COPY "${pieces}/nl.wegslot.Wegslot.svg" DESTINATION "${BUNDLE}/icons")
 # The catalogues lie beside the program in a build folder, and go with it.
 get_filename_component(built "${PROGRAM}" DIRECTORY)
-file(COPY "${built}/../share/locale" DESTINATION "${BUNDLE}/share")
+if(EXISTS "${built}/../share/locale")
+  file(COPY "${built}/../share/locale" DESTINATION "${BUNDLE}/share")
+endif()
 execute_process(COMMAND "${STRIP}" -o "${BUNDLE}/wegslot" "${PROGRAM}" COMMAND_ERROR_IS_FATAL ANY)

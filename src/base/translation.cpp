@@ -1,5 +1,6 @@
 #include "base/translation.h"
 
+#include <ostream>
 #include <utility>
 
 namespace wegslot {
@@ -43,6 +44,10 @@ std::string Message::translated() const {
 std::string Message::builtIn() const {
     return filled(many_.empty() || count_ == 1 ? text_ : many_, places_.size(),
                   [this](std::size_t place) { return places_[place].builtIn(); });
+}
+
+std::ostream& operator<<(std::ostream& out, const Message& message) {
+    return out << message.builtIn();
 }
 
 Message message(const char* text, std::vector<Message> places) {

@@ -3,6 +3,7 @@
 // What is written for programs and for the log is never translated.
 #pragma once
 
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -67,6 +68,9 @@ private:
     bool isTranslated_ = false;
     std::vector<Message> places_;
 };
+
+/// As it stands in the code: tests name what they saw.
+std::ostream& operator<<(std::ostream& out, const Message& message);
 
 /// Has `text` taken into the catalogues' template, as the two below have theirs.
 [[nodiscard]] Message message(const char* text, std::vector<Message> places = {});

@@ -1,6 +1,7 @@
 #include "ui/key_row.h"
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "scanner/device_names.h"
 #include "ui/symbols.h"
 #include "ui/whole_number.h"
@@ -13,23 +14,23 @@ namespace {
 
 std::string noteOf(const KeyFacts& facts) {
     // Only where it is known to be foreign: such a key is never connected.
-    return facts.key.isApple == false ? "Ander merk, alleen luisteren" : "";
+    return facts.key.isApple == false ? translated("Ander merk, alleen luisteren") : "";
 }
 
 Badge badgeOf(const std::optional<KeyState>& state) {
     switch (state.value_or(KeyState::away)) {
     case KeyState::near:
-        return {"Dichtbij", brand::success};
+        return {translated("Dichtbij"), brand::success};
     case KeyState::leaving:
-        return {"Zwak", brand::orange};
+        return {translated("Zwak"), brand::orange};
     case KeyState::away:
         break;
     }
-    return {"Weg", brand::lila};
+    return {translated("Weg"), brand::lila};
 }
 
 std::string signalOf(const std::optional<Dbm>& rssi) {
-    return rssi ? "Nu " + wholeNumber(rssi->value) + " dBm" : "Geen signaal";
+    return rssi ? translated("Nu %1 dBm", {wholeNumber(rssi->value)}) : translated("Geen signaal");
 }
 
 // The difference of the numbers that the row shows, or they would not add up.
@@ -37,8 +38,9 @@ std::string justSetOf(const KeyFacts& facts) {
     if (!facts.justSetBy) return {};
     const double threshold = std::trunc(facts.key.threshold.value);
     const double below = std::trunc(facts.justSetBy->value) - threshold;
-    return "Drempel " + wholeNumber(threshold) + " dBm, " + wholeNumber(std::abs(below)) + " dB " +
-           (below < 0 ? "boven nu" : "onder nu");
+    const std::vector<Message> places{wholeNumber(threshold), wholeNumber(std::abs(below))};
+    return below < 0 ? translated("Drempel %1 dBm, %2 dB boven nu", places)
+                     : translated("Drempel %1 dBm, %2 dB onder nu", places);
 }
 
 // What is stored is whole, and would pull the slider from under the finger that moves it.
@@ -58,30 +60,32 @@ KeyRow keyRow(const KeyFacts& facts) {
                .badge = badgeOf(facts.state),
                .remove = {.symbol = std::string(symbols::remove),
                           .text = {},
-                          .tooltip = "Verwijder deze sleutel"},
-               .trouble = facts.changesAddress ? "Wisselt van adres, koppel opnieuw" : "",
+                          .tooltip = translated("Verwijder deze sleutel")},
+               .trouble =
+                   facts.changesAddress ? translated("Wisselt van adres, koppel opnieuw") : "",
                .signal = signalOf(facts.rssi),
-               .link = facts.isHeardOverConnection ? "verbonden" : "",
-               .limit = "Lockt onder " + wholeNumber(key.threshold.value) + " dBm",
+               .link = facts.isHeardOverConnection ? translated("verbonden") : "",
+               .limit = translated("Lockt onder %1 dBm", {wholeNumber(key.threshold.value)}),
                .bar = signalBar(facts.rssi, key.threshold),
-               .farEnd = "Ver",
+               .farEnd = translated("Ver"),
                .threshold = sliderOf(facts),
-               .nearEnd = "Dichtbij",
+               .nearEnd = translated("Dichtbij"),
                .setFromHere = std::nullopt,
                .justSet = justSetOf(facts)};
     if (facts.rssi)
-        row.setFromHere = {.symbol = {},
-                           .text = "Stel in vanaf hier",
-                           .tooltip = "Zet de drempel 15 dBm onder het huidige signaal. Doe dit "
-                                      "terwijl je achter je Mac zit."};
+        row.setFromHere = {
+            .symbol = {},
+            .text = translated("Stel in vanaf hier"),
+            .tooltip = translated("Zet de drempel 15 dBm onder het huidige signaal. Doe dit "
+                                  "terwijl je achter je Mac zit.")};
     return row;
 }
 
 RemovedRow removedRow(const KeyDevice& key) {
     return {.id = key.id,
             .name = printable(key.name),
-            .text = "Verwijderd",
-            .putBack = {.symbol = {}, .text = "Zet terug"}};
+            .text = translated("Verwijderd"),
+            .putBack = {.symbol = {}, .text = translated("Zet terug")}};
 }
 
 } // namespace wegslot::panel

@@ -1,6 +1,7 @@
 #include "ui/nearby_group.h"
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "scanner/device_names.h"
 #include "ui/held_order.h"
 #include "ui/whole_number.h"
@@ -58,20 +59,23 @@ Candidates candidatesOf(const NearbyFacts& facts) {
 
 std::string detailOf(const SeenDevice& device) {
     if (device.model) return printable(*device.model);
-    return device.isApple() ? "Model onbekend" : "Ander merk";
+    return device.isApple() ? translated("Model onbekend") : translated("Ander merk");
 }
 
 std::string obstacleOf(const SeenDevice& device, const NearbyFacts& facts) {
     if (!facts.changesAddress(device.id)) return {};
     if (facts.notOpened == device.id)
-        return "Dit apparaat wisselt van adres. Hier is geen venster om het te koppelen; dat kan "
-               "met bluetoothctl in een terminal.";
-    return "Dit apparaat wisselt van adres. Koppel het eerst met deze computer.";
+        return translated(
+            "Dit apparaat wisselt van adres. Hier is geen venster om het te koppelen; "
+            "dat kan met bluetoothctl in een terminal.");
+    return translated("Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
 }
 
 Button chooseButton(bool hasObstacle) {
-    if (!hasObstacle) return {.symbol = {}, .text = "Kies"};
-    return {.symbol = {}, .text = "Koppel…", .tooltip = "Open de Bluetooth-instellingen"};
+    if (!hasObstacle) return {.symbol = {}, .text = translated("Kies")};
+    return {.symbol = {},
+            .text = translated("Koppel…"),
+            .tooltip = translated("Open de Bluetooth-instellingen")};
 }
 
 NearbyRow rowOf(const SeenDevice& device, const NearbyFacts& facts) {
@@ -86,7 +90,7 @@ NearbyRow rowOf(const SeenDevice& device, const NearbyFacts& facts) {
 
 NearbyList listOf(const Devices& devices, const NearbyFacts& facts,
                   std::vector<Uuid> NearbyPlaces::*held, std::size_t limit = unlimited) {
-    if (devices.empty()) return {.places = {}, .placeholder = "Zoeken…"};
+    if (devices.empty()) return {.places = {}, .placeholder = translated("Zoeken…")};
 
     std::unordered_map<Uuid, const SeenDevice*> byId;
     std::vector<Uuid> order;
@@ -120,12 +124,13 @@ std::vector<Uuid> idsOf(const NearbyList& list) {
 } // namespace
 
 NearbyGroup nearbyGroup(const NearbyFacts& facts) {
-    NearbyGroup group{.title = "Apparaten in de buurt",
+    NearbyGroup group{.title = translated("Apparaten in de buurt"),
                       .isOpen = facts.isOpen,
-                      .explanation = "Je eigen apparaten staan hier met naam. Staat je iPhone er "
-                                     "niet tussen? Ontgrendel hem even.",
+                      .explanation =
+                          translated("Je eigen apparaten staan hier met naam. Staat je iPhone er "
+                                     "niet tussen? Ontgrendel hem even."),
                       .showOthers = {.choice = Choice::showOtherDevices,
-                                     .text = "Toon ook andere Bluetooth-apparaten",
+                                     .text = translated("Toon ook andere Bluetooth-apparaten"),
                                      .tooltip = {},
                                      .isOn = facts.showOthers}};
     if (!facts.isOpen) return group;
@@ -133,19 +138,22 @@ NearbyGroup nearbyGroup(const NearbyFacts& facts) {
     const Candidates candidates = candidatesOf(facts);
     group.named = listOf(candidates.named, facts, &NearbyPlaces::named);
     if (!candidates.nameless.empty()) {
-        group.nameless = {.label = std::to_string(candidates.nameless.size()) +
-                                   " andere apparaten zonder naam",
+        group.nameless = {.label =
+                              counted("%1 andere apparaten zonder naam",
+                                      "%1 andere apparaten zonder naam", candidates.nameless.size(),
+                                      {std::to_string(candidates.nameless.size())})
+                                  .translated(),
                           .isOpen = facts.isNamelessOpen};
         if (facts.isNamelessOpen)
             group.nameless->list = listOf(candidates.nameless, facts, &NearbyPlaces::nameless);
     }
     if (facts.showOthers)
-        group.others = {.explanation = "Bijvoorbeeld een bandje, beacon of headset. Werkt alleen "
-                                       "als het apparaat blijft uitzenden met een vast adres. "
-                                       "Wegslot luistert alleen en maakt geen verbinding. Test het "
-                                       "even door weg te lopen.",
-                        .list =
-                            listOf(candidates.others, facts, &NearbyPlaces::others, mostOthers)};
+        group.others = {
+            .explanation = translated("Bijvoorbeeld een bandje, beacon of headset. Werkt alleen "
+                                      "als het apparaat blijft uitzenden met een vast adres. "
+                                      "Wegslot luistert alleen en maakt geen verbinding. Test het "
+                                      "even door weg te lopen."),
+            .list = listOf(candidates.others, facts, &NearbyPlaces::others, mostOthers)};
     return group;
 }
 

@@ -1,7 +1,6 @@
-#include "ui/contrast.h"
 #include "ui/panel_colors.h"
 
-#include "tests/support/contrast.h"
+#include "ui/contrast.h"
 
 #include <gtest/gtest.h>
 

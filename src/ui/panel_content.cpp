@@ -1,6 +1,7 @@
 #include "ui/panel_content.h"
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "ui/panel_colors.h"
 #include "ui/symbols.h"
 
@@ -22,7 +23,7 @@ Header header(const PanelSources& sources) {
             .status = printable(text(phase, sources.clockTime).translated()),
             .enabled = {.choice = Choice::enabled,
                         .text = {},
-                        .tooltip = "Wegslot aan of uit",
+                        .tooltip = translated("Wegslot aan of uit"),
                         .isOn = sources.settings.enabled.get()}};
 }
 
@@ -48,17 +49,18 @@ KeyFacts factsOf(const KeyDevice& key, const PanelSources& sources, const Flags&
 
 KeysSection keysSection(const PanelSources& sources, const Flags& flags) {
     const auto& keys = sources.settings.keys.get();
-    KeysSection section{.title = "Jouw sleutels"};
+    KeysSection section{.title = translated("Jouw sleutels")};
     if (keys.empty())
-        section.instruction = "Leg je iPhone of Apple Watch naast je Mac en kies hem hieronder.";
+        section.instruction =
+            translated("Leg je iPhone of Apple Watch naast je Mac en kies hem hieronder.");
     for (const ListedKey& listed : listedKeys(keys, flags.removed))
         section.rows.push_back(listed.isRemoved
                                    ? KeyPlace(removedRow(*listed.key))
                                    : KeyPlace(keyRow(factsOf(*listed.key, sources, flags))));
     if (keys.size() >= 2)
-        section.rule = {.label = "Locken als",
-                        .options = {{LockRule::allAway, "alle sleutels weg zijn"},
-                                    {LockRule::anyAway, "één sleutel weg is"}},
+        section.rule = {.label = translated("Locken als"),
+                        .options = {{LockRule::allAway, translated("alle sleutels weg zijn")},
+                                    {LockRule::anyAway, translated("één sleutel weg is")}},
                         .selected = sources.settings.rule.get()};
     return section;
 }
@@ -68,14 +70,15 @@ std::optional<LoginOffer> loginOffer(LoginOffering offering) {
     case LoginOffering::none:
         break;
     case LoginOffering::offered:
-        return LoginOffer{.text = "Wegslot lockt alleen als het draait. Zal het voortaan starten "
-                                  "als je inlogt?",
-                          .accept = Button{.symbol = {}, .text = "Start bij inloggen"},
-                          .decline = {.symbol = {}, .text = "Niet nu"}};
+        return LoginOffer{
+            .text = translated("Wegslot lockt alleen als het draait. Zal het voortaan starten "
+                               "als je inlogt?"),
+            .accept = Button{.symbol = {}, .text = translated("Start bij inloggen")},
+            .decline = {.symbol = {}, .text = translated("Niet nu")}};
     case LoginOffering::failed:
-        return LoginOffer{.text = "Dat lukte niet; het logboek zegt waarom.",
+        return LoginOffer{.text = translated("Dat lukte niet; het logboek zegt waarom."),
                           .accept = std::nullopt,
-                          .decline = {.symbol = {}, .text = "Goed"}};
+                          .decline = {.symbol = {}, .text = translated("Goed")}};
     }
     return std::nullopt;
 }
@@ -98,17 +101,18 @@ NearbyGroup nearby(const PanelSources& sources, const Flags& flags) {
 }
 
 Footer footer(const Monitor& monitor) {
-    Footer footer{
-        .lock = {.symbol = std::string(symbols::lock), .text = "Nu locken"},
-        .pause = PauseMenu{.text = "Pauzeer",
-                           .entries = {{"15 minuten", Seconds{900}},
-                                       {"1 uur", Seconds{3600}},
-                                       {"4 uur", Seconds{14400}}}},
-        .log = {.symbol = std::string(symbols::log), .text = {}, .tooltip = "Open het logboek"},
-        .quit = {.symbol = {}, .text = "Stop"}};
+    Footer footer{.lock = {.symbol = std::string(symbols::lock), .text = translated("Nu locken")},
+                  .pause = PauseMenu{.text = translated("Pauzeer"),
+                                     .entries = {{translated("15 minuten"), Seconds{900}},
+                                                 {translated("1 uur"), Seconds{3600}},
+                                                 {translated("4 uur"), Seconds{14400}}}},
+                  .log = {.symbol = std::string(symbols::log),
+                          .text = {},
+                          .tooltip = translated("Open het logboek")},
+                  .quit = {.symbol = {}, .text = translated("Stop")}};
     // A warning may begin while the user's own pause has not ended yet.
     if (monitor.snoozeIsManual().get() && is<phase::Snoozed>(monitor.phase().get()))
-        footer.pause = Button{.symbol = {}, .text = "Hervat"};
+        footer.pause = Button{.symbol = {}, .text = translated("Hervat")};
     return footer;
 }
 

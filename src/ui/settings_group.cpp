@@ -1,5 +1,6 @@
 #include "ui/settings_group.h"
 
+#include "base/translation.h"
 #include "ui/whole_number.h"
 
 #include <algorithm>
@@ -10,25 +11,25 @@
 namespace wegslot::panel {
 namespace {
 
-struct Wording {
-    std::string before;
-    std::string after;
-};
-
-Stepper stepper(Delay delay, Seconds value, const Wording& wording) {
+/// `wording` has a place for the number of seconds, which is drawn apart.
+Stepper stepper(Delay delay, Seconds value, const Message& wording) {
+    constexpr std::string_view place = "%1";
+    const std::string text = wording.translated();
+    const std::size_t before = text.find(place);
+    const std::size_t after = std::min(before, text.size() - place.size()) + place.size();
     const DelayRange range = rangeOf(delay);
     const Seconds known = std::isnan(value.count()) ? Seconds{0} : value;
     return {.delay = delay,
-            .before = wording.before,
+            .before = text.substr(0, before),
             .value = wholeNumber(known.count()),
-            .after = wording.after,
+            .after = text.substr(after),
             .canDecrease = known > range.lowest,
             .canIncrease = known < range.highest};
 }
 
 Stepper countdownStepper(const Settings& settings) {
-    Stepper part =
-        stepper(Delay::warningSeconds, settings.warningSeconds.get(), {"Aftellen vanaf ", " s"});
+    Stepper part = stepper(Delay::warningSeconds, settings.warningSeconds.get(),
+                           message("Aftellen vanaf %1 s"));
     part.isIndented = true;
     part.isShown = settings.warningEnabled.get();
     return part;
@@ -38,33 +39,35 @@ Stepper countdownStepper(const Settings& settings) {
 
 SettingsGroup settingsGroup(const Settings& settings, bool isOpen, bool launchAtLogin,
                             const UpdateFacts& update) {
-    return {
-        .title = "Instellingen",
-        .isOpen = isOpen,
-        .parts = {
-            stepper(Delay::awayDelay, settings.awayDelay.get(), {"Weg na ", " s zwak signaal"}),
-            stepper(Delay::lostTimeout, settings.lostTimeout.get(), {"Weg na ", " s geen signaal"}),
-            Divider{},
-            Toggle{.choice = Choice::warningEnabled,
-                   .text = "Waarschuw voordat je Mac lockt",
-                   .tooltip = {},
-                   .isOn = settings.warningEnabled.get()},
-            countdownStepper(settings),
-            Toggle{.choice = Choice::pauseDuringMeetings,
-                   .text = "Niet locken tijdens videobellen",
-                   .tooltip = "Pauzeert als je camera of microfoon in gebruik is",
-                   .isOn = settings.pauseDuringMeetings.get()},
-            Toggle{.choice = Choice::pauseWhileActive,
-                   .text = "Niet locken als je je Mac gebruikt",
-                   .tooltip = "Pauzeert als je de afgelopen 10 seconden typte of de muis bewoog",
-                   .isOn = settings.pauseWhileActive.get()},
-            Toggle{.choice = Choice::launchAtLogin,
-                   .text = "Start bij inloggen",
-                   .tooltip = {},
-                   .isOn = launchAtLogin},
-            Divider{},
-            versionBlock(update),
-        }};
+    return {.title = translated("Instellingen"),
+            .isOpen = isOpen,
+            .parts = {
+                stepper(Delay::awayDelay, settings.awayDelay.get(),
+                        message("Weg na %1 s zwak signaal")),
+                stepper(Delay::lostTimeout, settings.lostTimeout.get(),
+                        message("Weg na %1 s geen signaal")),
+                Divider{},
+                Toggle{.choice = Choice::warningEnabled,
+                       .text = translated("Waarschuw voordat je Mac lockt"),
+                       .tooltip = {},
+                       .isOn = settings.warningEnabled.get()},
+                countdownStepper(settings),
+                Toggle{.choice = Choice::pauseDuringMeetings,
+                       .text = translated("Niet locken tijdens videobellen"),
+                       .tooltip = translated("Pauzeert als je camera of microfoon in gebruik is"),
+                       .isOn = settings.pauseDuringMeetings.get()},
+                Toggle{.choice = Choice::pauseWhileActive,
+                       .text = translated("Niet locken als je je Mac gebruikt"),
+                       .tooltip = translated(
+                           "Pauzeert als je de afgelopen 10 seconden typte of de muis bewoog"),
+                       .isOn = settings.pauseWhileActive.get()},
+                Toggle{.choice = Choice::launchAtLogin,
+                       .text = translated("Start bij inloggen"),
+                       .tooltip = {},
+                       .isOn = launchAtLogin},
+                Divider{},
+                versionBlock(update),
+            }};
 }
 
 DelayRange rangeOf(Delay delay) {

@@ -6,13 +6,13 @@ std::vector<TrayEntry> trayEntries(const TrayActions& actions) {
     const auto pausing = [&actions](Seconds duration) {
         return [pause = actions.pause, duration] { pause(duration); };
     };
-    return {{"Open Wegslot", [open = actions.open] { open({.at = std::nullopt}); }},
-            {"Nu locken", actions.lock},
-            {"Hervat", actions.resume, TrayEntry::Shown::whilePaused},
-            {"Pauzeer 15 minuten", pausing(Seconds{900})},
-            {"Pauzeer 1 uur", pausing(Seconds{3600})},
-            {"Pauzeer tot 06:00", actions.pauseUntilMorning},
-            {"Stop", actions.quit}};
+    return {{message("Open Wegslot"), [open = actions.open] { open({.at = std::nullopt}); }},
+            {message("Nu locken"), actions.lock},
+            {message("Hervat"), actions.resume, TrayEntry::Shown::whilePaused},
+            {message("Pauzeer 15 minuten"), pausing(Seconds{900})},
+            {message("Pauzeer 1 uur"), pausing(Seconds{3600})},
+            {message("Pauzeer tot 06:00"), actions.pauseUntilMorning},
+            {message("Stop"), actions.quit}};
 }
 
 } // namespace wegslot

@@ -1,11 +1,11 @@
 // The entries of the icon's menu, in their order: the same whichever kind of icon has it.
 #pragma once
 
+#include "base/translation.h"
 #include "ui/tray_actions.h"
 #include "ui/tray_content.h"
 
 #include <functional>
-#include <string>
 #include <vector>
 
 namespace wegslot {
@@ -13,7 +13,7 @@ namespace wegslot {
 struct TrayEntry {
     enum class Shown { always, whilePaused };
 
-    std::string label;
+    Message label;
     std::function<void()> action;
     Shown shown = Shown::always;
 

@@ -22,7 +22,7 @@ TEST(TrayEntries, EachDoesWhatItSays) {
          .quit = note("quit")});
     std::vector<std::string> labels;
     for (const TrayEntry& entry : entries) {
-        labels.push_back(entry.label);
+        labels.push_back(entry.label.builtIn());
         entry.action();
     }
     EXPECT_EQ(labels,

@@ -1,6 +1,7 @@
 #include "ui/update_presentation.h"
 
 #include "base/text.h"
+#include "base/translation.h"
 #include "ui/symbols.h"
 
 #include <utility>
@@ -12,18 +13,18 @@ struct BannerOf {
     const UpdateFacts& facts;
 
     UpdateBanner operator()(const update_state::Available& state) const {
-        return offer(state.release, Button{.symbol = {}, .text = "Update"});
+        return offer(state.release, Button{.symbol = {}, .text = translated("Update")});
     }
     UpdateBanner operator()(const update_state::Downloading& state) const {
-        return offer(state.release, Busy{"Downloaden"});
+        return offer(state.release, Busy{translated("Downloaden")});
     }
     UpdateBanner operator()(const update_state::Installing& state) const {
-        return offer(state.release, Busy{"Installeren"});
+        return offer(state.release, Busy{translated("Installeren")});
     }
     UpdateBanner operator()(const update_state::InstallFailed& state) const {
         return UpdateTrouble{.symbol = std::string(symbols::warning),
                              .text = translated("Update mislukt: %1", {state.message}),
-                             .retry = {.symbol = {}, .text = "Probeer opnieuw"}};
+                             .retry = {.symbol = {}, .text = translated("Probeer opnieuw")}};
     }
     UpdateBanner operator()(const update_state::Idle&) const { return {}; }
     UpdateBanner operator()(const update_state::Checking&) const { return {}; }
@@ -33,8 +34,8 @@ struct BannerOf {
     [[nodiscard]] UpdateBanner offer(const Release& release,
                                      std::variant<Button, Busy> install) const {
         return UpdateOffer{.symbol = std::string(symbols::update),
-                           .title = "Versie " + printable(release.version) + " is er",
-                           .current = "Je hebt nu " + facts.currentVersion,
+                           .title = translated("Versie %1 is er", {printable(release.version)}),
+                           .current = translated("Je hebt nu %1", {facts.currentVersion}),
                            .install = std::move(install),
                            .notes = release.notes.value_or("")};
     }
@@ -44,7 +45,7 @@ struct StatusOf {
     bool isConfigured;
 
     std::string operator()(const update_state::Available& state) const {
-        return "Versie " + printable(state.release.version) + " is beschikbaar";
+        return translated("Versie %1 is beschikbaar", {printable(state.release.version)});
     }
     std::string operator()(const update_state::Failed& state) const {
         return state.message.translated();
@@ -52,9 +53,9 @@ struct StatusOf {
     std::string operator()(const update_state::InstallFailed& state) const {
         return state.message.translated();
     }
-    std::string operator()(const update_state::Checking&) const { return "Zoeken…"; }
+    std::string operator()(const update_state::Checking&) const { return translated("Zoeken…"); }
     std::string operator()(const update_state::UpToDate&) const {
-        return "Je hebt de nieuwste versie";
+        return translated("Je hebt de nieuwste versie");
     }
     std::string operator()(const update_state::Idle&) const { return quiet(); }
     // The banner tells what is under way.
@@ -62,7 +63,7 @@ struct StatusOf {
     std::string operator()(const update_state::Installing&) const { return quiet(); }
 
     [[nodiscard]] std::string quiet() const {
-        return isConfigured ? "" : "Updates staan uit in deze versie";
+        return isConfigured ? "" : translated("Updates staan uit in deze versie");
     }
 };
 
@@ -74,10 +75,10 @@ UpdateBanner updateBanner(const UpdateFacts& facts) {
 
 VersionBlock versionBlock(const UpdateFacts& facts) {
     const bool isChecking = std::holds_alternative<update_state::Checking>(facts.state);
-    return {.version = "Versie " + facts.currentVersion,
+    return {.version = translated("Versie %1", {facts.currentVersion}),
             .status = std::visit(StatusOf{facts.isConfigured}, facts.state),
             .check = {.symbol = {},
-                      .text = "Zoek naar updates",
+                      .text = translated("Zoek naar updates"),
                       .tooltip = {},
                       .isEnabled = facts.isConfigured && !isChecking}};
 }

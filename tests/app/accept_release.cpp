@@ -29,7 +29,7 @@ std::optional<std::string> objection(const BundleInfo& info, const std::string& 
                                      const std::string& content) {
     const std::span image(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
     const auto release = readRelease(feed);
-    if (!release) return "feed: " + release.failure().message;
+    if (!release) return "feed: " + release.failure().message.builtIn();
     if (!info.key || info.feed.empty()) return "this bundle does not update itself";
     if (release->build != info.build) return "another build than that of the bundle";
     if (release->version != info.version) return "another version than that of the bundle";

@@ -29,7 +29,7 @@ std::string replayed(const std::string& text) {
     std::string output;
     Replay replay([&output](std::string_view line) { output += line; }, {});
     const auto result = replay.run(input);
-    return output + (result ? "" : result.failure().message);
+    return output + (result ? "" : result.failure().message.builtIn());
 }
 
 } // namespace

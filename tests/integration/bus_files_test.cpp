@@ -26,7 +26,7 @@ struct BusFilesTest : testing::Test {
 
     /// What comes of a file that is sent to `opened`: the name of the error, or "taken".
     std::string send(Result<std::unique_ptr<Bus>> opened) {
-        if (!opened) return opened.failure().message;
+        if (!opened) return opened.failure().message.builtIn();
         Bus& bus = **opened;
         const Handle driven = loop.attach(bus);
         const auto shown = dbus::exportObject(

@@ -123,5 +123,5 @@ TEST_F(DesktopOpenerTest, TheFailureIsOneLine) {
     const Environment empty{{{"PATH", "/nowhere"}}};
     const auto failure = opener.open("/a\nb");
     ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->message.find('\n'), std::string::npos);
+    EXPECT_EQ(failure->message.builtIn().find('\n'), std::string::npos);
 }

@@ -126,7 +126,8 @@ protected:
         const auto bars = all<SignalBarView>();
         for (std::size_t i = 0; i < bars.size(); ++i) {
             const QRect bar = place(*bars[i]).marginsRemoved(SignalBarView::beyond);
-            const double marker = model->content().keys.rows.at(i).bar.marker;
+            const double marker =
+                std::get<panel::KeyRow>(model->content().keys.rows.at(i)).bar.marker;
             places.emplace_back(bar.left() + static_cast<int>(marker * bar.width()), bar.top());
         }
         return places;

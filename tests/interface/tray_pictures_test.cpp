@@ -2,8 +2,8 @@
 
 #include "monitor/phase.h"
 #include "tests/interface/picture.h"
-#include "tests/support/contrast.h"
 #include "tests/support/offscreen.h"
+#include "ui/contrast.h"
 #include "ui/qt/brand_qt.h"
 #include "ui/qt/symbol_images.h"
 #include "ui/qt/tray_painter.h"

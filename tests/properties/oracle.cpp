@@ -36,9 +36,9 @@ std::optional<std::string> statusLine(const Phase& phase, Nanoseconds wallAhead)
     if (is<phase::Present>(phase) || is<phase::Leaving>(phase) || is<phase::Warning>(phase))
         return std::nullopt;
     if (const auto* off = std::get_if<phase::BluetoothUnavailable>(&phase))
-        return "Status: bluetoothUnavailable(\"" + off->text + "\")";
+        return "Status: bluetoothUnavailable(\"" + off->text.builtIn() + "\")";
     if (const auto* paused = std::get_if<phase::Paused>(&phase))
-        return "Status: paused(\"" + paused->text + "\")";
+        return "Status: paused(\"" + paused->text.builtIn() + "\")";
     if (const auto* snoozed = std::get_if<phase::Snoozed>(&phase))
         return "Status: snoozed(" + utc(snoozed->until, wallAhead) + ")";
     if (is<phase::Disabled>(phase)) return "Status: disabled";

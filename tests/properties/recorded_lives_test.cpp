@@ -129,7 +129,7 @@ Replayed replayed(const std::string& trace) {
     std::istringstream input(trace);
     Replay replay([&result](std::string_view line) { result.lines.emplace_back(line); }, {});
     const auto outcome = replay.run(input);
-    if (!outcome) result.fault = outcome.failure().message;
+    if (!outcome) result.fault = outcome.failure().message.builtIn();
     return result;
 }
 

@@ -32,7 +32,7 @@ public:
               std::function<void()> onCancel) override {
         stage_.panelShows = true;
         stage_.cancel = std::move(onCancel);
-        stage_.happened(effect::PanelShown{deadline, total, message});
+        stage_.happened(effect::PanelShown{deadline, total, message.builtIn()});
     }
 
     void hide() override {

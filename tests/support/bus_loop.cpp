@@ -64,7 +64,7 @@ void BusLoop::pass(Nanoseconds duration) {
 
 std::unique_ptr<dbus::Bus> BusLoop::connect() {
     auto opened = open(daemon.address(), forgeries);
-    if (!opened) throw std::runtime_error(opened.failure().message);
+    if (!opened) throw std::runtime_error(opened.failure().message.builtIn());
     return *std::move(opened);
 }
 

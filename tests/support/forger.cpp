@@ -17,7 +17,7 @@
 namespace wegslot {
 namespace {
 
-using Message = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
+using OwnedMessage = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
 // In the child, where nothing can be thrown.
 bool become(const passwd& user) {
@@ -70,7 +70,7 @@ void sendSignalTo(sd_bus* bus, const std::string& to, const std::string& path,
                   const std::function<void(sd_bus_message*)>& append) {
     sd_bus_message* message = nullptr;
     sd_bus_message_new_signal(bus, &message, path.c_str(), interface.c_str(), member.c_str());
-    const Message owned(message, sd_bus_message_unref);
+    const OwnedMessage owned(message, sd_bus_message_unref);
     append(message);
     sd_bus_send_to(bus, message, to.c_str(), nullptr);
 }
@@ -80,12 +80,12 @@ void sendAnswerTo(sd_bus* bus, const std::string& to, std::uint64_t serial,
     // The library answers calls only; so here is one as if it had come in.
     sd_bus_message* call = nullptr;
     sd_bus_message_new_method_call(bus, &call, nullptr, "/", "nl.example.Any", "Any");
-    const Message ownedCall(call, sd_bus_message_unref);
+    const OwnedMessage ownedCall(call, sd_bus_message_unref);
     sd_bus_message_set_sender(call, to.c_str());
     sd_bus_message_seal(call, serial, 0);
     sd_bus_message* answer = nullptr;
     sd_bus_message_new_method_return(call, &answer);
-    const Message ownedAnswer(answer, sd_bus_message_unref);
+    const OwnedMessage ownedAnswer(answer, sd_bus_message_unref);
     sd_bus_message_append(answer, "s", text.c_str());
     sd_bus_send(bus, answer, nullptr);
 }

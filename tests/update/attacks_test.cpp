@@ -77,8 +77,9 @@ protected:
             return !works || !control.calls.empty();
         });
         const auto& state = updater->state().get();
-        if (const auto* failed = std::get_if<Failed>(&state)) return failed->message;
-        if (const auto* failed = std::get_if<InstallFailed>(&state)) return failed->message;
+        if (const auto* failed = std::get_if<Failed>(&state)) return failed->message.builtIn();
+        if (const auto* failed = std::get_if<InstallFailed>(&state))
+            return failed->message.builtIn();
         return std::holds_alternative<UpToDate>(state) ? "up to date" : "installed";
     }
 

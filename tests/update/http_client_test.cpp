@@ -29,7 +29,7 @@ protected:
                                                        (response->body.empty() ? "" : " ") +
                                                        std::string(response->body.begin(),
                                                                    response->body.end())
-                                                 : response.failure().message;
+                                                 : response.failure().message.builtIn();
                                  loop.quit();
                              });
         loop.exec();

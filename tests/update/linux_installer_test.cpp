@@ -48,7 +48,7 @@ protected:
 
     [[nodiscard]] std::string examined(const Release& release = {.version = "1.4", .build = 27}) {
         const auto result = installer.examine((source / "Wegslot.app").string(), release);
-        return result ? "" : result.failure().message;
+        return result ? "" : result.failure().message.builtIn();
     }
 
     TemporaryFolder home;
@@ -121,7 +121,7 @@ TEST_F(InstallerTest, AFolderThatCannotBeWrittenSaysWhichStepFailed) {
     LinuxInstaller onFile(app, testIdentifier, home.path() / "file");
     const auto failed = onFile.unpack(whole);
     ASSERT_FALSE(failed);
-    EXPECT_NE(failed.failure().message.find("Not a directory"), std::string::npos)
+    EXPECT_NE(failed.failure().message.builtIn().find("Not a directory"), std::string::npos)
         << failed.failure().message;
 }
 

@@ -35,7 +35,8 @@ TEST(Tool, AFailureNamesTheProgramAndItsStatus) {
 TEST(Tool, AProgramThatCannotBeStartedIsNamed) {
     const auto result = runTool({"/nergens/tar"});
     ASSERT_FALSE(result);
-    EXPECT_TRUE(result.failure().message.starts_with("/nergens/tar: ")) << result.failure().message;
+    EXPECT_TRUE(result.failure().message.builtIn().starts_with("/nergens/tar: "))
+        << result.failure().message.builtIn();
 }
 
 TEST(Tool, EndsAProgramThatTakesTooLongAndWhatItStarted) {

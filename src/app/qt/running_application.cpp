@@ -108,9 +108,9 @@ void RunningApplication::tellTroubles() {
 /// while it is off wants to know that, too.
 void RunningApplication::tellSwitchedOff() {
     if (!switchedOff_.isLong()) return;
-    switchedOffNotice_.emplace(world_.sessionBus, "Wegslot staat uit",
-                               "Het staat al meer dan een dag uit, en lockt dus niet als je "
-                               "wegloopt. Je zet het weer aan in het paneel.");
+    switchedOffNotice_.emplace(world_.sessionBus, translated("Wegslot staat uit"),
+                               translated("Het staat al meer dan een dag uit, en lockt dus niet "
+                                          "als je wegloopt. Je zet het weer aan in het paneel."));
     switchingOn_ = model_.settings().enabled.onChange([this](const bool& isOn) {
         if (isOn) switchedOffNotice_.reset();
     });

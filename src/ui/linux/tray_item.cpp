@@ -35,11 +35,12 @@ TrayItem::TrayItem(dbus::Connection& sessionBus, Scheduler& scheduler, TrayActio
     : scheduler_(scheduler),
       actions_(std::move(actions)),
       painter_(std::move(painter)),
-      menu_(trayEntries(withToken(actions_)), [this](const TrayEntry& entry,
-                                                     const dbus::Message& call) {
-          Log::write("\"" + entry.label + "\" gekozen in het menu van het icoon, gevraagd door " +
-                     dbus::callerOf(*bus_, call));
-      }) {
+      menu_(trayEntries(withToken(actions_)),
+            [this](const TrayEntry& entry, const dbus::Message& call) {
+                Log::write("\"" + entry.label.builtIn() +
+                           "\" gekozen in het menu van het icoon, gevraagd door " +
+                           dbus::callerOf(*bus_, call));
+            }) {
     connection_ = sessionBus.bus().follow([this](dbus::Bus* bus) { busChanged(bus); });
 }
 

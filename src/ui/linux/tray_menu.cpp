@@ -109,7 +109,8 @@ void TrayMenu::getProperty(const dbus::Message& call, dbus::Writer& answer) cons
     const TrayEntry* const found = entry(id);
     if (found == nullptr) return answer.refuse();
     if (name == "label")
-        return answer.variant("s", [found](dbus::Writer& value) { value.text(found->label); });
+        return answer.variant(
+            "s", [found](dbus::Writer& value) { value.text(found->label.translated()); });
     if (name == "enabled")
         return answer.variant("b", [](dbus::Writer& value) { value.boolean(true); });
     if (name == "visible")
@@ -185,8 +186,8 @@ void TrayMenu::writeItem(dbus::Writer& writer, Id id, const std::vector<std::str
 void TrayMenu::writeProperties(dbus::Writer& writer, Id id,
                                const std::vector<std::string>& wanted) const {
     const TrayEntry* const found = entry(id);
-    const Named named =
-        found == nullptr ? Named{"children-display", "submenu"} : Named{"label", found->label};
+    const Named named = found == nullptr ? Named{"children-display", "submenu"}
+                                         : Named{"label", found->label.translated()};
     const bool isWanted = wanted.empty() || std::ranges::find(wanted, named.name) != wanted.end();
     writer.array("{sv}", [&](dbus::Writer& properties) {
         if (!isWanted) return;

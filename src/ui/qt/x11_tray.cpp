@@ -18,10 +18,10 @@ X11Tray::X11Tray(const SymbolImages& images, TrayActions actions)
       actions_(std::move(actions)),
       entries_(trayEntries(actions_)) {
     for (const TrayEntry& entry : entries_) {
-        QAction* const action = menu_.addAction(QString::fromStdString(entry.label));
+        QAction* const action = menu_.addAction(QString::fromStdString(entry.label.translated()));
         // Who chooses is not told: only what can press keys on this X server can.
         QObject::connect(action, &QAction::triggered, &menu_, [entry] {
-            Log::write("\"" + entry.label + "\" gekozen in het menu van het icoon");
+            Log::write("\"" + entry.label.builtIn() + "\" gekozen in het menu van het icoon");
             entry.action();
         });
     }

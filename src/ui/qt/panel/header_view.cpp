@@ -1,5 +1,6 @@
 #include "ui/qt/panel/header_view.h"
 
+#include "base/translation.h"
 #include "ui/symbols.h"
 
 namespace wegslot {
@@ -45,7 +46,7 @@ void HeaderView::show(const panel::Header& header) {
     enabled_.show(header.enabled, colors);
     close_.show({.symbol = std::string(symbols::remove), .text = {}},
                 {.ink = colors.quiet, .focus = colors.focus});
-    close_.setAccessibleName(QStringLiteral("Sluiten"));
+    close_.setAccessibleName(QString::fromStdString(translated("Sluiten")));
 }
 
 } // namespace wegslot

@@ -1,5 +1,6 @@
 #include "ui/qt/panel/stepper_view.h"
 
+#include "base/translation.h"
 #include "ui/qt/brand_qt.h"
 #include "ui/qt/panel/painting.h"
 
@@ -27,7 +28,8 @@ StepButton::StepButton(panel::Step step) : step_(step) {
 void StepButton::show(const std::string& text, bool isEnabled, const PanelColors& colors) {
     colors_ = colors;
     const bool isUp = step_ == panel::Step::up;
-    setAccessibleName(QString::fromStdString(text) + (isUp ? ", meer" : ", minder"));
+    setAccessibleName(QString::fromStdString(isUp ? translated("%1, meer", {text})
+                                                  : translated("%1, minder", {text})));
     setEnabled(isEnabled);
     update();
 }
