@@ -299,5 +299,5 @@ target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
 wegslot_program(wegslot
   OUTPUT wegslot
   FILES app/main.cpp
-  USES base app_commands app_qt update
+  USES base app_commands app_linux app_qt update
   LIBRARIES Qt6::Core)
