@@ -194,14 +194,14 @@ TEST_F(AttackTest, AnotherImageWithItsHashAndTheOldSignature) {
 TEST_F(AttackTest, AnAppOfAnotherIdentity) {
     makeApplication(made, "1.4", 27, "", "nl.wegslot.Other");
     const Bytes other = published.imageOf(made);
-    EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp);
+    EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp());
 }
 
 TEST_F(AttackTest, AnAppOfAnotherBuildThanTheFeedSays) {
     for (const int build : {25, 26, 28}) {
         makeApplication(made, "1.4", build);
         const Bytes other = published.imageOf(made);
-        EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp) << build;
+        EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp()) << build;
     }
 }
 
@@ -217,27 +217,27 @@ TEST_F(AttackTest, AProgramThatAnswersOtherwiseOrNotAtAll) {
     for (const char* const body : {"echo wegslot 1.4", "exit 1", "sleep 1000"}) {
         writeText(made / programFile, std::string("#!/bin/sh\n") + body + "\n");
         const Bytes other = published.imageOf(made);
-        EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp) << body;
+        EXPECT_EQ(update(published.releaseOf(other), other), unexpectedApp()) << body;
     }
 }
 
 TEST_F(AttackTest, MembersThatLeaveTheFolder) {
     for (const char* const path : {"Wegslot.app/../../../escaped", "/tmp/escaped", "../escaped"})
-        EXPECT_EQ(updateTo({{.name = path}}), unexpectedApp) << path;
+        EXPECT_EQ(updateTo({{.name = path}}), unexpectedApp()) << path;
     EXPECT_EQ(updateTo({{.name = "Wegslot.app/out", .type = '2', .link = "../.."},
                         {.name = "Wegslot.app/out/escaped"}}),
-              unexpectedApp);
+              unexpectedApp());
     EXPECT_EQ(updateTo({{.name = "Wegslot.app/hard", .type = '1', .link = "/etc/passwd"}}),
-              unexpectedApp);
+              unexpectedApp());
     for (const auto& entry : std::filesystem::recursive_directory_iterator(published.home.path()))
         EXPECT_NE(entry.path().filename(), "escaped");
 }
 
 TEST_F(AttackTest, MembersThatAreNoOrdinaryFiles) {
     for (const char type : {'3', '4', '6', '7', 'L', 'x', 'g'})
-        EXPECT_EQ(updateTo({{.name = "Wegslot.app/device", .type = type}}), unexpectedApp) << type;
+        EXPECT_EQ(updateTo({{.name = "Wegslot.app/device", .type = type}}), unexpectedApp()) << type;
     for (const unsigned mode : {04755U, 02755U, 01777U})
-        EXPECT_EQ(updateTo({{.name = "Wegslot.app/rights", .mode = mode}}), unexpectedApp) << mode;
+        EXPECT_EQ(updateTo({{.name = "Wegslot.app/rights", .mode = mode}}), unexpectedApp()) << mode;
 }
 
 TEST_F(AttackTest, ABomb) {
@@ -250,7 +250,7 @@ TEST_F(AttackTest, ABomb) {
     bomb.add(tarEnd);
     const Bytes packed = bomb.finish(); // a gibibyte, and two bytes besides
     EXPECT_LT(packed.size(), 8'000'000U);
-    EXPECT_EQ(update(published.releaseOf(packed), packed), unexpectedApp);
+    EXPECT_EQ(update(published.releaseOf(packed), packed), unexpectedApp());
     ASSERT_GE(log.messages.size(), 2U);
     EXPECT_EQ(log.messages[log.messages.size() - 2],
               "Updatebestand geweigerd: te groot: Wegslot.app/15");

@@ -133,26 +133,26 @@ TEST_F(InstallerTest, ATemporaryFolderThatIsGoneIsMadeAgain) {
 TEST_F(InstallerTest, TheUnpackedAppMustBeTheOneThatWasOffered) {
     makeApplication(source / "Wegslot.app", "1.4", 27);
     EXPECT_EQ(examined(), "");
-    EXPECT_EQ(examined({.version = "1.4", .build = 26}), unexpectedApp);
-    EXPECT_EQ(examined({.version = "1.4", .build = 28}), unexpectedApp);
+    EXPECT_EQ(examined({.version = "1.4", .build = 26}), unexpectedApp());
+    EXPECT_EQ(examined({.version = "1.4", .build = 28}), unexpectedApp());
     EXPECT_EQ(examined({.version = "1.5", .build = 27}), ""); // a name is no more than that
     makeApplication(source / "Wegslot.app", "1.4", 27, "", "nl.wegslot.Other");
-    EXPECT_EQ(examined(), unexpectedApp);
+    EXPECT_EQ(examined(), unexpectedApp());
     EXPECT_EQ(log.messages.back(), "Updatebestand geweigerd: het is nl.wegslot.Other 27");
 }
 
 TEST_F(InstallerTest, WithoutInfoOrProgramItIsNotAnApp) {
-    EXPECT_EQ(examined(), unexpectedApp);
+    EXPECT_EQ(examined(), unexpectedApp());
     makeApplication(source / "Wegslot.app", "1.4", 27);
     fs::remove(source / "Wegslot.app" / "wegslot");
-    EXPECT_EQ(examined(), unexpectedApp);
+    EXPECT_EQ(examined(), unexpectedApp());
     makeApplication(source / "Wegslot.app", "1.4", 27);
     fs::permissions(source / "Wegslot.app" / "wegslot", fs::perms::owner_read);
-    EXPECT_EQ(examined(), unexpectedApp);
+    EXPECT_EQ(examined(), unexpectedApp());
     makeApplication(source / "Wegslot.app", "1.4", 27);
     writeText(source / "Wegslot.app" / "Info.json",
               contentsOf(source / "Wegslot.app")["Info.json"] + std::string(70'000, ' '));
-    EXPECT_EQ(examined(), unexpectedApp);
+    EXPECT_EQ(examined(), unexpectedApp());
 }
 
 TEST_F(InstallerTest, TheProgramMustAnswerWithItsVersion) {
@@ -163,11 +163,11 @@ TEST_F(InstallerTest, TheProgramMustAnswerWithItsVersion) {
         return examined();
     };
     EXPECT_EQ(answering("echo 'wegslot 1.4 (27)'"), "");
-    EXPECT_EQ(answering("echo 'wegslot 1.4 (26)'"), unexpectedApp);
+    EXPECT_EQ(answering("echo 'wegslot 1.4 (26)'"), unexpectedApp());
     EXPECT_EQ(log.messages.back(),
               "Updatebestand geweigerd: het programma noemt zich wegslot 1.4 (26)\uFFFD");
-    EXPECT_EQ(answering("echo 'wegslot 1.4 (27)'; echo more"), unexpectedApp);
-    EXPECT_EQ(answering("echo 'wegslot 1.4 (27)'; exit 1"), unexpectedApp);
+    EXPECT_EQ(answering("echo 'wegslot 1.4 (27)'; echo more"), unexpectedApp());
+    EXPECT_EQ(answering("echo 'wegslot 1.4 (27)'; exit 1"), unexpectedApp());
     EXPECT_EQ(log.messages.back(), "Updatebestand geweigerd: wegslot mislukt (1)");
     EXPECT_EQ(answering("[ \"$*\" = --version ] && echo 'wegslot 1.4 (27)'"), "");
 }
