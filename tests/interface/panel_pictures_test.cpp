@@ -1,9 +1,13 @@
 // What the panel looks like, without a screen.
 
+#include "app/linux/user_language.h"
 #include "tests/interface/picture.h"
 #include "tests/interface/picture_stage.h"
 #include "tests/support/panel_world.h"
 #include "ui/qt/panel/panel_view.h"
+#include "ui/qt/panel/text.h"
+
+#include <QAbstractButton>
 
 #include <optional>
 
@@ -53,13 +57,34 @@ protected:
     }
 
     [[nodiscard]] testing::AssertionResult shows(const std::string& name) {
+        layOut();
+        return looksLike(PictureStage::picture(*view),
+                         namePrefix + name + "-" + std::to_string(GetParam()) + "x");
+    }
+
+    void layOut() {
         view->show(model->content());
         view->show();
         // Scroll areas lay out what is in them at their next turn.
         for (int i = 0; i < 3; ++i)
             QCoreApplication::processEvents();
-        return looksLike(PictureStage::picture(*view),
-                         namePrefix + name + "-" + std::to_string(GetParam()) + "x");
+    }
+
+    /// The texts of which less is seen than there is.
+    [[nodiscard]] std::vector<std::string> cut() const {
+        std::vector<std::string> texts;
+        const auto look = [&texts](const QWidget& part, const QString& text) {
+            if (!part.isVisible() || text.isEmpty()) return;
+            const bool wraps = part.sizePolicy().hasHeightForWidth();
+            const bool isWhole = wraps ? part.height() >= part.heightForWidth(part.width())
+                                       : part.width() >= part.sizeHint().width();
+            if (!isWhole) texts.push_back(text.toStdString());
+        };
+        for (const Text* const text : view->findChildren<Text*>())
+            look(*text, text->text());
+        for (const QAbstractButton* const button : view->findChildren<QAbstractButton*>())
+            look(*button, button->text());
+        return texts;
     }
 
     void hear(unsigned number, int rssi, std::string_view name) {
@@ -82,6 +107,31 @@ struct PanelInAWideFontTest : PanelPicturesTest {
 };
 
 INSTANTIATE_TEST_SUITE_P(AtScale, PanelInAWideFontTest, testing::Values(1));
+
+/// In the language of a locale.
+struct PanelInALanguageTest : PanelPicturesTest {
+    void openIn(const std::string& locale) {
+        language.reset(); // a language ends before the next one begins
+        language.emplace(
+            [&locale](const char* name) {
+                return std::string(name) == "LANG" ? locale : std::string();
+            },
+            WEGSLOT_BUILD_FOLDER "/CMakeCache.txt");
+        auto band = keyNamed("Tag", 3);
+        band.isApple = false;
+        view.reset();
+        model.reset();
+        open({keyNamed("iPhone", 1), keyNamed("Watch", 2), band}, 1600, PanelModel::Expand::all);
+        hear(1, -52, "iPhone");
+        hear(2, -82, "Watch");
+        hear(4, -58, "iPad");
+        world.pass(1s);
+    }
+
+    std::optional<UserLanguage> language;
+};
+
+INSTANTIATE_TEST_SUITE_P(AtScale, PanelInALanguageTest, testing::Values(1));
 
 Release newer() {
     return {.version = "1.4",
@@ -263,4 +313,30 @@ TEST_P(PanelInAWideFontTest, NoKeysAndADeviceNearby) {
     hear(2, -58, "Apple Watch van Anna-Sophie");
     world.pass(1s);
     EXPECT_TRUE(shows("no-keys"));
+}
+
+TEST_P(PanelInALanguageTest, AllOfIt) {
+    for (const char* const name : {"en", "de"}) {
+        openIn(name);
+        EXPECT_TRUE(shows(std::string("all-") + name));
+    }
+}
+
+TEST_P(PanelInALanguageTest, EveryTextIsReadWholeHoweverLarge) {
+    for (const bool isLarge : {false, true}) {
+        if (isLarge) enlarge();
+        for (const char* const name : {"C", "de", "en", "fr", "nl"}) {
+            openIn(name);
+            layOut();
+            EXPECT_EQ(cut(), std::vector<std::string>{}) << name << (isLarge ? ", large" : "");
+        }
+    }
+}
+
+TEST_P(PanelInALanguageTest, ATextThatIsCutWouldBeNoticed) {
+    openIn("de");
+    layOut();
+    for (Text* const text : view->findChildren<Text*>())
+        text->setFixedWidth(8);
+    EXPECT_GT(cut().size(), 10U);
 }

@@ -235,9 +235,11 @@ TEST_F(AttackTest, MembersThatLeaveTheFolder) {
 
 TEST_F(AttackTest, MembersThatAreNoOrdinaryFiles) {
     for (const char type : {'3', '4', '6', '7', 'L', 'x', 'g'})
-        EXPECT_EQ(updateTo({{.name = "Wegslot.app/device", .type = type}}), unexpectedApp()) << type;
+        EXPECT_EQ(updateTo({{.name = "Wegslot.app/device", .type = type}}), unexpectedApp())
+            << type;
     for (const unsigned mode : {04755U, 02755U, 01777U})
-        EXPECT_EQ(updateTo({{.name = "Wegslot.app/rights", .mode = mode}}), unexpectedApp()) << mode;
+        EXPECT_EQ(updateTo({{.name = "Wegslot.app/rights", .mode = mode}}), unexpectedApp())
+            << mode;
 }
 
 TEST_F(AttackTest, ABomb) {

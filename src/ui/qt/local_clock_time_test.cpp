@@ -35,9 +35,12 @@ TEST(LocalClockTime, IsTheTimeOfTheWallWithoutDateOrSeconds) {
 
 TEST(LocalClockTime, IsInTheShortFormOfTheLanguage) {
     const TimeZone zone("UTC");
-    EXPECT_EQ(
-        written(QLocale(QLocale::English, QLocale::UnitedStates), 0ns, TimePoint{14h + 30min}),
-        "2:30 PM");
+    std::string american =
+        written(QLocale(QLocale::English, QLocale::UnitedStates), 0ns, TimePoint{14h + 30min});
+    // Qt 6.8 has the narrow blank that does not break (U+202F), 6.4 an ordinary one.
+    if (const auto blank = american.find("\u202F"); blank != std::string::npos)
+        american.replace(blank, 3, " ");
+    EXPECT_EQ(american, "2:30 PM");
     EXPECT_EQ(written(QLocale::c(), 0ns, TimePoint{14h + 30min + 5s}), "14:30");
 }
 
