@@ -64,7 +64,8 @@ find_program(WEGSLOT_GOLD ld.gold)
 # Adds tests to a program, which the first call makes. Each suite is a ctest test, LABEL/Suite, in a
 # process of its own; its results are left in results/ for tools/test-results.
 #   SUITES_FROM  files whose suites come with a library
-#   LOCKS        `desktop` for what has a screen, a sound server or a locker: one at a time
+#   LOCKS        `desktop` for what has a screen, a sound server or a locker: one at a time; `lockers`
+#                for what starts lockers and for what must not see any
 # A program is linked as often as it has a file that changed, and compiled in few pieces: so few
 # programs, each for the tests of one world.
 function(wegslot_tests program)
