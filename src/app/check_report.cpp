@@ -81,8 +81,9 @@ Finding daemonFinding(const CheckFacts::Bluetooth& facts) {
             .works = facts.daemon,
             .needed = true,
             .found = facts.daemon ? Names{"org.bluez"} : Names{},
-            .text =
-                facts.daemon ? message("bluetoothd draait") : message("bluetoothd draait niet")};
+            .text = facts.daemon    ? message("bluetoothd draait")
+                    : facts.isAsked ? message("bluetoothd antwoordt niet")
+                                    : message("bluetoothd draait niet")};
 }
 
 Finding adapterFinding(const CheckFacts::Bluetooth& facts) {

@@ -19,6 +19,7 @@ namespace wegslot {
 struct CheckFacts {
     struct Bluetooth {
         bool daemon = false;
+        bool isAsked = false;               ///< and has not answered in time
         std::optional<std::string> adapter; ///< "hci0"
         CentralState state = CentralState::unknown;
         bool readsLinks = false; ///< the strength of connections

@@ -144,6 +144,12 @@ TEST_F(CheckWithRadioTest, DaemonAdapterAndKeyAreSeen) {
     EXPECT_EQ(bluez.service.calls("SetDiscoveryFilter"), 0);
 }
 
+TEST_F(CheckWithRadioTest, ADaemonThatDoesNotAnswerIsNotSaidToBeGone) {
+    bluez.service.on("org.freedesktop.DBus.ObjectManager.GetManagedObjects",
+                     [](LookAlike&, sd_bus_message*) {}); // never
+    EXPECT_EQ(named(report(), "bluetooth-daemon").at("text"), "bluetoothd antwoordt niet");
+}
+
 TEST_F(CheckWithRadioTest, AnAdapterThatIsOffIsNamed) {
     bluez.setPowered(false);
     const Json all = report();

@@ -38,7 +38,14 @@ Check::Check(RealWorld& world, const PreferencesFile& preferences, const Setting
             tray_ = owner.has_value();
         });
     });
-    timer_ = scheduler_.after(gathering, [this] { report(); });
+    gather(mostRounds);
+}
+
+void Check::gather(int rounds) {
+    timer_ = scheduler_.after(gathering, [this, rounds] {
+        if (world_.central.isAsking() && rounds > 1) return gather(rounds - 1);
+        report();
+    });
 }
 
 void Check::report() {
@@ -95,6 +102,7 @@ CheckFacts Check::facts() {
 
 CheckFacts::Bluetooth Check::bluetooth() {
     CheckFacts::Bluetooth facts{.daemon = world_.central.hasDaemon(),
+                                .isAsked = world_.central.isAsking(),
                                 .adapter = std::nullopt,
                                 .state = world_.central.state(),
                                 .readsLinks = false};

@@ -29,6 +29,10 @@ public:
     /// answer within a tenth of it.
     static constexpr Nanoseconds gathering = std::chrono::seconds{1};
 
+    /// How often bluetoothd gets that time while it has not answered: without it nothing true can
+    /// be said, and on a busy virtual machine it was seen not to answer in the first.
+    static constexpr int mostRounds = 15;
+
     /// `autostart`: the folders where autostart entries are. `done` is called once, from the
     /// scheduler, with whether everything works that locking takes. All must outlive this.
     Check(RealWorld& world, const PreferencesFile& preferences, const Settings& settings,
@@ -36,6 +40,7 @@ public:
           Options options, PrintLine print, std::function<void(bool ok)> done);
 
 private:
+    void gather(int rounds);
     void report();
     void lock();
     void proven(LockProof proof);

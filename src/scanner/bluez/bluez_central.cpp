@@ -84,11 +84,9 @@ void BluezCentral::report(CentralState state) {
 
 bool BluezCentral::isUndecided(CentralState state) const {
     // While the first answers are on their way there is nothing to say yet.
-    const bool isAsking = bus_ != nullptr && (surroundings_.daemon == Daemon::unknown ||
-                                              surroundings_.daemon == Daemon::loading);
     // A new connection to the bus is back in a moment; nothing has happened to the radio.
     const bool isRenewing = renewal_ && state != CentralState::poweredOn;
-    return (!reported_ && isAsking) || isRenewing;
+    return (!reported_ && isAsking()) || isRenewing;
 }
 
 void BluezCentral::giveUpRadio() {

@@ -48,6 +48,11 @@ public:
     }
     /// Whether bluetoothd runs and lets this user talk to it.
     [[nodiscard]] bool hasDaemon() const { return surroundings_.daemon == bluez::Daemon::ready; }
+    /// Whether bluetoothd is still being asked what there is.
+    [[nodiscard]] bool isAsking() const {
+        return bus_ != nullptr && (surroundings_.daemon == bluez::Daemon::unknown ||
+                                   surroundings_.daemon == bluez::Daemon::loading);
+    }
     /// The object path of the adapter in use.
     [[nodiscard]] const std::optional<std::string>& adapter() const { return adapter_; }
     /// Whoever may log in may use BlueZ; a refusal shows in the state.
