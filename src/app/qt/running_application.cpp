@@ -69,6 +69,8 @@ RunningApplication::RunningApplication(const Setting& setting)
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }),
       preferencesWatch_(world_.descriptors, setting.preferencesPath,
                         [this] { setting_.preferences.reread(); }) {
+    // What was typed after they were read and before they were watched.
+    setting_.preferences.reread();
     tellTroubles();
     takeLockCommand();
     lockCommands_ = setting_.preferences.onChangeByOthers([this] { takeLockCommand(); });
