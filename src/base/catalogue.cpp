@@ -8,7 +8,6 @@
 namespace wegslot {
 namespace {
 
-/// Two operators that begin alike stand with the longer one first.
 struct Operator {
     std::string_view sign;
     int strength; ///< binds the more tightly the higher
@@ -17,6 +16,7 @@ struct Operator {
 
 using Number = unsigned long;
 
+// Two operators that begin alike stand with the longer one first.
 constexpr std::array operators{
     Operator{"||", 1, [](Number a, Number b) { return Number{a != 0 || b != 0}; }},
     Operator{"&&", 2, [](Number a, Number b) { return Number{a != 0 && b != 0}; }},
@@ -43,16 +43,25 @@ public:
     }
 
 private:
+    /// What `parse` reads, one level further in.
+    std::optional<Number> deeper(std::optional<Number> (Expression::*parse)()) {
+        constexpr int deepest = 50;
+        if (depth_ == deepest) return std::nullopt;
+        ++depth_;
+        const auto value = (this->*parse)();
+        --depth_;
+        return value;
+    }
     std::optional<Number> choice() {
         const auto condition = binary(1);
         if (!condition || !take("?")) return condition;
-        const auto yes = choice();
+        const auto yes = deeper(&Expression::choice);
         if (!take(":")) return std::nullopt;
-        const auto no = choice();
+        const auto no = deeper(&Expression::choice);
         return *condition != 0 ? yes : no;
     }
     std::optional<Number> binary(int strength) {
-        auto left = unary();
+        auto left = operand();
         while (left) {
             const Operator* const next = operatorOf(strength);
             if (next == nullptr) return left;
@@ -64,21 +73,13 @@ private:
         }
         return left;
     }
-    std::optional<Number> unary() {
-        constexpr int deepest = 50;
-        if (depth_ > deepest) return std::nullopt;
-        ++depth_;
-        const auto value = operand();
-        --depth_;
-        return value;
-    }
     std::optional<Number> operand() {
         if (take("!")) {
-            const auto value = unary();
+            const auto value = deeper(&Expression::operand);
             return value ? std::optional<Number>(*value == 0) : std::nullopt;
         }
         if (take("(")) {
-            const auto value = choice();
+            const auto value = deeper(&Expression::choice);
             return take(")") ? value : std::nullopt;
         }
         if (take("n")) return n_;

@@ -105,4 +105,8 @@ TEST(PluralRule, WhatIsNoExpressionHasNoValue) {
         EXPECT_EQ(evaluated(rule, 3), std::nullopt) << rule;
     EXPECT_EQ(evaluated(std::string(100'000, '('), 1), std::nullopt);
     EXPECT_EQ(evaluated(std::string(100'000, '!') + "n", 1), std::nullopt);
+    std::string choices;
+    for (int i = 0; i < 1'000'000; ++i)
+        choices += "0?1:";
+    EXPECT_EQ(evaluated(choices + "1", 1), std::nullopt);
 }
