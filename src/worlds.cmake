@@ -19,6 +19,17 @@ wegslot_module(files_linux
     files/linux/file_content_test.cpp files/linux/own_file_test.cpp
     files/linux/replace_file_test.cpp)
 
+wegslot_module(identity_linux
+  FILES
+    identity/linux/asked_identity.cpp identity/linux/asked_identity.h
+    identity/linux/identities_file.cpp identity/linux/identities_file.h
+    identity/linux/locked_memory.cpp identity/linux/locked_memory.h
+    identity/linux/secret_text.cpp identity/linux/secret_text.h
+  TESTS
+    identity/linux/identities_file_test.cpp identity/linux/locked_memory_test.cpp
+    identity/linux/secret_text_test.cpp
+  USES base files_linux identity)
+
 wegslot_module(preferences_file
   FILES model/linux/preferences_file.cpp model/linux/preferences_file.h
   TESTS model/linux/preferences_file_test.cpp
@@ -40,8 +51,8 @@ wegslot_module(bluez
     scanner/bluez/assigned_numbers.cpp scanner/bluez/assigned_numbers.h
     scanner/bluez/bluez_central.cpp scanner/bluez/bluez_central.h
     scanner/bluez/central_state.cpp scanner/bluez/central_state.h
-    scanner/bluez/connections.cpp scanner/bluez/connections.h scanner/bluez/device_id.cpp
-    scanner/bluez/device_id.h scanner/bluez/discovery.cpp scanner/bluez/discovery.h
+    scanner/bluez/connections.cpp scanner/bluez/connections.h
+    scanner/bluez/discovery.cpp scanner/bluez/discovery.h
     scanner/bluez/gatt_client.cpp scanner/bluez/gatt_client.h scanner/bluez/gatt_tree.cpp
     scanner/bluez/gatt_tree.h scanner/bluez/hci_links.cpp scanner/bluez/hci_links.h
     scanner/bluez/hci_wire.cpp scanner/bluez/hci_wire.h scanner/bluez/hearing.cpp
@@ -50,10 +61,9 @@ wegslot_module(bluez
     scanner/bluez/object_watch.cpp scanner/bluez/object_watch.h scanner/bluez/teller.h
   TESTS
     scanner/bluez/assigned_numbers_test.cpp scanner/bluez/central_state_test.cpp
-    scanner/bluez/device_id_test.cpp scanner/bluez/hci_wire_test.cpp
-    scanner/bluez/hearing_test.cpp scanner/bluez/loss_text_test.cpp
-  USES base log scanner dbus
-  LIBRARIES PkgConfig::NETTLE)
+    scanner/bluez/hci_wire_test.cpp scanner/bluez/hearing_test.cpp
+    scanner/bluez/loss_text_test.cpp
+  USES base device_id log scanner dbus)
 
 wegslot_module(random_uuid
   FILES platform/linux/random_uuid.cpp platform/linux/random_uuid.h
@@ -289,7 +299,7 @@ wegslot_module(app_qt
     app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
-    base file_log log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
+    base file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
     ui_ports control foreign_descriptor recording recording_linux stage

@@ -31,6 +31,7 @@ Json encoded(const KeyDevice& key) {
     if (key.model) record["model"] = *key.model;
     if (key.isApple) record["isApple"] = *key.isApple;
     record["threshold"] = number(key.threshold.value);
+    if (key.isPasted) record["isPasted"] = true;
     return record;
 }
 
@@ -64,6 +65,10 @@ std::optional<KeyDevice> decoded(const Json& record) {
     if (!isNullOrMissing(record, "isApple")) {
         if (!has("isApple", isBoolean)) return std::nullopt;
         key.isApple = record["isApple"].get<bool>();
+    }
+    if (!isNullOrMissing(record, "isPasted")) {
+        if (!has("isPasted", isBoolean)) return std::nullopt;
+        key.isPasted = record["isPasted"].get<bool>();
     }
     return key;
 }

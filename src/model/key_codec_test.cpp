@@ -37,6 +37,16 @@ TEST(KeyCodec, WritesFieldsInTheirOrderAndTheIdInUpperCase) {
     EXPECT_EQ(decodeKeys(*json), std::vector{full});
 }
 
+TEST(KeyCodec, OfAPastedKeyItIsWrittenAndOfAnotherNothingIs) {
+    KeyDevice pasted = bare;
+    pasted.isPasted = true;
+    const auto json = encodeKeys({pasted});
+    EXPECT_EQ(json, record(R"("name":"Telefoon","threshold":-75,"isPasted":true)"));
+    EXPECT_EQ(decodeKeys(*json), std::vector{pasted});
+    EXPECT_EQ(decodeKeys(record(R"("name":"Telefoon","threshold":-75,"isPasted":false)")),
+              std::vector{bare});
+}
+
 TEST(KeyCodec, AnEmptyListIsAnEmptyArray) {
     EXPECT_EQ(encodeKeys({}), "[]");
     EXPECT_EQ(decodeKeys("[]"), std::vector<KeyDevice>{});
@@ -65,6 +75,7 @@ TEST(KeyCodec, AWronglyTypedFieldSpoilsTheList) {
     EXPECT_FALSE(decodeKeys(record(R"("name":"Telefoon","threshold":"-75")")));
     EXPECT_FALSE(decodeKeys(record(R"("name":"Telefoon","threshold":true)")));
     EXPECT_FALSE(decodeKeys(record(R"("name":"Telefoon","model":1,"threshold":-75)")));
+    EXPECT_FALSE(decodeKeys(record(R"("name":"Telefoon","threshold":-75,"isPasted":1)")));
     EXPECT_FALSE(decodeKeys(record(R"("name":"Telefoon","isApple":1,"threshold":-75)")));
     EXPECT_FALSE(decodeKeys(R"([{"id":"0F2C41A7","name":"Telefoon","threshold":-75}])"));
     EXPECT_FALSE(decodeKeys("[5]"));

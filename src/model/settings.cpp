@@ -13,8 +13,7 @@ namespace {
 Dbm whole(Dbm value) { return Dbm{std::round(value.value)}; }
 
 Dbm startingThreshold(const std::optional<Dbm>& rssi) {
-    constexpr Dbm withoutSignal{-75.0};
-    if (!rssi) return withoutSignal;
+    if (!rssi) return thresholdUnheard;
     // Held within the range first and rounded after.
     return whole(thresholdFromHere(*rssi));
 }
@@ -60,6 +59,18 @@ void Settings::insertKey(const KeyDevice& key, std::size_t place) {
     if (std::ranges::find(list, key.id, &KeyDevice::id) != list.end()) return;
     const auto behind = static_cast<std::ptrdiff_t>(std::min(place, list.size()));
     list.insert(std::next(list.begin(), behind), key);
+    keys.set(std::move(list));
+}
+
+void Settings::moveKey(const Uuid& from, const Uuid& to) {
+    auto list = keys.get();
+    const auto key = std::ranges::find(list, from, &KeyDevice::id);
+    if (key == list.end()) return;
+    if (std::ranges::find(list, to, &KeyDevice::id) == list.end()) {
+        key->id = to;
+    } else {
+        list.erase(key);
+    }
     keys.set(std::move(list));
 }
 

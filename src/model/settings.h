@@ -44,6 +44,10 @@ public:
     /// Adds a key as it was once, behind so many others; nothing if it is one.
     void insertKey(const KeyDevice& key, std::size_t place);
 
+    /// The key `from` turned out to be the device `to`: it has this id from now on. Where that is a
+    /// key too, the two are one.
+    void moveKey(const Uuid& from, const Uuid& to);
+
     /// Sets a key's threshold to `value` as a whole number; nothing for an unknown id.
     void setThreshold(Dbm value, const Uuid& id);
 

@@ -199,6 +199,20 @@ TEST_F(SettingsTest, AKeyIsPutBackWhereItStoodAndOnlyIfItIsNone) {
     EXPECT_EQ(settings.keys.get(), all);
 }
 
+TEST_F(SettingsTest, AKeyThatIsAnotherDeviceThanThoughtKeepsWhatBelongsToIt) {
+    settings.addKey({.id = numbered(1)});
+    settings.setThreshold(Dbm{-62}, numbered(1));
+    settings.moveKey(numbered(1), numbered(2));
+    ASSERT_EQ(settings.keys.get().size(), 1U);
+    EXPECT_EQ(settings.keys.get().front().id, numbered(2));
+    EXPECT_EQ(settings.keys.get().front().threshold, Dbm{-62});
+    settings.moveKey(numbered(1), numbered(3)); // none any more
+    EXPECT_EQ(settings.keys.get().front().id, numbered(2));
+    settings.addKey({.id = numbered(4)});
+    settings.moveKey(numbered(4), numbered(2));
+    EXPECT_EQ(settings.keys.get().size(), 1U);
+}
+
 TEST(StoredSettings, AKeyListThatCannotBeDecodedLoadsAsEmptyAndStaysStored) {
     const std::string broken =
         R"([{"id":"0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6","name":"Telefoon"}])";

@@ -180,7 +180,8 @@ private:
     bluez::HciLinks links_{descriptors_, scheduler_};
     dbus::Forgeries forgeries_{clock_};
     dbus::Connection bus_{dbus::systemBus(forgeries_), pump, scheduler_};
-    BluezCentral central_{bus_, scheduler_, clock_, links_};
+    AddressResolver nobody_;
+    BluezCentral central_{bus_, scheduler_, clock_, links_, nobody_};
 };
 
 } // namespace

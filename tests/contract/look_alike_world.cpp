@@ -69,7 +69,8 @@ private:
     LookAlikeLinks links_{loop_.time};
     LivingBluez living_{loop_, links_};
     dbus::Connection systemBus_{loop_.opener(), loop_.attacher(), loop_.time};
-    BluezCentral central_{systemBus_, loop_.time, loop_.time, links_};
+    AddressResolver nobody_;
+    BluezCentral central_{systemBus_, loop_.time, loop_.time, links_, nobody_};
     std::map<Uuid, LivingBluez::Number> numbers_;
 };
 

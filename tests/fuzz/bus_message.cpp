@@ -210,7 +210,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
 
-    bluez::ObjectTree tree;
+    AddressResolver nobody;
+    bluez::ObjectTree tree(nobody);
     bluez::GattTree gatt;
     dbus::Reader reader(message);
     for (const unsigned question : asked)

@@ -89,7 +89,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     sd_bus_message_append(message, "s", "the end");
     expect(sd_bus_message_seal(message, 1, 0) >= 0);
 
-    bluez::ObjectTree tree;
+    AddressResolver nobody;
+    bluez::ObjectTree tree(nobody);
     bluez::GattTree gatt;
     const std::string device = "/org/bluez/hci0/dev_1";
     const std::array<std::function<void(dbus::Reader&)>, 5> readings{

@@ -81,7 +81,8 @@ struct BluezCentralTest : testing::Test {
     std::unique_ptr<LookAlikeBluez> bluez = std::make_unique<LookAlikeBluez>(loop);
     dbus::Connection systemBus{loop.opener(), loop.attacher(), loop.time};
     LookAlikeLinks links{loop.time};
-    BluezCentral central{systemBus, loop.time, loop.time, links};
+    AddressResolver nobody;
+    BluezCentral central{systemBus, loop.time, loop.time, links, nobody};
     RecordingDelegate delegate{central};
 
     // A list is open unless a test says otherwise: then the radio listens all the time.

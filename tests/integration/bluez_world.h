@@ -66,7 +66,9 @@ struct BluezWorld : testing::Test {
     LookAlikeBluez bluez{loop};
     dbus::Connection systemBus{loop.opener(), loop.attacher(), loop.time};
     LookAlikeLinks links{loop.time};
-    std::optional<BluezCentral> central{std::in_place, systemBus, loop.time, loop.time, links};
+    AddressResolver nobody;
+    std::optional<BluezCentral> central{std::in_place, systemBus, loop.time,
+                                        loop.time,     links,     nobody};
     std::optional<EventDelegate> delegate{*central};
     const Uuid id = deviceId(address, "public");
     std::vector<sd_bus_message*> connects; ///< calls that wait for their answer

@@ -94,13 +94,14 @@ struct ForgedSignalsTest : testing::Test {
 struct ForgedBluezTest : ForgedSignalsTest {
     LookAlikeBluez bluez{loop};
     Reports reports;
+    AddressResolver nobody;
     std::optional<bluez::ObjectWatch> watch;
 
     void SetUp() override {
         ForgedSignalsTest::SetUp();
         bluez.addAdapter();
         bluez.addDevice(someAddress);
-        watch.emplace(*bus, loop.time, reports);
+        watch.emplace(*bus, loop.time, reports, nobody);
         ASSERT_TRUE(loop.runUntil([this] { return watch->daemon() == bluez::Daemon::ready; }));
     }
 };

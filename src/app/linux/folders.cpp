@@ -22,11 +22,19 @@ fs::path home() {
     return user == nullptr ? "/" : user->pw_dir;
 }
 
-fs::path configuration() {
-    // Relative paths are to be ignored.
-    const std::string folder = variable("XDG_CONFIG_HOME");
-    return folder.starts_with('/') ? fs::path(folder) : home() / ".config";
+namespace {
+
+/// What `name` says, or its place in the home folder. Relative paths are to be ignored.
+fs::path folderOf(const char* name, const char* otherwise) {
+    const std::string folder = variable(name);
+    return folder.starts_with('/') ? fs::path(folder) : home() / otherwise;
 }
+
+} // namespace
+
+fs::path configuration() { return folderOf("XDG_CONFIG_HOME", ".config"); }
+
+fs::path data() { return folderOf("XDG_DATA_HOME", ".local/share"); }
 
 fs::path temporary() {
     std::error_code unusable;

@@ -13,6 +13,7 @@ namespace wegslot::folders {
 
 [[nodiscard]] std::filesystem::path home();
 [[nodiscard]] std::filesystem::path configuration();
+[[nodiscard]] std::filesystem::path data();
 
 /// For files that may be gone tomorrow: TMPDIR, or /tmp where that is no folder.
 [[nodiscard]] std::filesystem::path temporary();

@@ -1,6 +1,7 @@
 #include "app/qt/real_world.h"
 
 #include "app/linux/folders.h"
+#include "log/log.h"
 #include "platform/linux/display_environment.h"
 
 namespace wegslot {
@@ -12,7 +13,9 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
       bluetoothBus(dbus::systemBus(forgeries), pumpInBatches, scheduler,
                    dbus::Connection::Complaints::none),
       links(descriptors, scheduler),
-      central(bluetoothBus, scheduler, clock, links),
+      identities(secrets),
+      identitiesFile(IdentitiesFile::pathUnder(folders::data()), secrets),
+      central(bluetoothBus, scheduler, clock, links, identities),
       session(systemBus),
       savers(sessionBus, scheduler),
       processes(descriptors),
@@ -32,5 +35,12 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
       lockerLock(processes, lockers, LockCommand{}, displayKind(displayEnvironment())),
       lock({&logindLock, &saverLock, &lockerLock}, scheduler, watcher),
       platform{clock, scheduler, watcher, activity, lock} {}
+
+void RealWorld::readIdentities() {
+    const auto kept = identitiesFile.read();
+    if (!kept) return Log::write(kept.failure().message.builtIn());
+    for (const KnownIdentity& known : *kept)
+        identities.put(known);
+}
 
 } // namespace wegslot

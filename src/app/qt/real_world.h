@@ -8,6 +8,9 @@
 #include "base/scheduler.h"
 #include "dbus/connection.h"
 #include "dbus/forgeries.h"
+#include "identity/identities.h"
+#include "identity/linux/identities_file.h"
+#include "identity/linux/locked_memory.h"
 #include "monitor/monitor.h"
 #include "platform/activity_sources.h"
 #include "platform/linux/idle/mutter_idle.h"
@@ -32,12 +35,18 @@ namespace wegslot {
 struct RealWorld {
     RealWorld(Scheduler& scheduler, const Clock& clock);
 
+    /// Takes in the identities that are kept, for who only looks.
+    void readIdentities();
+
     dbus::Forgeries forgeries;
     dbus::Connection systemBus;
     dbus::Connection sessionBus;   ///< with files: a recording goes into one that is sent
     dbus::Connection bluetoothBus; ///< the radio's own, for it may have to be left
     QtDescriptors descriptors;
     bluez::HciLinks links;
+    LockedMemory secrets;
+    Identities identities; ///< none until they are read
+    IdentitiesFile identitiesFile;
     BluezCentral central;
     LoginSession session;
     ScreenSavers savers;

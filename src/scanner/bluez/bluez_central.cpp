@@ -10,15 +10,17 @@ using bluez::Daemon;
 using bluez::Hearing;
 
 BluezCentral::BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
-                           bluez::Links& links)
+                           bluez::Links& links, AddressResolver& resolver)
     : systemBus_(systemBus),
       scheduler_(scheduler),
       clock_(clock),
       links_(links),
+      resolver_(resolver),
       connections_(tell_, *this, links, scheduler, clock),
       gatt_(tell_, scheduler),
       schedule_(*this, scheduler, clock),
       delayed_(scheduler) {
+    identities_ = resolver.onChange([this] { resolveAnew(); });
     connection_ = systemBus.bus().onChange([this](dbus::Bus* bus) { busChanged(bus); });
 }
 
@@ -31,7 +33,7 @@ void BluezCentral::busChanged(dbus::Bus* bus) {
     bus_ = bus;
     if (bus != nullptr) {
         bluez::WatchListener& listener = *this;
-        watch_ = std::make_unique<bluez::ObjectWatch>(*bus, scheduler_, listener);
+        watch_ = std::make_unique<bluez::ObjectWatch>(*bus, scheduler_, listener, resolver_);
         sleep_ = bus->onSignal("org.freedesktop.login1",
                                {.interface = "org.freedesktop.login1.Manager",
                                 .member = "PrepareForSleep",
@@ -234,10 +236,7 @@ void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews
     const bluez::Device* device = watch_->objects().device(path);
     if (device == nullptr || !device->id || !adapter_ || !bluez::isUnder(path, *adapter_)) return;
     const Uuid id = *device->id; // whoever is told may change what the device is
-    if (news.formerId) {
-        tell_(&CentralDelegate::didIdentify, *news.formerId, id);
-        connections_.moved(*news.formerId, id);
-    }
+    if (news.formerId) moved(*news.formerId, id);
     if (news.standing) {
         connections_.changed(id);
         gatt_.changed(id);
@@ -255,6 +254,20 @@ void BluezCentral::deviceReported(std::string_view path, const bluez::DeviceNews
                             .localName = {}});
     schedule_.heard(id);
     connections_.heard(id);
+}
+
+void BluezCentral::moved(const Uuid& from, const Uuid& to) {
+    tell_(&CentralDelegate::didIdentify, from, to);
+    connections_.moved(from, to);
+}
+
+void BluezCentral::resolveAnew() {
+    if (!watch_) return;
+    for (const auto& [path, formerId] : watch_->resolveAnew()) {
+        const bluez::Device* const device = watch_->objects().device(path);
+        if (device != nullptr && adapter_ && bluez::isUnder(path, *adapter_))
+            moved(formerId, *device->id);
+    }
 }
 
 void BluezCentral::deviceRemoved(std::string_view path, const Uuid& id) {
@@ -275,7 +288,7 @@ const bluez::Device* BluezCentral::find(const Uuid& id) const {
 
 bool BluezCentral::changesAddress(const Uuid& id) const {
     const bluez::Device* const device = find(id);
-    return device != nullptr && device->changing;
+    return device != nullptr && device->changing && !device->resolved;
 }
 
 std::vector<Uuid> BluezCentral::retrieve(const std::set<Uuid>& ids) {

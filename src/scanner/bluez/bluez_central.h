@@ -40,7 +40,7 @@ public:
     /// The bus should be the central's own: a deaf radio is also treated by leaving it. All must
     /// outlive the central.
     BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
-                 bluez::Links& links);
+                 bluez::Links& links, AddressResolver& resolver);
 
     void setDelegate(CentralDelegate* delegate) override { tell_.setDelegate(delegate); }
     [[nodiscard]] CentralState state() const override {
@@ -93,6 +93,8 @@ private:
     void discovering(bool discovering) override;
     void discoveryDenied() override;
 
+    void resolveAnew();
+    void moved(const Uuid& from, const Uuid& to);
     void linkLost(const Uuid& id) override;
     void radioNeeded() override;
     void radioReleased() override { schedule_.resume(); }
@@ -134,6 +136,7 @@ private:
     Scheduler& scheduler_;
     const Clock& clock_;
     bluez::Links& links_;
+    AddressResolver& resolver_;
     bluez::Teller tell_;
     dbus::Bus* bus_ = nullptr;
     std::unique_ptr<bluez::ObjectWatch> watch_;
@@ -158,6 +161,7 @@ private:
     Timer deafness_;
     Timer renewal_; ///< held while a new connection to the bus is being made
     Subscription sleep_;
+    Subscription identities_;
     Subscription connection_;
 };
 

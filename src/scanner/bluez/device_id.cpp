@@ -1,5 +1,7 @@
 #include "scanner/bluez/device_id.h"
 
+#include "base/text.h"
+
 #include <nettle/sha1.h>
 
 #include <algorithm>
@@ -21,6 +23,13 @@ Uuid deviceId(std::string_view address, std::string_view type) {
     for (const char character : address)
         name +=
             character >= 'a' && character <= 'f' ? static_cast<char>(character - 32) : character;
+    return nameBased(wegslotNamespace, name);
+}
+
+Uuid identityId(std::span<const std::uint8_t> hash) {
+    std::string name = "irk/";
+    for (const std::uint8_t byte : hash)
+        name += hexadecimal(byte, 2);
     return nameBased(wegslotNamespace, name);
 }
 

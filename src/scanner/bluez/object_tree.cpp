@@ -115,12 +115,34 @@ DeviceNews ObjectTree::readDevice(std::string_view path, dbus::Reader& propertie
             news.standing = true;
         }
     });
-    if (!moved || device.address.empty()) return news;
-    const Uuid id = deviceId(device.address, device.addressType);
-    if (device.id && device.id != id) news.formerId = device.id;
-    setId(std::string(path), device, id);
-    device.changing = isChangingAddress(device.address, device.addressType);
+    if (moved && !device.address.empty()) news.formerId = identify(std::string(path), device);
     return news;
+}
+
+/// Gives `device` the id of its address; the one before, if that was another.
+std::optional<Uuid> ObjectTree::identify(const std::string& path, Device& device) {
+    const std::optional<Uuid> before = device.id;
+    const bool wasResolved = device.resolved;
+    device.changing = isChangingAddress(device.address, device.addressType);
+    const auto known = device.changing ? resolver_.whose(device.address) : std::nullopt;
+    const Uuid id = known.value_or(deviceId(device.address, device.addressType));
+    device.resolved = known.has_value();
+    setId(path, device, id);
+    if (!before || before == id) return std::nullopt;
+    // Bonded with by now: BlueZ tells who it is.
+    if (wasResolved && !device.changing) resolver_.learned(*before, id);
+    return before;
+}
+
+std::vector<ObjectTree::Moved> ObjectTree::resolveAnew() {
+    std::vector<Moved> moved;
+    for (auto& [path, device] : devices_) {
+        if (!device.changing || device.address.empty()) continue;
+        const auto before = identify(path, device);
+        // A device whose identity was forgotten is a stranger: none that was known by another id.
+        if (before && device.resolved) moved.push_back({path, *before});
+    }
+    return moved;
 }
 
 DeviceNews ObjectTree::readBearer(std::string_view path, dbus::Reader& properties) {
@@ -137,9 +159,13 @@ DeviceNews ObjectTree::readBearer(std::string_view path, dbus::Reader& propertie
 
 const std::string* ObjectTree::find(const Uuid& id, std::string_view adapter) const {
     const auto [first, last] = paths_.equal_range(id);
-    const auto found = std::find_if(
-        first, last, [&](const auto& entry) { return isUnder(entry.second, adapter); });
-    return found == last ? nullptr : &found->second;
+    const std::string* found = nullptr;
+    for (auto entry = first; entry != last; ++entry) {
+        if (!isUnder(entry->second, adapter)) continue;
+        if (found == nullptr || !devices_.find(entry->second)->second.changing)
+            found = &entry->second;
+    }
+    return found;
 }
 
 void ObjectTree::setId(const std::string& path, Device& device, const Uuid& id) {

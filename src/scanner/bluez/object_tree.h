@@ -4,6 +4,7 @@
 
 #include "base/uuid.h"
 #include "dbus/message.h"
+#include "scanner/address_resolver.h"
 
 #include <cstdint>
 #include <functional>
@@ -38,7 +39,8 @@ struct Device {
     std::string addressType = "public";
     std::optional<std::string> name;
     std::optional<Uuid> id;     ///< from address and type, once the address is known
-    bool changing = false;      ///< the address is a private one that nothing resolves
+    bool changing = false;      ///< the address is a private one that BlueZ does not resolve
+    bool resolved = false;      ///< but we do: the id is that of an identity that we know
     bool paired = false;        ///< over either bearer
     std::optional<bool> bonded; ///< paired for good; BlueZ before 5.65 does not say
     bool connected = false;     ///< over either bearer
@@ -74,13 +76,18 @@ public:
     };
     using Devices = std::unordered_map<std::string, Device, PathHash, std::equal_to<>>;
 
+    /// Asks `resolver` for the private addresses that BlueZ does not resolve; it must outlive the
+    /// tree.
+    explicit ObjectTree(AddressResolver& resolver) : resolver_(resolver) {}
+
     [[nodiscard]] const std::map<std::string, Adapter, std::less<>>& adapters() const {
         return adapters_;
     }
     [[nodiscard]] const Device* device(std::string_view path) const;
     [[nodiscard]] const Devices& devices() const { return devices_; }
 
-    /// The path of the device with `id` on `adapter`; null when there is none.
+    /// The path of the device with `id` on `adapter`; null when there is none. Of several, for a
+    /// device may have two addresses at a time, one that BlueZ knows by its fixed address.
     [[nodiscard]] const std::string* find(const Uuid& id, std::string_view adapter) const;
 
     /// Reads an interface's properties (a{sv}) into the adapter at `path`.
@@ -92,6 +99,15 @@ public:
     /// Likewise of the low-energy bearer of the device at `path`.
     DeviceNews readBearer(std::string_view path, dbus::Reader& properties);
 
+    /// A device that has another id than before.
+    struct Moved {
+        std::string path;
+        Uuid formerId;
+    };
+
+    /// Asks the resolver for all private addresses anew; those devices that it knows by now.
+    [[nodiscard]] std::vector<Moved> resolveAnew();
+
     void setMonitors(std::string_view adapterPath, bool offered);
 
     void removeAdapter(std::string_view path);
@@ -101,9 +117,11 @@ public:
 
 private:
     [[nodiscard]] Device& made(std::string_view path);
+    std::optional<Uuid> identify(const std::string& path, Device& device);
     void setId(const std::string& path, Device& device, const Uuid& id);
     void forgetId(const std::string& path, const Device& device);
 
+    AddressResolver& resolver_;
     std::map<std::string, Adapter, std::less<>> adapters_;
     Devices devices_;
     std::unordered_multimap<Uuid, std::string> paths_; ///< of the devices, by id

@@ -30,10 +30,12 @@ dbus::SignalMatch objectManager(std::string_view member) {
 
 } // namespace
 
-ObjectWatch::ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener)
+ObjectWatch::ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener,
+                         AddressResolver& resolver)
     : bus_(bus),
       scheduler_(scheduler),
-      listener_(listener) {
+      listener_(listener),
+      objects_(resolver) {
     // Signals first: what changes while the objects are read arrives after them or is repeated.
     const auto changed = [this](const dbus::Message& message) { propertiesChanged(message); };
     for (const auto interface : {deviceInterface, bearerInterface, adapterInterface})

@@ -56,7 +56,8 @@ public:
     static constexpr Nanoseconds retryInterval = std::chrono::seconds{2};
 
     /// All must outlive the watch. Calls come from the bus's processing only.
-    ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener);
+    ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& listener,
+                AddressResolver& resolver);
 
     ObjectWatch(const ObjectWatch&) = delete;
     ObjectWatch& operator=(const ObjectWatch&) = delete;
@@ -64,6 +65,9 @@ public:
     [[nodiscard]] Daemon daemon() const { return daemon_; }
     [[nodiscard]] const ObjectTree& objects() const { return objects_; }
     [[nodiscard]] const GattTree& gatt() const { return gatt_; }
+
+    /// After the resolver has learned of an identity, or forgotten one. The listener is not told.
+    [[nodiscard]] std::vector<ObjectTree::Moved> resolveAnew() { return objects_.resolveAnew(); }
 
 private:
     void ownerChanged(const std::optional<std::string>& owner);

@@ -87,7 +87,8 @@ int main(int argc, char** argv) {
     dbus::Connection systemBus(dbus::systemBus(forgeries), pump, scheduler);
     QtDescriptors descriptors;
     bluez::HciLinks links(descriptors, scheduler);
-    BluezCentral central(systemBus, scheduler, clock, links);
+    AddressResolver nobody;
+    BluezCentral central(systemBus, scheduler, clock, links, nobody);
     central.want({.list = true}); // everything, all the time
     const Counter counter(central);
     const int status = QCoreApplication::exec();
