@@ -296,7 +296,7 @@ wegslot_module(app_qt
     app/qt/qt_scheduler.cpp app/qt/qt_scheduler.h app/qt/real_world.cpp
     app/qt/real_world.h app/qt/running_application.cpp app/qt/running_application.h
     app/qt/snapshot.cpp app/qt/snapshot.h app/qt/status_icon.cpp app/qt/status_icon.h
-    app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
+    app/qt/terminal.cpp app/qt/terminal.h app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
     base file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux

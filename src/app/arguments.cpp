@@ -1,5 +1,7 @@
 #include "app/arguments.h"
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <array>
 
@@ -14,6 +16,25 @@ Result<Uuid> idAfter(const std::vector<std::string_view>& words, std::size_t& in
     const auto id = Uuid::parse(text);
     if (!id) return Failure{message("%1: geen geldig id: %2", {name, std::string(text)})};
     return *id;
+}
+
+/// `--add-irk NAME [--same-as ID]`
+Result<Command> identityAfter(const std::vector<std::string_view>& words, std::size_t& index) {
+    constexpr std::size_t longest = 248; // as of a name from the air, in bytes
+    const std::string_view name = index + 1 == words.size() ? "" : trimmed(words[index + 1]);
+    if (name.empty() || name.starts_with('-'))
+        return Failure{message("%1 verwacht een naam voor het apparaat", {"--add-irk"})};
+    if (!isUtf8(name) || name.size() > longest)
+        return Failure{message("%1: geen bruikbare naam", {"--add-irk"})};
+    ++index;
+    command::AddIdentity add{.name = std::string(name), .sameAs = std::nullopt};
+    if (index + 1 < words.size() && words[index + 1] == "--same-as") {
+        ++index;
+        const auto id = idAfter(words, index);
+        if (!id) return id.failure();
+        add.sameAs = *id;
+    }
+    return Command{std::move(add)};
 }
 
 /// A word that adds to a command and asks for nothing by itself.
@@ -92,6 +113,13 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         if (adds) return std::optional<Command>(command::AddKey{*id});
         return std::optional<Command>(command::RemoveKey{*id});
     }
+    if (word == "--add-irk") {
+        auto add = identityAfter(words, index);
+        if (!add) return add.failure();
+        return std::optional<Command>(*std::move(add));
+    }
+    if (word == "--same-as")
+        return Failure{message("%1 hoort bij %2", {"--same-as", "--add-irk NAAM"})};
     if (control::isRequest(word))
         return Failure{message("%1 hoort als eerste woord (zie --help)", {std::string(word)})};
     if (word.starts_with('-'))
@@ -161,6 +189,11 @@ Een sleutel kiezen (toevoegen en verwijderen terwijl Wegslot niet draait):
                         Ctrl-C
   --add-key ID          wacht hoogstens 30 s op het apparaat en maak het een
                         sleutel
+  --add-irk NAAM [--same-as ID]
+                        maak een sleutel van een apparaat dat van adres wisselt,
+                        uit de identiteit (IRK) op de standaardinvoer; mag ook
+                        terwijl Wegslot draait; met --same-as is het het
+                        apparaat met dat id, waarmee deze computer gekoppeld is
   --keys                toon de sleutels
   --remove-key ID       verwijder een sleutel
 

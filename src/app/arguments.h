@@ -46,6 +46,11 @@ struct AddKey {
 struct RemoveKey {
     Uuid id;
 };
+/// Make a key of the identity that standard input holds.
+struct AddIdentity {
+    std::string name;           ///< the user's for the device
+    std::optional<Uuid> sameAs; ///< what the device is when this computer is bonded with it
+};
 /// Ask a Wegslot that runs.
 struct Ask {
     control::Request request;
@@ -58,9 +63,10 @@ struct Snapshot {
 
 } // namespace command
 
-using Command = std::variant<command::Run, command::Demo, command::Help, command::Version,
-                             command::Devices, command::Keys, command::Check, command::AddKey,
-                             command::RemoveKey, command::Ask, command::Snapshot>;
+using Command =
+    std::variant<command::Run, command::Demo, command::Help, command::Version, command::Devices,
+                 command::Keys, command::Check, command::AddKey, command::RemoveKey,
+                 command::AddIdentity, command::Ask, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& typed);

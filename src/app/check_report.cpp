@@ -107,9 +107,16 @@ Finding linksFinding(const CheckFacts::Bluetooth& facts) {
 }
 
 Message addressText(const CheckFacts::Key& key) {
+    if (key.hasIdentity)
+        return *key.hasIdentity ? message("identiteit geplakt")
+                                : message("identiteit ontbreekt, plak ze opnieuw met --add-irk");
     if (!key.changesAddress) return message("niet te zien, adres onbekend");
     return *key.changesAddress ? message("wisselt van adres, koppel het met deze computer")
                                : message("vast adres");
+}
+
+bool staysKnown(const CheckFacts::Key& key) {
+    return key.hasIdentity.value_or(!key.changesAddress.value_or(false));
 }
 
 Finding keysFinding(const CheckFacts& facts) {
@@ -119,7 +126,7 @@ Finding keysFinding(const CheckFacts& facts) {
     for (const CheckFacts::Key& key : facts.keys) {
         found.push_back(key.name);
         texts.emplace_back("%1: %2", Messages{printable(key.name), addressText(key)});
-        anyMayStay = anyMayStay || !key.changesAddress.value_or(false);
+        anyMayStay = anyMayStay || staysKnown(key);
     }
     if (texts.empty())
         texts.push_back(message("geen; kies er een in het paneel, of met --devices en --add-key"));

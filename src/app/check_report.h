@@ -27,6 +27,8 @@ struct CheckFacts {
     struct Key {
         std::string name;
         std::optional<bool> changesAddress; ///< nothing where no radio knows the device
+        /// Whether the identity that it is known by is kept; nothing where it is known without.
+        std::optional<bool> hasIdentity = {};
     };
     struct Locking {
         bool session = false;               ///< logind knows one

@@ -146,6 +146,21 @@ TEST(CheckReport, AKeyThatNoRadioKnowsIsNotSaidToStayAndIsNoFault) {
     EXPECT_EQ(keys.text, "Telefoon: niet te zien, adres onbekend");
 }
 
+TEST(CheckReport, APastedKeyIsKnownByItsIdentityWhateverItsAddress) {
+    const auto keysWith = [](bool kept, std::optional<bool> changes) {
+        return finding(
+            with([&](CheckFacts& facts) {
+                facts.keys = {{.name = "Telefoon", .changesAddress = changes, .hasIdentity = kept}};
+            }),
+            "keys");
+    };
+    EXPECT_TRUE(keysWith(true, std::nullopt).works);
+    EXPECT_EQ(keysWith(true, std::nullopt).text, "Telefoon: identiteit geplakt");
+    EXPECT_FALSE(keysWith(false, std::nullopt).works);
+    EXPECT_EQ(keysWith(false, std::nullopt).text,
+              "Telefoon: identiteit ontbreekt, plak ze opnieuw met --add-irk");
+}
+
 TEST(CheckReport, LogindAloneIsNoWayToLock) {
     const auto lock =
         finding(with([](CheckFacts& facts) { facts.locking = {.session = true}; }), "lock");

@@ -82,6 +82,23 @@ std::string changeText(const Change& change, std::string_view clock) {
            printable(change.reason);
 }
 
+std::string identityAddedText(std::string_view name, Dbm threshold) {
+    return translated("Sleutel toegevoegd: %1, drempel %2 dBm",
+                      {printable(name), decimal(threshold.value)});
+}
+
+std::string identityHeardText(Dbm rssi) {
+    return translated("Gehoord: %1 dBm", {decimal(std::round(rssi.value))});
+}
+
+std::string identityUnheardText(std::string_view name) {
+    return translated("De identiteit is geldig, maar %1 is nog niet gehoord. Ontgrendel het "
+                      "apparaat en houd het even aan, met Bluetooth aan.\n"
+                      "Is het ook met deze computer gekoppeld, voeg dan --same-as ID toe, met het "
+                      "id dat --devices het geeft.",
+                      {printable(name)});
+}
+
 std::string statusJson(const Status& status) {
     return line({{"phase", status.phase},
                  {"text", status.text},

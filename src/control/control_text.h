@@ -21,6 +21,15 @@ namespace wegslot::control {
 /// `clock`: "14:02:11", when it was heard of.
 [[nodiscard]] std::string changeText(const Change& change, std::string_view clock);
 
+/// For how long somebody who added an identity waits for its device to be heard: a phone whose
+/// screen is off may be silent for most of a minute.
+inline constexpr Nanoseconds identityPatience = std::chrono::seconds{60};
+
+// What becomes of an identity that was added: a line each, several for one that is not heard.
+[[nodiscard]] std::string identityAddedText(std::string_view name, Dbm threshold);
+[[nodiscard]] std::string identityHeardText(Dbm rssi);
+[[nodiscard]] std::string identityUnheardText(std::string_view name);
+
 // One JSON object (an array for keys) on one line. Numbers are dBm; "rssi" and "pausedUntil"
 // (seconds since 1970) are null where there are none.
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/result.h"
+#include "base/uuid.h"
 
 #include <cstdint>
 #include <functional>
@@ -31,6 +32,11 @@ struct Pause {
 struct Resume {};
 /// Look for a newer release, and install it.
 struct UpdateNow {};
+/// Make a key of an identity that was added to where they are kept.
+struct AddIdentity {
+    std::function<Result<Uuid>()> keep; ///< adds it, once somebody is there to ask; the key's id
+    std::function<void()> takeBack;     ///< where it did not become a key
+};
 /// Record into a file, for as long as whoever asks is there.
 struct Record {
     std::function<Result<int>()> open; ///< gives a descriptor, once somebody is there to ask
@@ -39,8 +45,9 @@ struct Record {
 
 } // namespace request
 
-using Request = std::variant<request::Status, request::Keys, request::Devices, request::Lock,
-                             request::Pause, request::Resume, request::UpdateNow, request::Record>;
+using Request =
+    std::variant<request::Status, request::Keys, request::Devices, request::Lock, request::Pause,
+                 request::Resume, request::UpdateNow, request::AddIdentity, request::Record>;
 
 /// Whether `word` is the first of a request.
 [[nodiscard]] bool isRequest(std::string_view word);

@@ -13,8 +13,17 @@ namespace wegslot::panel {
 namespace {
 
 std::string noteOf(const KeyFacts& facts) {
+    if (facts.key.isPasted) return translated("Identiteit geplakt, alleen luisteren");
     // Only where it is known to be foreign: such a key is never connected.
     return facts.key.isApple == false ? translated("Ander merk, alleen luisteren") : "";
+}
+
+std::string troubleOf(const KeyFacts& facts) {
+    if (facts.changesAddress) return translated("Wisselt van adres, koppel opnieuw");
+    // Any other key was heard when it was chosen; of this one nobody knows yet whether it is ever.
+    if (facts.key.isPasted && facts.isUnheard)
+        return translated("Nog niet gehoord, ontgrendel het apparaat");
+    return {};
 }
 
 Badge badgeOf(const std::optional<KeyState>& state) {
@@ -61,8 +70,7 @@ KeyRow keyRow(const KeyFacts& facts) {
                .remove = {.symbol = std::string(symbols::remove),
                           .text = {},
                           .tooltip = translated("Verwijder deze sleutel")},
-               .trouble =
-                   facts.changesAddress ? translated("Wisselt van adres, koppel opnieuw") : "",
+               .trouble = troubleOf(facts),
                .signal = signalOf(facts.rssi),
                .link = facts.isHeardOverConnection ? translated("verbonden") : "",
                .limit = translated("Lockt onder %1 dBm", {wholeNumber(key.threshold.value)}),

@@ -23,6 +23,7 @@ struct KeyFacts {
     std::optional<KeyState> state; ///< nothing: not judged yet
     bool isHeardOverConnection = false;
     bool changesAddress = false;  ///< it was a key before it lost its bond
+    bool isUnheard = false;       ///< not even once since the start
     std::optional<Dbm> held = {}; ///< where a finger holds the slider
     /// The signal that the threshold was just set by; nothing when that is a while ago.
     std::optional<Dbm> justSetBy = {};

@@ -24,6 +24,18 @@ KeyFacts withThreshold(double value) {
 
 } // namespace
 
+TEST(KeyRow, APastedKeySaysSoAndWhatToDoUntilItIsHeard) {
+    KeyFacts facts = phone();
+    facts.key.isApple = false;
+    facts.key.isPasted = true;
+    EXPECT_EQ(keyRow(facts).note, "Identiteit geplakt, alleen luisteren");
+    EXPECT_EQ(keyRow(facts).trouble, "");
+    facts.isUnheard = true;
+    EXPECT_EQ(keyRow(facts).trouble, "Nog niet gehoord, ontgrendel het apparaat");
+    facts.key.isPasted = false;
+    EXPECT_EQ(keyRow(facts).trouble, "");
+}
+
 TEST(KeyRow, AKeyThatIsHeardShowsAllOfIt) {
     EXPECT_EQ(keyRow(phone()),
               (KeyRow{.id = numbered(7),

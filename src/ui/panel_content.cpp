@@ -32,7 +32,8 @@ KeyFacts factsOf(const KeyDevice& key, const PanelSources& sources, const Flags&
                    .rssi = std::nullopt,
                    .state = std::nullopt,
                    .isHeardOverConnection = sources.scanner.hearsOverConnection(key.id),
-                   .changesAddress = sources.scanner.changesAddress(key.id)};
+                   .changesAddress = sources.scanner.changesAddress(key.id),
+                   .isUnheard = !sources.scanner.lastSeen(key.id)};
     const auto& devices = sources.scanner.snapshot().get();
     const auto device = std::ranges::find(devices, key.id, &SeenDevice::id);
     if (device != devices.end()) facts.rssi = device->rssi;

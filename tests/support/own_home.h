@@ -19,6 +19,7 @@ public:
         return {{"HOME", path().string()},
                 {"XDG_CONFIG_HOME", (path() / "config").string()},
                 {"XDG_CONFIG_DIRS", (path() / "shared").string()},
+                {"XDG_DATA_HOME", ""},
                 {"XDG_RUNTIME_DIR", path().string()},
                 {"DBUS_SYSTEM_BUS_ADDRESS", loop.daemon.address()},
                 {"DBUS_SESSION_BUS_ADDRESS", loop.daemon.address()},

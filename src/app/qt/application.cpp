@@ -1,10 +1,10 @@
 #include "app/qt/application.h"
 
 #include "app/demo.h"
+#include "app/identity_adder.h"
 #include "app/key_commands.h"
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
-#include "app/linux/standard_output.h"
 #include "app/qt/bus_pump.h"
 #include "app/qt/check.h"
 #include "app/qt/demo_windows.h"
@@ -13,6 +13,7 @@
 #include "app/qt/real_world.h"
 #include "app/qt/running_application.h"
 #include "app/qt/snapshot.h"
+#include "app/qt/terminal.h"
 #include "app/qt/termination.h"
 #include "app/qt/warning.h"
 #include "base/text.h"
@@ -21,6 +22,7 @@
 #include "core/app_model.h"
 #include "dbus/forgeries.h"
 #include "hud/hidden_hud.h"
+#include "identity/linux/asked_identity.h"
 #include "log/linux/file_log.h"
 #include "log/log.h"
 #include "model/linux/preferences_file.h"
@@ -34,7 +36,6 @@
 #include <QEvent>
 
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -43,76 +44,10 @@
 #include <utility>
 #include <vector>
 
-#include <unistd.h>
-
 namespace wegslot {
 namespace {
 
 namespace fs = std::filesystem;
-
-void printLine(std::string_view line) {
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
-
-int complain(const std::string& message) {
-    std::fprintf(stderr, "wegslot: %s\n", printable(message).c_str());
-    return EXIT_FAILURE;
-}
-
-/// What came of a command, for who gave it; the exit status.
-int said(const Result<std::string>& outcome) {
-    if (!outcome) return complain(outcome.failure().message.translated());
-    printLine(*outcome);
-    return EXIT_SUCCESS;
-}
-
-/// Writes to the log file and, for who watches in a terminal, there too.
-class TeeLog final : public LogDestination {
-public:
-    TeeLog(const fs::path& file, const Clock& clock)
-        : file_(file, clock),
-          before_(Log::setDestination(this)) {
-        if (isatty(STDOUT_FILENO) == 1) terminal_.emplace();
-    }
-    ~TeeLog() override { Log::setDestination(before_); }
-
-    void write(std::string_view message) override {
-        file_.write(message);
-        if (terminal_) terminal_->print(message);
-    }
-
-private:
-    FileLog file_;
-    std::optional<StandardOutput> terminal_;
-    LogDestination* before_;
-};
-
-/// Tells who runs a command what would otherwise be in the log.
-class ComplainingLog final : public LogDestination {
-public:
-    ComplainingLog() : before_(Log::setDestination(this)) {}
-    ~ComplainingLog() override { Log::setDestination(before_); }
-
-    void write(std::string_view message) override { complain(std::string(message)); }
-
-private:
-    LogDestination* before_;
-};
-
-/// What is printed until somebody ends it, or nobody reads it any more.
-class GoingOn {
-public:
-    [[nodiscard]] PrintLine printer() {
-        return [this](std::string_view line) {
-            if (!output_.print(line)) QCoreApplication::exit(EXIT_FAILURE);
-        };
-    }
-
-private:
-    StandardOutput output_;
-};
 
 /// For commands that watch the keys and warn nobody.
 AppModel::Surroundings around(PreferencesStore& preferences, RealWorld& world) {
@@ -139,6 +74,7 @@ struct Execute {
     std::string lockTrouble{};                    ///< of a run
     LineThreads* recordings = nullptr;            ///< of a run
     std::optional<Recorder::Request> recording{}; ///< of a run, from its start on
+    std::optional<KnownIdentity> pasted{};        ///< to be added
 
     int operator()(const command::Run& run) const {
         const RunningApplication application({.scheduler = scheduler,
@@ -155,6 +91,7 @@ struct Execute {
     }
     int operator()(const command::Snapshot& picture) const {
         RealWorld world(scheduler, clock);
+        world.readIdentities();
         StagedLock lock([] {}); // nothing is locked for a picture
         AppModel model({.preferences = preferences,
                         .central = world.central,
@@ -173,6 +110,7 @@ struct Execute {
     }
     int operator()(const command::Devices& devices) const {
         RealWorld world(scheduler, clock);
+        world.readIdentities();
         AppModel model(around(preferences, world));
         GoingOn output;
         const DeviceListing listing(model, scheduler, devices.others, output.printer());
@@ -191,6 +129,15 @@ struct Execute {
             });
         return QCoreApplication::exec();
     }
+    int operator()(const command::AddIdentity&) const {
+        RealWorld world(scheduler, clock);
+        AppModel model(around(preferences, world));
+        const IdentityAdder adder(
+            model, world.identities, world.identitiesFile, scheduler, *pasted,
+            [this] { return preferences.flush(); }, printLine,
+            [](const Result<std::string>& outcome) { QCoreApplication::exit(said(outcome)); });
+        return QCoreApplication::exec();
+    }
     int operator()(const command::Keys&) const {
         if (const auto& fault = preferences.fault().get())
             return complain(fault->message.translated());
@@ -201,6 +148,7 @@ struct Execute {
         const Settings settings(preferences);
         const auto own = lockCommand(preferences); // the check itself says if it is wrong
         RealWorld world(scheduler, clock);
+        world.readIdentities();
         if (own) world.lockerLock.setOwn(*own);
         const Check check(world, preferences, settings, scheduler, clock, folders::autostart(),
                           {.lock = options.lock, .json = options.json}, printLine, [](bool ok) {
@@ -210,6 +158,11 @@ struct Execute {
     }
     int operator()(const command::RemoveKey& command) const {
         Settings settings(preferences);
+        LockedMemory secrets;
+        Identities identities(secrets);
+        IdentitiesFile file(IdentitiesFile::pathUnder(folders::data()), secrets);
+        const PastedKeys pasted(settings, identities, file, scheduler,
+                                PastedKeys::WithoutKey::kept);
         return said(removeKey(settings, command.id, [this] { return preferences.flush(); }));
     }
     // Answered before there is a loop.
@@ -259,6 +212,19 @@ int ask(control::Request request, const Clock& clock, Scheduler& scheduler,
 
 Result<int> fileOf(const command::Recording& recording) {
     return recordingFile(recording.path, recording.force ? Existing::replaced : Existing::kept);
+}
+
+control::Request handedOver(const KnownIdentity& pasted, IdentitiesFile& file) {
+    return control::request::AddIdentity{.keep = [&]() -> Result<Uuid> {
+                                             if (const auto failure = file.change({}, {&pasted, 1}))
+                                                 return *failure;
+                                             return pasted.id();
+                                         },
+                                         .takeBack =
+                                             [&] {
+                                                 const Uuid id = pasted.id();
+                                                 static_cast<void>(file.change({&id, 1}, {}));
+                                             }};
 }
 
 /// What is asked of the Wegslot that runs already instead of doing it here, if anything.
@@ -324,12 +290,21 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         PreferencesFile preferences(preferencesPath, scheduler, PreferencesFile::Access::readOnly);
         return ended(std::visit(Execute{scheduler, clock, preferences, program}, command));
     }
+    LockedMemory secrets;
+    IdentitiesFile identities(IdentitiesFile::pathUnder(folders::data()), secrets);
+    std::optional<KnownIdentity> pasted;
+    if (const auto* const add = std::get_if<command::AddIdentity>(&command)) {
+        const auto asked = askedIdentity(add->name, add->sameAs, secrets);
+        if (!asked) return complain(asked.failure().message.translated());
+        pasted = *asked;
+    }
     const auto* const run = std::get_if<command::Run>(&command);
     const auto lock = InstanceLock::take(lockFolders(preferencesPath));
     if (lock.outcome() == InstanceLock::Outcome::heldByAnother) {
         if (run != nullptr && run->updateNow && run->recording)
             return complain(translated("Wegslot draait al: vraag --update-now en --record apart"));
-        if (auto request = handedOver(command))
+        auto request = pasted ? handedOver(*pasted, identities) : handedOver(command);
+        if (request)
             return ended(ask(*std::move(request), clock, scheduler, {alreadyRuns(), EXIT_FAILURE}));
         if (run == nullptr) return complain(alreadyRuns().translated());
         return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns().translated());
@@ -363,11 +338,11 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
                                 looks ? PreferencesFile::Access::readOnly
                                       : PreferencesFile::Access::whole);
     const bool writes = std::holds_alternative<command::AddKey>(command) ||
-                        std::holds_alternative<command::RemoveKey>(command);
+                        std::holds_alternative<command::RemoveKey>(command) || pasted;
     if (const auto& fault = preferences.fault().get(); fault && writes)
         return complain(fault->message.translated());
     return ended(std::visit(Execute{scheduler, clock, preferences, program, preferencesPath,
-                                    lock.trouble(), &recordings, std::move(recording)},
+                                    lock.trouble(), &recordings, std::move(recording), pasted},
                             command));
 }
 

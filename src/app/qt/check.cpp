@@ -94,6 +94,7 @@ CheckFacts Check::facts() {
         facts.preferences.unreadable = fault->message.translated();
     for (const KeyDevice& key : settings_.keys.get()) {
         facts.keys.push_back({.name = key.name, .changesAddress = std::nullopt});
+        if (key.isPasted) facts.keys.back().hasIdentity = world_.identities.find(key.id) != nullptr;
         if (world_.central.knows(key.id))
             facts.keys.back().changesAddress = world_.central.changesAddress(key.id);
     }

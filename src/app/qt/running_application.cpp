@@ -43,6 +43,9 @@ RunningApplication::RunningApplication(const Setting& setting)
               .updates = updates_.world(),
               .updateNow = setting_.updateNow};
       }()),
+      pastedKeys_(model_.settings(), world_.identities, world_.identitiesFile, setting.scheduler,
+                  setting.preferences.fault().get() ? PastedKeys::WithoutKey::kept
+                                                    : PastedKeys::WithoutKey::forgotten),
       recorder_(model_, world_.platform, randomUuid, setting.recording),
       appearance_(world_.sessionBus),
       loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
@@ -65,13 +68,17 @@ RunningApplication::RunningApplication(const Setting& setting)
                 .resume = [this] { model_.monitor().resume(); },
                 .updateNow = [this] { model_.updateNow(); },
                 .record = [this](int file, bool anonymous) { return record(file, anonymous); },
-                .stopRecording = [this] { recorder_.stop(); }}),
+                .stopRecording = [this] { recorder_.stop(); },
+                .readIdentities = [this] { return pastedKeys_.reread(); }}),
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }),
       preferencesWatch_(world_.descriptors, setting.preferencesPath,
                         [this] { setting_.preferences.reread(); }) {
     // What was typed after they were read and before they were watched.
     setting_.preferences.reread();
     tellTroubles();
+    if (!world_.secrets.isLocked())
+        Log::write(
+            "Identiteiten kunnen in het wisselgeheugen belanden (RLIMIT_MEMLOCK is te klein)");
     takeLockCommand();
     lockCommands_ = setting_.preferences.onChangeByOthers([this] { takeLockCommand(); });
     lockFailures_ =

@@ -12,6 +12,7 @@
 #include "control/linux/control_service.h"
 #include "core/app_model.h"
 #include "hud/linux/notice.h"
+#include "identity/pasted_keys.h"
 #include "model/linux/preferences_file.h"
 #include "model/lock_command.h"
 #include "model/remembered.h"
@@ -62,6 +63,7 @@ private:
     RealWorld world_;
     RealUpdates updates_;
     AppModel model_;
+    PastedKeys pastedKeys_;
     Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor
     Appearance appearance_;
     AutostartItem loginItem_;

@@ -4,6 +4,7 @@
 #include "control/control_text.h"
 #include "control/linux/activation.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <utility>
 
@@ -109,6 +110,17 @@ struct ControlClient::Ask {
         close(*file);
     }
 
+    void operator()(const control::request::AddIdentity& request) const {
+        const auto id = request.keep();
+        if (!id) return client.fail({id.failure().message, EXIT_FAILURE});
+        client.takeBack_ = request.takeBack;
+        client.call(control::interfaceName, "ReadIdentities", {},
+                    [this_ = &client, id = *id](dbus::Reader&) {
+                        this_->takeBack_ = {};
+                        this_->awaitIdentity(id, this_->clock_.now() + control::identityPatience);
+                    });
+    }
+
     /// Done when it is taken; `said` then, if anything.
     void simply(const char* member, std::vector<dbus::Argument> arguments,
                 const std::string& said) const {
@@ -199,7 +211,27 @@ void ControlClient::list(bool others) {
     });
 }
 
+/// Says what the key is called and set to once, and then whether it is heard.
+void ControlClient::awaitIdentity(const Uuid& id, TimePoint until) {
+    readStatus([this, id, until](const control::Status& status) {
+        const auto key = std::ranges::find(status.keys, id.text(), &control::Key::id);
+        if (key == status.keys.end())
+            return fail({message("Wegslot heeft er geen sleutel van gemaakt"), EXIT_FAILURE});
+        if (!std::exchange(identityIsTold_, true))
+            output_.print(control::identityAddedText(key->name, key->threshold));
+        if (!key->rssi && clock_.now() < until) {
+            again_ = scheduler_.after(std::chrono::seconds{1},
+                                      [this, id, until] { awaitIdentity(id, until); });
+            return;
+        }
+        output_.print(key->rssi ? control::identityHeardText(*key->rssi)
+                                : control::identityUnheardText(key->name));
+        end(EXIT_SUCCESS);
+    });
+}
+
 void ControlClient::fail(const Failed& failed) {
+    if (takeBack_) std::exchange(takeBack_, {})();
     output_.complain(failed.message.translated());
     end(failed.status);
 }

@@ -51,6 +51,7 @@ private:
     void readStatus(std::function<void(const control::Status&)> done);
     void follow(bool json);
     void list(bool others);
+    void awaitIdentity(const Uuid& id, TimePoint until);
     void fail(const Failed& failed);
     void end(int status);
 
@@ -63,6 +64,8 @@ private:
     std::string owner_;
     bool statusIsTold_ = false;
     bool listIsExplained_ = false;
+    bool identityIsTold_ = false;
+    std::function<void()> takeBack_; ///< what was kept and is not taken yet
     Subscription calling_;
     Subscription changes_;
     Subscription owners_;

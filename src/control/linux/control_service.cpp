@@ -140,7 +140,10 @@ std::vector<dbus::Method> ControlService::methods() {
             {"Pause", "u", "",
              [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }},
             {"Record", "hb", "",
-             [this](const dbus::Message& call, dbus::Writer& answer) { record(call, answer); }}};
+             [this](const dbus::Message& call, dbus::Writer& answer) { record(call, answer); }},
+            {"ReadIdentities", "", "", [this](const dbus::Message& call, dbus::Writer& answer) {
+                 readIdentities(call, answer);
+             }}};
 }
 
 void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
@@ -183,6 +186,11 @@ void ControlService::stopRecording() {
     if (!recordingFor_) return;
     recordingFor_.reset();
     actions_.stopRecording();
+}
+
+void ControlService::readIdentities(const dbus::Message& call, dbus::Writer& answer) {
+    logRequest("Nieuwe identiteiten lezen", call);
+    if (const auto fault = actions_.readIdentities()) answer.refuse(fault->message.builtIn());
 }
 
 void ControlService::logRequest(const std::string& what, const dbus::Message& call) {
