@@ -17,6 +17,7 @@ CURVES = {
     "advertisement": "an advertisement, by devices",
     "tick": "a tick, by devices (3 keys)",
     "tick_of_keys": "a tick, by keys (1,000 devices)",
+    "newAddress": "a new private address, by identities",
 }
 MICROSECONDS = {"ns": 1e-3, "us": 1, "ms": 1e3}
 
@@ -46,7 +47,7 @@ def measured(programs, quick):
     """By curve, by how many: microseconds of each repetition."""
     curves = {name: {} for name in CURVES}
     with Room(programs) as room:
-        found = benchmarks(room, "wegslot_bench", "--benchmark_filter=^(advertisement|tick)/",
+        found = benchmarks(room, "wegslot_bench", "--benchmark_filter=^(advertisement|tick|newAddress)/",
                            f"--benchmark_min_time={0.01 if quick else 0.2}",
                            f"--benchmark_repetitions={2 if quick else 7}")
         for one in found:
