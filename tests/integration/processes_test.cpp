@@ -162,7 +162,8 @@ TEST_F(ProcessTableTest, ArgumentsAreComparedAtTheEndForScriptsHaveAnInterpreter
     table.put(8, "mylock", alive, "/bin/sh\0/home/me/other\0-x\0"s); // calls itself so
     table.runs(8, "/usr/bin/dash");
     EXPECT_EQ(running({.name = "mylock", .arguments = {{"-x"}}}), Numbers{5});
-    EXPECT_EQ(running({.name = "mylock", .arguments = {{}}}), (Numbers{5, 6, 7}));
+    const std::vector<std::string> none;
+    EXPECT_EQ(running({.name = "mylock", .arguments = none}), (Numbers{5, 6, 7}));
     EXPECT_EQ(running({.name = "mylock"}), (Numbers{6, 7}));
 }
 

@@ -5,9 +5,9 @@
 #include "tests/interface/picture_stage.h"
 #include "tests/support/panel_world.h"
 #include "ui/qt/panel/panel_view.h"
-#include "ui/qt/panel/text.h"
 
 #include <QAbstractButton>
+#include <QLabel>
 
 #include <optional>
 
@@ -80,7 +80,7 @@ protected:
                                        : part.width() >= part.sizeHint().width();
             if (!isWhole) texts.push_back(text.toStdString());
         };
-        for (const Text* const text : view->findChildren<Text*>())
+        for (const QLabel* const text : view->findChildren<QLabel*>())
             look(*text, text->text());
         for (const QAbstractButton* const button : view->findChildren<QAbstractButton*>())
             look(*button, button->text());
@@ -336,7 +336,7 @@ TEST_P(PanelInALanguageTest, EveryTextIsReadWholeHoweverLarge) {
 TEST_P(PanelInALanguageTest, ATextThatIsCutWouldBeNoticed) {
     openIn("de");
     layOut();
-    for (Text* const text : view->findChildren<Text*>())
+    for (QLabel* const text : view->findChildren<QLabel*>())
         text->setFixedWidth(8);
     EXPECT_GT(cut().size(), 10U);
 }
