@@ -90,6 +90,9 @@ def _unpack_kernel(package: str, made: pathlib.Path) -> None:
     compressed = next(unpacked.glob("boot/vmlinuz-*"), None)
     if compressed is None:
         raise ImageError(f"{package} holds no boot/vmlinuz-*")
+    if not (unpacked / "lib").exists():
+        # Debian 13's packages name the modules' real folder, which depmod and modprobe never do.
+        (unpacked / "usr/lib").rename(unpacked / "lib")
     _run(["depmod", "-b", str(unpacked), compressed.name.removeprefix("vmlinuz-")])
     (unpacked / "kernel").write_bytes(_uncompressed(compressed.read_bytes()))
     for unused in ("boot", "usr"):
