@@ -25,11 +25,6 @@ POLICY = pathlib.Path("/etc/dbus-1/system.d/logind-stand-in.conf")
 # has been seen to need.
 DEFAULT_RECEIVE_BUFFER = pathlib.Path("/proc/sys/net/core/rmem_default")
 RECEIVE_BUFFER = 8 << 20
-# The kernel drops what does not fit into a socket's buffer. At a thousand reports a second an emulated
-# bluetoothd falls behind by more than the usual 208 kB; once what is dropped is the news that a scan
-# has ended, it waits for that news for ever and no scan is begun any more. Forty times as much.
-DEFAULT_RECEIVE_BUFFER = pathlib.Path("/proc/sys/net/core/rmem_default")
-RECEIVE_BUFFER = 8 << 20
 # The rest of the policy is the host's own.
 POLICY_TEXT = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
