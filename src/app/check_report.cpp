@@ -293,12 +293,16 @@ bool canLock(const std::vector<Finding>& findings) {
 }
 
 std::vector<std::string> reportLines(const std::vector<Finding>& findings) {
+    std::size_t longest = 0; // in the user's language
+    for (const Finding& finding : findings)
+        longest = std::max(longest, characterCount(finding.label.translated()));
+
     std::vector<std::string> lines;
     for (const Finding& finding : findings) {
         const std::string mark = finding.works    ? translated("ok")
                                  : finding.needed ? translated("FOUT")
                                                   : "-";
-        lines.push_back(padded(mark, 6) + padded(finding.label.translated() + ":", 27) +
+        lines.push_back(padded(mark, 6) + padded(finding.label.translated() + ":", longest + 3) +
                         finding.text.translated());
     }
     lines.push_back(canLock(findings) ? translated("Alles wat voor locken nodig is, werkt.")

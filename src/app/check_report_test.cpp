@@ -90,6 +90,21 @@ TEST(CheckReport, WhereThereIsNothingEachLineSaysSo) {
         }));
 }
 
+TEST(CheckReport, TheLongestLabelHasTwoBlanksBehindItInEveryLanguage) {
+    const auto found = [](std::string label) {
+        return Finding{.name = "a",
+                       .label = Message(std::move(label)),
+                       .works = true,
+                       .needed = false,
+                       .found = {},
+                       .text = Message("ja")};
+    };
+    const auto lines = reportLines({found("Sleutels"), found("Wéten van het vergrendelen")});
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0], "ok    Sleutels:                    ja");
+    EXPECT_EQ(lines[1], "ok    Wéten van het vergrendelen:  ja");
+}
+
 TEST(CheckReport, OnlyWhatLockingTakesDecides) {
     EXPECT_TRUE(canLock(findings(good())));
     EXPECT_TRUE(canLock(findings(with([](CheckFacts& facts) {

@@ -151,10 +151,14 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
-std::string padded(std::string text, std::size_t width) {
-    // In characters, not bytes: continuation bytes take no room.
-    const auto characters = static_cast<std::size_t>(std::ranges::count_if(
+std::size_t characterCount(std::string_view text) {
+    // Continuation bytes are none of their own.
+    return static_cast<std::size_t>(std::ranges::count_if(
         text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
+}
+
+std::string padded(std::string text, std::size_t width) {
+    const std::size_t characters = characterCount(text);
     if (characters < width) text.append(width - characters, ' ');
     return text;
 }

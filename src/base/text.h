@@ -34,6 +34,9 @@ inline constexpr std::string_view hexadecimalDigits = "0123456789ABCDEF";
 /// separators.
 [[nodiscard]] std::string printable(std::string_view text);
 
+/// How many characters `text` (UTF-8) has.
+[[nodiscard]] std::size_t characterCount(std::string_view text);
+
 /// `text` (UTF-8) with blanks behind it up to `width` characters, for columns.
 [[nodiscard]] std::string padded(std::string text, std::size_t width);
 
