@@ -103,12 +103,14 @@ TEST_F(PipeWireCamerasTest, ACameraIsInUseWhileSomebodyLooks) {
     const auto viewer = look("cam");
     EXPECT_EQ(soon(), true);
     viewer->stop();
-    // Before it is suspended, which the session's own server does some seconds later.
-    ASSERT_TRUE(becomesTrue([] {
+    // Before it is suspended, which the session's own server does some seconds later. GStreamer's
+    // ends with its last viewer from PipeWire 1.4 on.
+    ASSERT_TRUE(becomesTrue([&camera] {
         const auto dump = MediaSession::run({"pw-dump"});
-        return dump && dump->find("\"state\": \"idle\"") != std::string::npos;
+        const bool isIdle = dump && dump->find("\"state\": \"idle\"") != std::string::npos;
+        return isIdle || !camera->isRunning();
     }));
-    EXPECT_EQ(soon(), false);
+    EXPECT_TRUE(camera->isRunning() ? soon() == false : becomes(false));
 }
 
 TEST_F(PipeWireCamerasTest, ACameraThatRunsAlreadyIsKnownAtTheFirstQuestion) {
