@@ -46,6 +46,15 @@ std::string Message::builtIn() const {
                   [this](std::size_t place) { return places_[place].builtIn(); });
 }
 
+std::vector<std::string> Message::verbatim() const {
+    if (!isTranslated_ && places_.empty()) return {text_};
+    std::vector<std::string> all;
+    for (const Message& place : places_)
+        for (std::string& text : place.verbatim())
+            all.push_back(std::move(text));
+    return all;
+}
+
 std::ostream& operator<<(std::ostream& out, const Message& message) {
     return out << message.builtIn();
 }

@@ -37,11 +37,11 @@ public:
     Message() = default;
 
     /// What is the same in every language: a name, a number, what a system said.
-    Message(std::string verbatim) : text_(std::move(verbatim)) {} // NOLINT: meant to convert
-    Message(const char* verbatim) : text_(verbatim) {}            // NOLINT: meant to convert
+    Message(std::string text) : text_(std::move(text)) {} // NOLINT: meant to convert
+    Message(const char* text) : text_(text) {}            // NOLINT: meant to convert
     /// With places for what may not be the same.
-    Message(const char* verbatim, std::vector<Message> places)
-        : text_(verbatim),
+    Message(const char* text, std::vector<Message> places)
+        : text_(text),
           places_(std::move(places)) {}
 
     /// In the user's language, for the user's eyes.
@@ -51,6 +51,9 @@ public:
     [[nodiscard]] std::string builtIn() const;
 
     [[nodiscard]] bool isEmpty() const { return text_.empty(); }
+
+    /// What in it is the same in every language, in the order of the places: names and numbers.
+    [[nodiscard]] std::vector<std::string> verbatim() const;
 
     /// Whether the words are the same.
     friend bool operator==(const Message& one, const Message& other) {

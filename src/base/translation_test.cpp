@@ -1,40 +1,10 @@
 #include "base/translation.h"
 
+#include "tests/support/glossary.h"
+
 #include <gtest/gtest.h>
 
-#include <map>
-
 using namespace wegslot;
-
-namespace {
-
-/// Translates while it lives; of a text with a count the form is the last digit.
-class Glossary final : public Translations {
-public:
-    using Words = std::map<std::string, std::string, std::less<>>;
-
-    Glossary(std::initializer_list<Words::value_type> words) : words_(words) {
-        before_ = Translations::use(this);
-    }
-    Glossary(const Glossary&) = delete;
-    Glossary& operator=(const Glossary&) = delete;
-    ~Glossary() override { Translations::use(before_); }
-
-    [[nodiscard]] std::optional<std::string> find(std::string_view text) const override {
-        const auto found = words_.find(text);
-        return found == words_.end() ? std::nullopt : std::optional(found->second);
-    }
-    [[nodiscard]] std::optional<std::string> find(std::string_view one,
-                                                  unsigned long count) const override {
-        return find(std::string(one) + "#" + std::to_string(count));
-    }
-
-private:
-    Words words_;
-    const Translations* before_ = nullptr;
-};
-
-} // namespace
 
 TEST(Translation, WithoutACatalogueTextsAreAsTheyStand) {
     EXPECT_EQ(translated("Nu locken"), "Nu locken");
@@ -81,4 +51,14 @@ TEST(Translation, TheFormIsTheLanguagesOwn) {
 TEST(Translation, MessagesAreTheSameWhenTheirWordsAre) {
     EXPECT_EQ(message("Pauze: %1", {"nu"}), Message("Pauze: nu"));
     EXPECT_NE(message("Pauze: %1", {"nu"}), message("Pauze: %1", {"straks"}));
+}
+
+TEST(Translation, WhatIsTheSameInEveryLanguageCanBeToldApart) {
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(message("Camera is in gebruik").verbatim(), Texts{});
+    EXPECT_EQ(Message("Ans").verbatim(), Texts{"Ans"});
+    const Message all = message("%1, %2", {"Ans", "Bo"});
+    EXPECT_EQ(message("%1 en %2 (%3)", {all, "Cas", message("weg")}).verbatim(),
+              (Texts{"Ans", "Bo", "Cas"}));
+    EXPECT_EQ(counted("%1 dag", "%1 dagen", 2, {"2"}).verbatim(), Texts{"2"});
 }

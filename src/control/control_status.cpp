@@ -33,10 +33,10 @@ std::optional<std::uint32_t> secondsIn(std::string_view unit) {
 
 } // namespace
 
-Status status(const Sources& sources) {
-    const Phase& phase = sources.monitor.phase().get();
+Status status(const Sources& sources, const Phase& phase, const Reason& reason) {
     Status status{.phase = std::string(name(phase)),
                   .text = text(phase, sources.clockTime).builtIn(),
+                  .reason = reason,
                   .pausedUntil = pausedUntil(phase, sources.clock),
                   .keys = {}};
     const KeyStates& states = sources.monitor.keyStates().get();
@@ -69,15 +69,17 @@ Nearby nearby(const Scanner& scanner, bool others) {
 }
 
 Change change(const Sources& sources, const Phase& next) {
+    const Message why = phaseReason({.before = sources.monitor.phase().get(),
+                                     .after = next,
+                                     .cause = sources.monitor.cause(),
+                                     .snoozeIsManual = sources.monitor.snoozeIsManual().get(),
+                                     .keys = sources.settings.keys.get(),
+                                     .states = sources.monitor.keyStates().get()});
     return {.phase = std::string(name(next)),
             .text = text(next, sources.clockTime).builtIn(),
-            .reason = phaseReason({.before = sources.monitor.phase().get(),
-                                   .after = next,
-                                   .cause = sources.monitor.cause(),
-                                   .snoozeIsManual = sources.monitor.snoozeIsManual().get(),
-                                   .keys = sources.settings.keys.get(),
-                                   .states = sources.monitor.keyStates().get()})
-                          .builtIn()};
+            .why = why.builtIn(),
+            .reason = reasonOf(why),
+            .pausedUntil = pausedUntil(next, sources.clock)};
 }
 
 Result<std::uint32_t> pauseDuration(std::string_view text) {

@@ -7,6 +7,7 @@
 #include "base/result.h"
 #include "base/time.h"
 #include "base/uuid.h"
+#include "control/reason.h"
 #include "model/settings.h"
 #include "monitor/key_state.h"
 #include "monitor/monitor.h"
@@ -43,6 +44,7 @@ struct Key {
 struct Status {
     std::string phase;                       ///< the case alone: "waitingForReturn"
     std::string text;                        ///< Dutch, for a person
+    Reason reason;                           ///< why it was entered; of an older one without a code
     std::optional<std::int64_t> pausedUntil; ///< seconds since 1970, on the wall's clock
     std::vector<Key> keys;
 
@@ -71,12 +73,14 @@ struct Nearby {
 struct Change {
     std::string phase;
     std::string text;
-    std::string reason; ///< Dutch
+    std::string why; ///< Dutch
+    Reason reason;   ///< the same
+    std::optional<std::int64_t> pausedUntil;
 
     friend bool operator==(const Change&, const Change&) = default;
 };
 
-/// What a status is made of; all must outlive the use.
+/// What changes are made of; all must outlive the use.
 struct Sources {
     const Settings& settings;
     const Scanner& scanner;
@@ -85,7 +89,8 @@ struct Sources {
     const ClockTime& clockTime;
 };
 
-[[nodiscard]] Status status(const Sources& sources);
+/// `phase`: the one that is told; `reason`: why it was entered.
+[[nodiscard]] Status status(const Sources& sources, const Phase& phase, const Reason& reason);
 
 /// As of the scanner's last list, no more than `mostDevices`. Without `others`: what is Apple's or
 /// a key.

@@ -15,13 +15,17 @@ struct ControlStatusTest : testing::Test {
     [[nodiscard]] control::Sources sources() {
         return {world.settings(), world.scanner(), world.monitor(), world.time, clockTime};
     }
-    [[nodiscard]] control::Status status() { return control::status(sources()); }
+    [[nodiscard]] control::Status status() {
+        return control::status(sources(), world.monitor().phase().get(), {});
+    }
 
     /// The changes from here on.
     void follow() {
         following = world.monitor().phase().onChange([this](const Phase& next) {
             const control::Change change = control::change(sources(), next);
-            changes.push_back(change.phase + ": " + change.reason);
+            changes.push_back(change.phase + ": " + change.why);
+            // Whatever it is, it can be told as a code too.
+            EXPECT_EQ(control::words(change.reason), std::optional<Message>(change.why));
         });
     }
     [[nodiscard]] std::vector<std::string> told() { return std::exchange(changes, {}); }

@@ -1,6 +1,7 @@
 #include "control/control_text.h"
 
 #include "base/text.h"
+#include "control/told_phase.h"
 
 #include <nlohmann/json.hpp>
 
@@ -46,6 +47,12 @@ Json json(const std::vector<Key>& keys) {
     return list;
 }
 
+/// Of a status or a change.
+std::string phaseText(const auto& told, const ClockTime& wallTime) {
+    const auto text = toldPhase(told.phase, told.reason, told.pausedUntil, wallTime);
+    return printable(text ? text->translated() : told.text);
+}
+
 /// Whatever bytes a name has, there is an answer.
 std::string line(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -53,8 +60,8 @@ std::string line(const Json& value) {
 
 } // namespace
 
-std::string statusText(const Status& status) {
-    std::string text = printable(status.text);
+std::string statusText(const Status& status, const ClockTime& wallTime) {
+    std::string text = phaseText(status, wallTime);
     for (const Key& key : status.keys)
         text += "\n  " + row(key);
     return text;
@@ -77,9 +84,10 @@ std::vector<std::string> nearbyLines(const Nearby& nearby) {
     return lines;
 }
 
-std::string changeText(const Change& change, std::string_view clock) {
-    return std::string(clock) + "  " + padded(printable(change.text), 36) + "  " +
-           printable(change.reason);
+std::string changeText(const Change& change, std::string_view clock, const ClockTime& wallTime) {
+    const auto why = words(change.reason);
+    return std::string(clock) + "  " + padded(phaseText(change, wallTime), 36) + "  " +
+           printable(why ? why->translated() : change.why);
 }
 
 std::string identityAddedText(std::string_view name, Dbm threshold) {
@@ -112,7 +120,7 @@ std::string changeJson(const Change& change, std::int64_t instant) {
     return line({{"time", instant},
                  {"phase", change.phase},
                  {"text", change.text},
-                 {"reason", change.reason}});
+                 {"reason", change.why}});
 }
 
 } // namespace wegslot::control

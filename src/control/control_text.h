@@ -9,8 +9,11 @@
 
 namespace wegslot::control {
 
+// In the reader's language, except for what only a newer or an older Wegslot could put into words.
+// `wallTime` writes instants of the clock on the wall.
+
 /// The state, then a line a key. Several lines, without the last line feed.
-[[nodiscard]] std::string statusText(const Status& status);
+[[nodiscard]] std::string statusText(const Status& status, const ClockTime& wallTime);
 
 /// A line a key, its id first; says so when there are none.
 [[nodiscard]] std::string keysText(const Status& status);
@@ -19,7 +22,8 @@ namespace wegslot::control {
 [[nodiscard]] std::vector<std::string> nearbyLines(const Nearby& nearby);
 
 /// `clock`: "14:02:11", when it was heard of.
-[[nodiscard]] std::string changeText(const Change& change, std::string_view clock);
+[[nodiscard]] std::string changeText(const Change& change, std::string_view clock,
+                                     const ClockTime& wallTime);
 
 /// For how long somebody who added an identity waits for its device to be heard: a phone whose
 /// screen is off may be silent for most of a minute.
@@ -31,7 +35,7 @@ inline constexpr Nanoseconds identityPatience = std::chrono::seconds{60};
 [[nodiscard]] std::string identityUnheardText(std::string_view name);
 
 // One JSON object (an array for keys) on one line. Numbers are dBm; "rssi" and "pausedUntil"
-// (seconds since 1970) are null where there are none.
+// (seconds since 1970) are null where there are none. Dutch, as they were told.
 
 [[nodiscard]] std::string statusJson(const Status& status);
 [[nodiscard]] std::string keysJson(const Status& status);

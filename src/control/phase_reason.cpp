@@ -1,9 +1,14 @@
 #include "control/phase_reason.h"
 
+#include "control/reason.h"
 #include "monitor/away_message.h"
 
 namespace wegslot {
 namespace {
+
+Message said(const char* code) {
+    return control::words({.code = code, .arguments = {}}).value_or(Message{});
+}
 
 struct ReasonOf {
     const PhaseChange& change;
@@ -11,32 +16,28 @@ struct ReasonOf {
     Message operator()(const phase::BluetoothUnavailable& phase) const { return phase.text; }
     Message operator()(const phase::Paused& phase) const { return phase.text; }
     Message operator()(const phase::Snoozed&) const {
-        return change.snoozeIsManual ? message("Pauze gevraagd")
-                                     : message("Waarschuwing geannuleerd");
+        return change.snoozeIsManual ? said("pauseAsked") : said("warningCancelled");
     }
     Message operator()(const phase::Warning&) const { return away(); }
-    Message operator()(const phase::Disabled&) const { return message("Bewaking uitgezet"); }
-    Message operator()(const phase::NoKeys&) const { return message("Geen sleutels"); }
+    Message operator()(const phase::Disabled&) const { return said("switchedOff"); }
+    Message operator()(const phase::NoKeys&) const { return said("noKeys"); }
     Message operator()(const phase::WaitingForReturn&) const {
-        if (change.cause == PhaseCause::screen) return message("Scherm ontgrendeld");
-        if (lockFailed(change.before, change.after, change.cause))
-            return message("Geen bevestiging van lock ontvangen");
-        return message("Bewaking begint");
+        if (change.cause == PhaseCause::screen) return said("screenUnlocked");
+        if (lockFailed(change.before, change.after, change.cause)) return said("lockNotConfirmed");
+        return said("guardBegins");
     }
-    Message operator()(const phase::Present&) const { return message("Sleutel in de buurt"); }
-    Message operator()(const phase::Leaving&) const {
-        return message("Sleutel niet meer dichtbij");
-    }
+    Message operator()(const phase::Present&) const { return said("keyNear"); }
+    Message operator()(const phase::Leaving&) const { return said("keyNotNear"); }
     Message operator()(const phase::Locked&) const {
         switch (change.cause) {
         case PhaseCause::judgement:
             return away();
         case PhaseCause::request:
-            return message("Lock gevraagd");
+            return said("lockAsked");
         case PhaseCause::screen:
             break;
         }
-        return message("Scherm gelockt");
+        return said("screenLocked");
     }
 
     [[nodiscard]] Message away() const { return awayMessage(change.keys, change.states); }

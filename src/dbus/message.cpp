@@ -155,6 +155,15 @@ bool Reader::structures(const char* contents, const std::function<void(Reader& f
     return true;
 }
 
+bool Reader::structure(const char* contents, const std::function<void(Reader& fields)>& visit) {
+    if (!nextIs('r', contents) || sd_bus_message_enter_container(message_, 'r', contents) <= 0)
+        return false;
+    visit(*this);
+    skipRest();
+    sd_bus_message_exit_container(message_);
+    return true;
+}
+
 bool Reader::variant(const std::function<void(Reader& value)>& visit) {
     char type = 0;
     const char* contents = nullptr;

@@ -54,6 +54,10 @@ public:
     /// Walks a list of structures, each of `contents`: a signature without its brackets.
     bool structures(const char* contents, const std::function<void(Reader& fields)>& visit);
 
+    /// Enters a structure of `contents`, a signature without its brackets. False when the next
+    /// value is none such.
+    bool structure(const char* contents, const std::function<void(Reader& fields)>& visit);
+
     /// Enters a variant for one value. False when the next value is none.
     bool variant(const std::function<void(Reader& value)>& visit);
 

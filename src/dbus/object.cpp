@@ -50,10 +50,17 @@ int callMethod(sd_bus_message* call, void* data, sd_bus_error* error) {
 sd_bus_vtable entryOf(const Property& property) {
     const char* const name = property.name.c_str();
     const char* const signature = property.signature.c_str();
-    if (property.telling == Telling::none)
-        return SD_BUS_PROPERTY(name, signature, getProperty, 0, 0);
-    return SD_BUS_PROPERTY(name, signature, getProperty, 0,
-                           SD_BUS_VTABLE_PROPERTY_EMITS_INVALIDATION);
+    switch (property.telling) {
+    case Telling::none:
+        break;
+    case Telling::ofChanges:
+        return SD_BUS_PROPERTY(name, signature, getProperty, 0,
+                               SD_BUS_VTABLE_PROPERTY_EMITS_INVALIDATION);
+    case Telling::ofValues:
+        return SD_BUS_PROPERTY(name, signature, getProperty, 0,
+                               SD_BUS_VTABLE_PROPERTY_EMITS_CHANGE);
+    }
+    return SD_BUS_PROPERTY(name, signature, getProperty, 0, 0);
 }
 
 std::vector<sd_bus_vtable> tableOf(const Interface& interface) {
@@ -110,8 +117,8 @@ void emitSignal(Bus& bus, const std::string& path, const std::string& interface,
     if (writer.isWhole()) sd_bus_send(bus.native(), signal, nullptr);
 }
 
-void emitInvalidated(Bus& bus, const std::string& path, const std::string& interface,
-                     const std::vector<std::string>& properties) {
+void emitChanged(Bus& bus, const std::string& path, const std::string& interface,
+                 const std::vector<std::string>& properties) {
     std::vector<std::string> names = properties; // the library takes a list that it may write to
     std::vector<char*> list;
     for (std::string& name : names)

@@ -14,8 +14,12 @@
 
 namespace wegslot::dbus {
 
-/// Whether a change of a property can be told of; see `emitInvalidated`.
-enum class Telling { none, ofChanges };
+/// What can be told of a property that has changed; see `emitChanged`.
+enum class Telling {
+    none,
+    ofChanges, ///< that it did: whoever cares reads it anew
+    ofValues,  ///< what it is now
+};
 
 struct Property {
     std::string name;
@@ -51,10 +55,10 @@ struct Interface {
 void emitSignal(Bus& bus, const std::string& path, const std::string& interface,
                 const std::string& member, const Writer::Fill& fill = {});
 
-/// Tells that these properties of a shown object have changed, without their values: whoever
-/// cares reads them anew. Each must have been declared as one that tells.
-void emitInvalidated(Bus& bus, const std::string& path, const std::string& interface,
-                     const std::vector<std::string>& properties);
+/// Tells, in one signal, that these properties of a shown object have changed. Each must have been
+/// declared as one that tells, and those that tell their values are read for it.
+void emitChanged(Bus& bus, const std::string& path, const std::string& interface,
+                 const std::vector<std::string>& properties);
 
 /// Has the object at `path` list the objects below it (org.freedesktop.DBus.ObjectManager).
 [[nodiscard]] Subscription exportObjectManager(Bus& bus, const std::string& path);

@@ -8,6 +8,10 @@ Message awayMessage(const std::vector<KeyDevice>& keys, const KeyStates& states)
         const auto state = states.find(key.id);
         if (state != states.end() && state->second == KeyState::away) names.push_back(key.name);
     }
+    return awayMessage(names);
+}
+
+Message awayMessage(const std::vector<Message>& names) {
     if (names.empty()) return message("Je bent buiten bereik");
     if (names.size() == 1) return message("%1 is buiten bereik", names);
     if (names.size() == 2) return message("%1 en %2 zijn buiten bereik", names);

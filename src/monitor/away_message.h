@@ -9,6 +9,9 @@
 
 namespace wegslot {
 
+/// For the names of those that are away.
+[[nodiscard]] Message awayMessage(const std::vector<Message>& names);
+
 /// Names the keys that are judged away, in the order of the list. A key without a judgement is
 /// not named.
 [[nodiscard]] Message awayMessage(const std::vector<KeyDevice>& keys, const KeyStates& states);

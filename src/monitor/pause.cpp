@@ -6,7 +6,11 @@ namespace {
 struct Text {
     Message operator()(const pause::Active&) const { return message("Je gebruikt je Mac"); }
 
-    Message operator()(const pause::Meeting& meeting) const { return meeting.text; }
+    Message operator()(const pause::Camera&) const { return message("Camera is in gebruik"); }
+
+    Message operator()(const pause::Microphone& microphone) const {
+        return message("Microfoon in gebruik door %1", {microphone.user});
+    }
 };
 
 } // namespace
@@ -41,9 +45,8 @@ std::optional<PauseReason> pauseReason(const Settings& settings, ActivityDetecto
     if (settings.pauseWhileActive.get() && activity.idleSeconds() < activityWindow)
         return pause::Active{};
     if (!settings.pauseDuringMeetings.get()) return std::nullopt;
-    if (activity.cameraInUse()) return pause::Meeting{message("Camera is in gebruik")};
-    if (const auto user = activity.microphoneUser())
-        return pause::Meeting{message("Microfoon in gebruik door %1", {*user})};
+    if (activity.cameraInUse()) return pause::Camera{};
+    if (const auto user = activity.microphoneUser()) return pause::Microphone{*user};
     return std::nullopt;
 }
 

@@ -9,6 +9,7 @@
 #include "platform/activity_detector.h"
 
 #include <optional>
+#include <string>
 #include <variant>
 
 namespace wegslot {
@@ -44,15 +45,20 @@ struct Active {
     friend bool operator==(const Active&, const Active&) = default;
 };
 
-/// A camera or microphone is in use; `text` says which.
-struct Meeting {
-    Message text;
-    friend bool operator==(const Meeting&, const Meeting&) = default;
+/// Somebody may be seeing the user.
+struct Camera {
+    friend bool operator==(const Camera&, const Camera&) = default;
+};
+
+/// Somebody may be hearing the user, by means of the program named.
+struct Microphone {
+    std::string user;
+    friend bool operator==(const Microphone&, const Microphone&) = default;
 };
 
 } // namespace pause
 
-using PauseReason = std::variant<pause::Active, pause::Meeting>;
+using PauseReason = std::variant<pause::Active, pause::Camera, pause::Microphone>;
 
 /// The user counts as active when the last input is less than this old.
 inline constexpr Seconds activityWindow{10.0};

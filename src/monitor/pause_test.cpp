@@ -32,9 +32,9 @@ TEST_F(PauseReasonTest, AnUnknownIdleTimeIsNeverActive) { EXPECT_EQ(reason(), st
 
 TEST_F(PauseReasonTest, AMeetingIsNamed) {
     world.activity.setMicrophone("Vergaderapp");
-    EXPECT_EQ(reason(), PauseReason{pause::Meeting{"Microfoon in gebruik door Vergaderapp"}});
+    EXPECT_EQ(reason(), PauseReason{pause::Microphone{"Vergaderapp"}});
     world.activity.setCamera(true);
-    EXPECT_EQ(reason(), PauseReason{pause::Meeting{"Camera is in gebruik"}}); // the camera wins
+    EXPECT_EQ(reason(), PauseReason{pause::Camera{}}); // the camera wins
     world.activity.touch();
     EXPECT_EQ(reason(), PauseReason{pause::Active{}}); // hands win over both
 }
@@ -43,7 +43,7 @@ TEST_F(PauseReasonTest, ASwitchedOffReasonIsNotGiven) {
     world.activity.touch();
     world.activity.setCamera(true);
     settings.pauseWhileActive.set(false);
-    EXPECT_EQ(reason(), PauseReason{pause::Meeting{"Camera is in gebruik"}});
+    EXPECT_EQ(reason(), PauseReason{pause::Camera{}});
     settings.pauseDuringMeetings.set(false);
     EXPECT_EQ(reason(), std::nullopt);
     settings.pauseWhileActive.set(true);
@@ -52,7 +52,8 @@ TEST_F(PauseReasonTest, ASwitchedOffReasonIsNotGiven) {
 
 TEST_F(PauseReasonTest, HasATextForThePhase) {
     EXPECT_EQ(text(pause::Active{}), "Je gebruikt je Mac");
-    EXPECT_EQ(text(pause::Meeting{"Camera is in gebruik"}), "Camera is in gebruik");
+    EXPECT_EQ(text(pause::Camera{}), "Camera is in gebruik");
+    EXPECT_EQ(text(pause::Microphone{"Vergaderapp"}), "Microfoon in gebruik door Vergaderapp");
 }
 
 TEST(Snooze, AManualOneHoldsUntilItsTimeWhoeverIsNear) {

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "log/log.h"
 #include "scanner/log_name.h"
+#include "scanner/radio_words.h"
 
 #include <array>
 #include <utility>
@@ -22,26 +23,12 @@ Scanner::Scanner(BluetoothCentral& central, Scheduler& scheduler, const Clock& c
 Scanner::~Scanner() { central_.setDelegate(nullptr); }
 
 Message Scanner::stateDescription() const {
-    const Message noAccess = message("Geef Wegslot Bluetooth-toegang in Systeeminstellingen");
     const auto authorization = central_.authorization();
     if (authorization == CentralAuthorization::restricted ||
         authorization == CentralAuthorization::denied)
-        return noAccess;
+        return radioWords(CentralState::unauthorized);
     if (auto words = central_.stateWords()) return *std::move(words);
-    switch (state_.get()) {
-    case CentralState::unsupported:
-        return message("Bluetooth LE wordt niet ondersteund");
-    case CentralState::unauthorized:
-        return noAccess;
-    case CentralState::poweredOff:
-        return message("Bluetooth staat uit");
-    case CentralState::poweredOn:
-        return message("Bluetooth staat aan");
-    case CentralState::unknown:
-    case CentralState::resetting:
-        break;
-    }
-    return message("Bluetooth wordt gestart");
+    return radioWords(state_.get());
 }
 
 void Scanner::refreshSnapshot() {

@@ -182,6 +182,11 @@ void ask(unsigned question, dbus::Reader& reader, bluez::ObjectTree& tree, bluez
         return nothing(reader.interfaces([&](std::string_view name, dbus::Reader& properties) {
             readInterface("/org/bluez/hci0/dev_1", name, properties, tree, gatt);
         }));
+    case 14:
+        return nothing(reader.structure("sas", [](dbus::Reader& fields) {
+            static_cast<void>(fields.text());
+            static_cast<void>(fields.texts());
+        }));
     default:
         return nothing(reader.objects([&](std::string_view path, dbus::Reader& interfaces) {
             interfaces.interfaces([&](std::string_view name, dbus::Reader& properties) {
@@ -195,7 +200,7 @@ void ask(unsigned question, dbus::Reader& reader, bluez::ObjectTree& tree, bluez
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr unsigned deepest = 4;
-    constexpr unsigned questions = 15;
+    constexpr unsigned questions = 16;
     static sd_bus* const bus = unconnectedBus();
     Input bytes(data, size);
     sd_bus_message* message = nullptr;

@@ -66,6 +66,32 @@ struct ControlServiceTest : testing::Test {
     }
     std::string pause(std::uint32_t seconds) { return ask("Pause", {seconds}); }
 
+    /// "code name name" of what is said of a change or of the property.
+    static std::string reasonIn(dbus::Reader& value) {
+        std::string text;
+        value.structure("sas", [&text](dbus::Reader& fields) {
+            text = fields.text().value_or("");
+            for (const std::string& name : fields.texts())
+                text += " " + name;
+        });
+        return text;
+    }
+    std::string reason() {
+        std::optional<std::string> said;
+        const auto asking = program->call(
+            {.destination = session.bus().get()->uniqueName(),
+             .path = Activation::path,
+             .interface = "org.freedesktop.DBus.Properties",
+             .member = "Get",
+             .arguments = {std::string(control::interfaceName), std::string("Reason")}},
+            [&said](const dbus::Message& answer) {
+                auto reader = answer.read();
+                reader.variant([&said](dbus::Reader& value) { said = reasonIn(value); });
+            });
+        EXPECT_TRUE(loop.runUntil([&said] { return said.has_value(); }));
+        return said.value_or("no answer");
+    }
+
     bool logs(const std::string& beginning) {
         return std::ranges::any_of(world.log.messages, [&beginning](const std::string& line) {
             return line.starts_with(beginning);
@@ -105,4 +131,70 @@ TEST_F(ControlServiceTest, WhoAskedIsNamedByItsExecutableAndItsGroupToo) {
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
     EXPECT_TRUE(logs("Pauze van 900 s gevraagd door bus_tests (" + self + " in /"))
         << world.log.messages.back();
+}
+
+TEST_F(ControlServiceTest, TheReasonIsOfThePhaseThatHoldsHoweverItCame) {
+    EXPECT_EQ(reason(), "guardBegins");
+    world.hearApple(1, -50);
+    world.pass(1s);
+    EXPECT_EQ(reason(), "keyNear");
+    EXPECT_EQ(pause(900), "");
+    EXPECT_EQ(reason(), "pauseAsked");
+    EXPECT_EQ(ask("Resume"), "");
+    world.monitor().lockNow();
+    EXPECT_EQ(reason(), "lockAsked");
+    world.central.setState(CentralState::poweredOff);
+    world.pass(1s);
+    EXPECT_EQ(reason(), "bluetoothOff");
+}
+
+TEST_F(ControlServiceTest, EachChangeIsToldWithAllItsValuesBeforeItsSignal) {
+    world.settings().keys.set({keyNamed("Telefoon", 1), keyNamed("Horloge\n", 2)});
+    world.hearApple(1, -50);
+    world.hearApple(2, -50);
+    world.pass(1s);
+    loop.settle();
+    std::vector<std::string> told;
+    const auto properties =
+        program->onSignal(session.bus().get()->uniqueName(),
+                          {.interface = "org.freedesktop.DBus.Properties",
+                           .member = "PropertiesChanged",
+                           .path = Activation::path},
+                          [&told](const dbus::Message& signal) {
+                              auto reader = signal.read();
+                              static_cast<void>(reader.text());
+                              std::string all;
+                              reader.properties([&all](std::string_view name, dbus::Reader& value) {
+                                  all += std::string(name) + "=";
+                                  if (name == "Reason") all += reasonIn(value);
+                                  if (const auto text = value.text()) all += *text;
+                                  if (const auto number = value.integer())
+                                      all += std::to_string(*number);
+                                  all += ";";
+                              });
+                              told.push_back(all);
+                          });
+    const auto changes =
+        program->onSignal(session.bus().get()->uniqueName(),
+                          {.interface = control::interfaceName, .member = "PhaseChanged"},
+                          [&told](const dbus::Message& signal) {
+                              told.emplace_back(signal.read().text().value_or(""));
+                          });
+    loop.settle();
+    while (!is<phase::Warning>(world.phase()))
+        world.pass(1s);
+    world.monitor().pause(Seconds{60});
+    const auto until = world.time.wallClock() + 60s;
+    const auto end = std::chrono::duration_cast<std::chrono::seconds>(until.time_since_epoch());
+    loop.settle();
+    EXPECT_EQ(
+        told,
+        (std::vector<std::string>{
+            "Phase=leaving;Text=Signaal zwak, even afwachten;Reason=keyNotNear;PausedUntil=0;",
+            "leaving",
+            "Phase=warning;Text=Lockt zo;Reason=keysAway Telefoon Horloge\uFFFD;PausedUntil=0;",
+            "warning",
+            "Phase=snoozed;Text=Gepauzeerd tot 12:00;Reason=pauseAsked;PausedUntil=" +
+                std::to_string(end.count()) + ";",
+            "snoozed"}));
 }

@@ -159,14 +159,42 @@ TEST_F(ExportedObjectTest, ChangesAreToldOfWithoutTheirValue) {
                             told += std::to_string(*message.read().integer());
                         });
     loop.settle();
-    dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Level"});
-    dbus::emitInvalidated(*ours, "/lamp", "nl.example.Lamp", {"Steps"}); // does not tell
+    dbus::emitChanged(*ours, "/lamp", "nl.example.Lamp", {"Level"});
+    dbus::emitChanged(*ours, "/lamp", "nl.example.Lamp", {"Steps"}); // does not tell
     dbus::emitSignal(*ours, "/lamp", "nl.example.Lamp", "Flickered",
                      [](dbus::Writer& writer) { writer.int32(-3); });
     dbus::emitSignal(*ours, "/lamp", "nl.example.Lamp", "Flickered",
                      [](dbus::Writer& writer) { writer.text("\xFF"); }); // cannot be sent
     loop.settle();
     EXPECT_EQ(told, "Level-3");
+}
+
+TEST_F(ExportedObjectTest, AChangeIsToldOfWithTheValueWhereThePropertyTellsIt) {
+    auto interface = lamp();
+    interface.properties[0].telling = dbus::Telling::ofValues;
+    const auto shown = dbus::exportObject(*ours, "/lamp", interface);
+    loop.settle(); // which names the connections
+    std::vector<std::string> told;
+    const auto changes = other->onSignal(
+        ours->uniqueName(),
+        {.interface = "org.freedesktop.DBus.Properties",
+         .member = "PropertiesChanged",
+         .path = "/lamp"},
+        [&told](const dbus::Message& message) {
+            auto reader = message.read();
+            static_cast<void>(reader.text());
+            EXPECT_TRUE(reader.properties([&told](std::string_view name, dbus::Reader& value) {
+                told.push_back(std::string(name) + " " + text(value));
+            }));
+            EXPECT_EQ(reader.texts(), std::vector<std::string>{});
+        });
+    loop.settle();
+    for (const char* const next : {"hoog", "\xFF", "laag"}) { // the second cannot be sent
+        level = next;
+        dbus::emitChanged(*ours, "/lamp", "nl.example.Lamp", {"Level"});
+    }
+    loop.settle();
+    EXPECT_EQ(told, (std::vector<std::string>{"Level hoog", "Level laag"}));
 }
 
 TEST_F(ExportedObjectTest, AManagerListsWhatIsBelowItAndTellsOfChanges) {

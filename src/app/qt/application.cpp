@@ -31,6 +31,7 @@
 #include "recording/linux/descriptor_sink.h"
 #include "stage/staged_platform.h"
 #include "ui/linux/autostart_item.h"
+#include "ui/qt/local_clock_time.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -202,7 +203,7 @@ int ask(control::Request request, const Clock& clock, Scheduler& scheduler,
     const Handle driving = pump(**bus, [] { QCoreApplication::exit(EXIT_FAILURE); });
     GoingOn output;
     const ControlClient client(
-        **bus, clock, scheduler, std::move(request),
+        **bus, clock, wallClockTime(), scheduler, std::move(request),
         {.print = output.printer(),
          .complain = [](std::string_view line) { complain(std::string(line)); },
          .end = [](int status) { QCoreApplication::exit(status); }},

@@ -49,11 +49,21 @@ control::Nearby readNearbyFrom(dbus::Reader& answer) {
     return nearby;
 }
 
+control::Reason readReason(dbus::Reader& value) {
+    control::Reason reason;
+    value.structure("sas", [&reason](dbus::Reader& fields) {
+        reason.code = textOf(fields);
+        reason.arguments = fields.texts();
+    });
+    return reason;
+}
+
 control::Status readStatusFrom(dbus::Reader& answer) {
     control::Status status;
     answer.properties([&status](std::string_view property, dbus::Reader& value) {
         if (property == "Phase") status.phase = textOf(value);
         if (property == "Text") status.text = textOf(value);
+        if (property == "Reason") status.reason = readReason(value);
         if (property == "PausedUntil") status.pausedUntil = value.integer();
         if (property == "Keys")
             value.interfaces([&status](std::string_view id, dbus::Reader& fields) {
@@ -75,7 +85,7 @@ struct ControlClient::Ask {
         if (request.follow) client.follow(request.json);
         client.readStatus([this_ = &client, request](const control::Status& status) {
             this_->output_.print(request.json ? control::statusJson(status)
-                                              : control::statusText(status));
+                                              : control::statusText(status, this_->wallTime_));
             this_->statusIsTold_ = true;
             if (!request.follow) this_->end(EXIT_SUCCESS);
         });
@@ -132,10 +142,12 @@ struct ControlClient::Ask {
     }
 };
 
-ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, Scheduler& scheduler,
-                             control::Request request, Output output, Failed absence)
+ControlClient::ControlClient(dbus::Bus& bus, const Clock& clock, ClockTime wallTime,
+                             Scheduler& scheduler, control::Request request, Output output,
+                             Failed absence)
     : bus_(bus),
       clock_(clock),
+      wallTime_(std::move(wallTime)),
       scheduler_(scheduler),
       request_(std::move(request)),
       output_(std::move(output)),
@@ -178,20 +190,32 @@ void ControlClient::readStatus(std::function<void(const control::Status&)> done)
 }
 
 void ControlClient::follow(bool json) {
+    // A change of phase is told of by its properties and then by a signal of its own, which alone
+    // is what older ones send.
+    const dbus::SignalMatch properties{.interface = "org.freedesktop.DBus.Properties",
+                                       .member = "PropertiesChanged",
+                                       .path = Activation::path};
+    told_ = bus_.onSignal(owner_, properties, [this](const dbus::Message& signal) {
+        auto reader = signal.read();
+        if (reader.text() == control::interfaceName) next_ = readStatusFrom(reader);
+    });
     const dbus::SignalMatch changes{
         .interface = control::interfaceName, .member = "PhaseChanged", .path = Activation::path};
     changes_ = bus_.onSignal(owner_, changes, [this, json](const dbus::Message& signal) {
+        const control::Status told = std::exchange(next_, {});
         if (!statusIsTold_) return; // what came before the answer is in it
         auto reader = signal.read();
         control::Change change;
-        for (std::string* const field : {&change.phase, &change.text, &change.reason})
+        for (std::string* const field : {&change.phase, &change.text, &change.why})
             *field = textOf(reader);
+        change.reason = told.reason;
+        change.pausedUntil = told.pausedUntil;
         const TimePoint now = clock_.wallClock();
         constexpr std::size_t date = 11; // "2026-11-15 "
         const auto instant =
             std::chrono::duration_cast<std::chrono::seconds>(now.time_since_epoch()).count();
         output_.print(json ? control::changeJson(change, instant)
-                           : control::changeText(change, localText(now).substr(date)));
+                           : control::changeText(change, localText(now).substr(date), wallTime_));
     });
 }
 
@@ -238,6 +262,7 @@ void ControlClient::fail(const Failed& failed) {
 
 void ControlClient::end(int status) {
     owners_.reset();
+    told_.reset();
     changes_.reset();
     again_.reset();
     const auto act = output_.end; // a copy: it may end this

@@ -35,9 +35,9 @@ public:
         std::function<void(int status)> end;
     };
 
-    /// `bus` must be driven, and outlive this. `absence`: the message and the status when no
-    /// Wegslot is to be found there.
-    ControlClient(dbus::Bus& bus, const Clock& clock, Scheduler& scheduler,
+    /// `bus` must be driven, and outlive this. `wallTime` writes instants of the clock on the wall.
+    /// `absence`: the message and the status when no Wegslot is to be found there.
+    ControlClient(dbus::Bus& bus, const Clock& clock, ClockTime wallTime, Scheduler& scheduler,
                   control::Request request, Output output, Failed absence = absent());
     ControlClient(const ControlClient&) = delete;
     ControlClient& operator=(const ControlClient&) = delete;
@@ -57,16 +57,19 @@ private:
 
     dbus::Bus& bus_;
     const Clock& clock_;
+    ClockTime wallTime_;
     Scheduler& scheduler_;
     control::Request request_;
     Output output_;
     Failed absence_;
     std::string owner_;
     bool statusIsTold_ = false;
+    control::Status next_; ///< what was told of the change of phase that follows
     bool listIsExplained_ = false;
     bool identityIsTold_ = false;
     std::function<void()> takeBack_; ///< what was kept and is not taken yet
     Subscription calling_;
+    Subscription told_;
     Subscription changes_;
     Subscription owners_;
     Timer again_;

@@ -42,6 +42,16 @@ void writeDevice(dbus::Writer& entries, const control::Device& device) {
           [&](dbus::Writer& value) { value.boolean(device.changesAddress); });
 }
 
+void writeReason(dbus::Writer& value, const control::Reason& reason) {
+    value.structure("sas", [&reason](dbus::Writer& fields) {
+        fields.text(reason.code);
+        fields.array("s", [&reason](dbus::Writer& list) {
+            for (const std::string& argument : reason.arguments)
+                list.text(printable(argument));
+        });
+    });
+}
+
 void writeKeys(dbus::Writer& value, const std::vector<control::Key>& keys) {
     value.array("{sa{sv}}", [&keys](dbus::Writer& list) {
         for (const control::Key& key : keys)
@@ -70,6 +80,8 @@ void writeNearby(dbus::Writer& answer, const control::Nearby& nearby) {
 ControlService::ControlService(dbus::Connection& sessionBus, const control::Sources& sources,
                                Actions actions)
     : sources_(sources),
+      phase_(sources.monitor.phase().get()),
+      reason_(control::change(sources, phase_).reason),
       actions_(std::move(actions)) {
     phases_ = sources_.monitor.phase().onChange([this](const Phase& next) { phaseChanged(next); });
     persons_ = sources_.monitor.asked().onChange([this](const UserAction&) {
@@ -86,16 +98,23 @@ void ControlService::busChanged(dbus::Bus* bus) {
 }
 
 void ControlService::phaseChanged(const Phase& next) {
-    if (bus_ == nullptr) return;
     const control::Change change = control::change(sources_, next);
+    phase_ = next;
+    reason_ = change.reason;
+    if (bus_ == nullptr) return;
+    // In this order: who follows the signal then knows all of the change.
+    dbus::emitChanged(*bus_, Activation::path, control::interfaceName,
+                      {"Phase", "Text", "Reason", "PausedUntil"});
     dbus::emitSignal(*bus_, Activation::path, control::interfaceName, "PhaseChanged",
                      [&change](dbus::Writer& arguments) {
                          arguments.text(change.phase);
                          arguments.text(printable(change.text));
-                         arguments.text(printable(change.reason));
+                         arguments.text(printable(change.why));
                      });
-    dbus::emitInvalidated(*bus_, Activation::path, control::interfaceName,
-                          {"Phase", "Text", "PausedUntil"});
+}
+
+control::Status ControlService::status() const {
+    return control::status(sources_, phase_, reason_);
 }
 
 dbus::Interface ControlService::interface() {
@@ -109,16 +128,15 @@ std::vector<dbus::Property> ControlService::properties() {
     using dbus::Telling;
     using dbus::Writer;
     return {
-        {"Phase", "s", [this](Writer& value) { value.text(control::status(sources_).phase); },
-         Telling::ofChanges},
-        {"Text", "s",
-         [this](Writer& value) { value.text(printable(control::status(sources_).text)); },
-         Telling::ofChanges},
+        {"Phase", "s", [this](Writer& value) { value.text(status().phase); }, Telling::ofValues},
+        {"Text", "s", [this](Writer& value) { value.text(printable(status().text)); },
+         Telling::ofValues},
+        {"Reason", "(sas)", [this](Writer& value) { writeReason(value, status().reason); },
+         Telling::ofValues},
         {"PausedUntil", "x",
-         [this](Writer& value) { value.int64(control::status(sources_).pausedUntil.value_or(0)); },
-         Telling::ofChanges},
-        {"Keys", "a{sa{sv}}",
-         [this](Writer& value) { writeKeys(value, control::status(sources_).keys); }}};
+         [this](Writer& value) { value.int64(status().pausedUntil.value_or(0)); },
+         Telling::ofValues},
+        {"Keys", "a{sa{sv}}", [this](Writer& value) { writeKeys(value, status().keys); }}};
 }
 
 std::vector<dbus::Method> ControlService::methods() {

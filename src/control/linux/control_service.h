@@ -35,6 +35,7 @@ public:
 private:
     void busChanged(dbus::Bus* bus);
     void phaseChanged(const Phase& next);
+    [[nodiscard]] control::Status status() const;
     [[nodiscard]] dbus::Interface interface();
     [[nodiscard]] std::vector<dbus::Property> properties();
     [[nodiscard]] std::vector<dbus::Method> methods();
@@ -47,6 +48,8 @@ private:
     void logRequest(const std::string& what, const dbus::Message& call);
 
     control::Sources sources_;
+    Phase phase_; ///< the one that was told last
+    control::Reason reason_;
     Actions actions_;
     control::PauseAllowance allowance_;
     bool passing_ = false;

@@ -1,5 +1,7 @@
 #include "scanner/bluez/central_state.h"
 
+#include "scanner/radio_words.h"
+
 namespace wegslot::bluez {
 namespace {
 
@@ -48,7 +50,7 @@ CentralState stateIn(const Surroundings& surroundings) {
 
 std::optional<Message> wordsIn(const Surroundings& surroundings) {
     if (surroundings.daemon != Daemon::absent || !surroundings.graceIsOver) return std::nullopt;
-    return message("Bluetooth draait niet op deze computer");
+    return withoutRadioService();
 }
 
 std::optional<Nanoseconds> graceFor(const Surroundings& surroundings) {

@@ -147,7 +147,7 @@ void TrayItem::writePictures(dbus::Writer& writer) {
 void TrayItem::tell(const char* signal, std::vector<std::string> properties) {
     if (bus_ == nullptr) return;
     dbus::emitSignal(*bus_, path, interfaceName, signal);
-    dbus::emitInvalidated(*bus_, path, interfaceName, properties);
+    dbus::emitChanged(*bus_, path, interfaceName, properties);
 }
 
 void TrayItem::open(std::optional<TrayPoint> at) {

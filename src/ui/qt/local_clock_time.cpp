@@ -14,8 +14,13 @@ QString shortForm(const QTime& time, const QLocale& language) {
 } // namespace
 
 ClockTime localClockTime(const Clock& clock, const QLocale& language) {
-    return [&clock, language](TimePoint steady) {
-        const TimePoint wall = later(steady, clock.wallClock() - clock.now());
+    return [&clock, wallTime = wallClockTime(language)](TimePoint steady) {
+        return wallTime(later(steady, clock.wallClock() - clock.now()));
+    };
+}
+
+ClockTime wallClockTime(const QLocale& language) {
+    return [language](TimePoint wall) {
         const auto seconds = std::chrono::floor<std::chrono::seconds>(wall).time_since_epoch();
         return shortForm(QDateTime::fromSecsSinceEpoch(seconds.count()).time(), language)
             .toStdString();

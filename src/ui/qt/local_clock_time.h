@@ -12,6 +12,9 @@ namespace wegslot {
 [[nodiscard]] ClockTime localClockTime(const Clock& clock,
                                        const QLocale& language = QLocale::system());
 
+/// For instants of the clock on the wall instead of the steady one.
+[[nodiscard]] ClockTime wallClockTime(const QLocale& language = QLocale::system());
+
 /// How long it is from `wall`, which is what a person's clock shows, until that next shows six in
 /// the morning.
 [[nodiscard]] Nanoseconds untilMorning(TimePoint wall);
