@@ -1,6 +1,7 @@
 #include "app/check_report.h"
 
 #include "base/text.h"
+#include "platform/activity_detector.h"
 
 #include <nlohmann/json.hpp>
 
@@ -225,13 +226,17 @@ Finding cameraFinding(const CheckFacts::Activity& facts) {
                         : message("%1; niet in gebruik", {joined(facts.cameraSources)})};
 }
 
+Message userOf(const std::string& name) {
+    return name == ActivityDetector::unnamedApplication ? message("een app") : printable(name);
+}
+
 Finding microphoneFinding(const CheckFacts::Activity& facts) {
     const bool works = facts.microphoneSource && facts.microphoneAnswers;
     Message text = message("niet te zien");
     if (const auto& source = facts.microphoneSource)
         text = !works ? message("%1; antwoordt niet", {*source})
                : facts.microphoneUser
-                   ? message("%1; in gebruik door %2", {*source, printable(*facts.microphoneUser)})
+                   ? message("%1; in gebruik door %2", {*source, userOf(*facts.microphoneUser)})
                    : message("%1; niet in gebruik", {*source});
     return {.name = "microphone",
             .label = message("Microfoon"),

@@ -8,13 +8,12 @@
 namespace wegslot {
 namespace {
 
-const KeyDevice& phone() {
-    static const KeyDevice key{.id = *Uuid::parse("0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"),
-                               .name = "Telefoon",
-                               .model = std::nullopt,
-                               .isApple = false, // only listened to: there is nothing to connect
-                               .threshold = Dbm{-75}};
-    return key;
+KeyDevice phone() {
+    return {.id = *Uuid::parse("0F2C41A7-0B3D-4C5E-8F60-718293A4B5C6"),
+            .name = translated("Telefoon"),
+            .model = std::nullopt,
+            .isApple = false, // only listened to: there is nothing to connect
+            .threshold = Dbm{-75}};
 }
 
 } // namespace
@@ -24,41 +23,43 @@ Demo::Demo(Scheduler& scheduler, const Clock& clock, PrintLine print, std::funct
     : clock_(clock),
       start_(clock.now()),
       print_(std::move(print)),
-      platform_(clock, scheduler, [this] { tell("   (de sessie wordt gevraagd te locken)"); }),
+      platform_(clock, scheduler,
+                [this] { tell("   " + translated("(de sessie wordt gevraagd te locken)")); }),
       model_({store_, central_, platform_.ports,
               [this, &hud] { // asked for below, at once
                   JointHud::Parts parts;
                   parts.push_back(std::make_unique<StagedHud>([this](const Warning* shown) {
-                      tell(shown == nullptr ? "   (het waarschuwingspaneel gaat weg)"
-                                            : "   (het waarschuwingspaneel verschijnt)");
+                      tell("   " + (shown == nullptr
+                                        ? translated("(het waarschuwingspaneel gaat weg)")
+                                        : translated("(het waarschuwingspaneel verschijnt)")));
                   }));
                   parts.push_back(std::move(hud));
                   return std::make_unique<JointHud>(std::move(parts));
               }}),
       logBefore_(Log::setDestination(this)),
       script_(scheduler) {
-    tell("   (je zit achter je computer, je telefoon ligt naast je)");
+    tell("   " + translated("(je zit achter je computer, je telefoon ligt naast je)"));
     model_.settings().keys.set({phone()});
     phases_ = model_.monitor().phase().onChange(
-        [this](const Phase& phase) { tell("Fase: " + std::string(name(phase))); });
+        [this](const Phase& phase) { tell(translated("Fase: %1", {std::string(name(phase))})); });
     central_.setState(CentralState::poweredOn);
 
     playSignal(0.2, 6, -52, -56);
-    at(6, [this] { tell("   (je loopt weg met je telefoon)"); });
+    at(6, [this] { tell("   " + translated("(je loopt weg met je telefoon)")); });
     playSignal(6, 9, -62, -92);
     playSignal(9, 14, -92, -96);
     at(21.5, [this] {
-        tell("   (het scherm is gelockt)");
+        tell("   " + translated("(het scherm is gelockt)"));
         platform_.session.tell(SessionEvent::locked);
     });
-    at(28, [this] { tell("   (je komt terug)"); });
+    at(28, [this] { tell("   " + translated("(je komt terug)")); });
     playSignal(28, 38, -60, -52);
     at(31, [this] {
-        tell("   (je ontgrendelt het scherm)");
+        tell("   " + translated("(je ontgrendelt het scherm)"));
         platform_.session.tell(SessionEvent::unlocked);
     });
     at(38, [this, done = std::move(done)] {
-        tell("   (einde van de demo)");
+        tell("   " + translated("(einde van de demo)"));
         done();
     });
 }

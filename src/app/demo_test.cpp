@@ -1,6 +1,7 @@
 #include "app/demo.h"
 
 #include "hud/hidden_hud.h"
+#include "tests/support/glossary.h"
 #include "tests/support/world.h"
 
 #include <algorithm>
@@ -33,4 +34,20 @@ TEST(Demo, PlaysOneDepartureAndReturnWithinFortySeconds) {
     EXPECT_TRUE(printed("Log:  Mac wordt gelockt"));
     EXPECT_FALSE(printed("Geen bevestiging"));
     EXPECT_EQ(time.pending(), 0U);
+}
+
+TEST(Demo, TellsItsStoryInTheUsersLanguageAndTheLogAsItIs) {
+    const Glossary english{{"(je komt terug)", "(you come back)"},
+                           {"Fase: %1", "Phase: %1"},
+                           {"Telefoon", "Phone"},
+                           {"%1 is buiten bereik", "%1 is out of range"}};
+    VirtualTime time{World::start};
+    std::string all;
+    const Demo demo(
+        time, time, [&all](std::string_view line) { (all += line) += '\n'; }, [] {},
+        std::make_unique<HiddenHud>());
+    time.advance(40s);
+    for (const char* const line : {"   (you come back)\n", "  Phase: warning\n",
+                                   "Log:  Waarschuwing: Phone is buiten bereik\n"})
+        EXPECT_NE(all.find(line), std::string::npos) << line << all;
 }

@@ -33,6 +33,7 @@ const Translations* Translations::use(const Translations* translations) {
 }
 
 std::string Message::translated() const {
+    if (isQuoted_) return inUse == nullptr ? text_ : places_.front().translated();
     std::optional<std::string> found;
     if (isTranslated_ && inUse != nullptr)
         found = many_.empty() ? inUse->find(text_) : inUse->find(text_, count_);
@@ -42,6 +43,7 @@ std::string Message::translated() const {
 }
 
 std::string Message::builtIn() const {
+    if (isQuoted_) return text_;
     return filled(many_.empty() || count_ == 1 ? text_ : many_, places_.size(),
                   [this](std::size_t place) { return places_[place].builtIn(); });
 }
@@ -73,6 +75,19 @@ Message counted(const char* one, const char* many, unsigned long count,
     message.many_ = many;
     message.count_ = count;
     message.places_ = std::move(places);
+    return message;
+}
+
+Message asItStands(std::string text) {
+    Message message(std::move(text));
+    message.isTranslated_ = true;
+    return message;
+}
+
+Message quoted(std::string words, Message meaning) {
+    Message message(std::move(words));
+    message.isQuoted_ = true;
+    message.places_ = {std::move(meaning)};
     return message;
 }
 

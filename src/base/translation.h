@@ -62,6 +62,8 @@ public:
 
 private:
     friend Message message(const char* text, std::vector<Message> places);
+    friend Message asItStands(std::string text);
+    friend Message quoted(std::string words, Message meaning);
     friend Message counted(const char* one, const char* many, unsigned long count,
                            std::vector<Message> places);
 
@@ -69,6 +71,7 @@ private:
     std::string many_; ///< empty for a text without a number that decides its form
     unsigned long count_ = 0;
     bool isTranslated_ = false;
+    bool isQuoted_ = false; ///< its one place holds what it means, and is no place in it
     std::vector<Message> places_;
 };
 
@@ -81,6 +84,14 @@ std::ostream& operator<<(std::ostream& out, const Message& message);
 /// In the form that `count` takes in a language: in Dutch `one` for 1 and `many` else.
 [[nodiscard]] Message counted(const char* one, const char* many, unsigned long count,
                               std::vector<Message> places = {});
+
+/// What another Wegslot tells as it stands in its code, without places: in the user's language
+/// where there are words for it.
+[[nodiscard]] Message asItStands(std::string text);
+
+/// What a system or a library says, in its own language: shown where texts are as they stand, and
+/// elsewhere `meaning`.
+[[nodiscard]] Message quoted(std::string words, Message meaning);
 
 /// `message` put into words at once.
 [[nodiscard]] std::string translated(const char* text, std::vector<Message> places = {});

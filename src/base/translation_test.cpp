@@ -62,3 +62,19 @@ TEST(Translation, WhatIsTheSameInEveryLanguageCanBeToldApart) {
               (Texts{"Ans", "Bo", "Cas"}));
     EXPECT_EQ(counted("%1 dag", "%1 dagen", 2, {"2"}).verbatim(), Texts{"2"});
 }
+
+TEST(Translation, WhatAnotherOneTellsIsTranslatedIfThereAreWordsForIt) {
+    const Glossary english{{"Bluetooth-apparaat", "Bluetooth device"}};
+    EXPECT_EQ(asItStands("Bluetooth-apparaat").translated(), "Bluetooth device");
+    EXPECT_EQ(asItStands("Bluetooth-apparaat").builtIn(), "Bluetooth-apparaat");
+    EXPECT_EQ(asItStands("Nieuw %1").translated(), "Nieuw %1");
+}
+
+TEST(Translation, WhatASystemSaysIsQuotedOnlyWhereTextsAreAsTheyStand) {
+    const Message full = quoted("No space left: %1", message("geen ruimte meer"));
+    EXPECT_EQ(full.translated(), "No space left: %1");
+    const Glossary french{{"geen ruimte meer", "plus de place"}};
+    EXPECT_EQ(full.translated(), "plus de place");
+    EXPECT_EQ(full.builtIn(), "No space left: %1");
+    EXPECT_EQ(Message("%1: %2", {"a", full}).translated(), "a: plus de place");
+}

@@ -21,7 +21,7 @@ std::optional<std::int64_t> pausedUntil(const Phase& phase, const Clock& clock) 
 std::string kindOf(const SeenDevice& device) {
     SeenDevice nameless = device;
     nameless.name.reset();
-    return nameless.displayName();
+    return nameless.displayName().builtIn();
 }
 
 std::optional<std::uint32_t> secondsIn(std::string_view unit) {

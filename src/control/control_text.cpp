@@ -28,7 +28,7 @@ std::string row(const Key& key) {
 std::string row(const Device& device) {
     const std::string signal = device.rssi ? decimal(device.rssi->value) : "-";
     return printable(device.id) + "  " + padded(printable(device.name.value_or("-")), 24) + "  " +
-           padded(printable(device.kind), 18) + "  " + signal + " dBm" +
+           padded(printable(asItStands(device.kind).translated()), 18) + "  " + signal + " dBm" +
            (device.changesAddress ? "  " + translated("wisselt van adres") : "");
 }
 
@@ -76,7 +76,7 @@ std::string keysText(const Status& status) {
 }
 
 std::vector<std::string> nearbyLines(const Nearby& nearby) {
-    if (!nearby.radio.empty()) return {printable(nearby.radio)};
+    if (!nearby.radio.empty()) return {printable(asItStands(nearby.radio).translated())};
     if (nearby.devices.empty()) return {translated("Nog geen apparaten gehoord")};
     std::vector<std::string> lines;
     for (const Device& device : nearby.devices)

@@ -135,3 +135,17 @@ TEST(ControlText, APauseWithoutEndIsNoneThatCannotBeWritten) {
         EXPECT_TRUE(statusText(paused, wallTime).starts_with("Gepauzeerd tot ")) << until;
     }
 }
+
+TEST(ControlText, KindsOfDevicesAndWhatIsTheMatterAreInTheReadersLanguageAndNamesAreNames) {
+    const Glossary english{{"Apple-apparaat", "Apple device"},
+                           {"Bluetooth staat uit", "Bluetooth is off"}};
+    const Nearby one{
+        .radio = "",
+        .includesOthers = false,
+        .devices = {
+            {.id = "A", .name = "Apple-apparaat", .kind = "Apple-apparaat", .rssi = Dbm{-50}}}};
+    EXPECT_EQ(nearbyLines(one),
+              std::vector<std::string>{"A  Apple-apparaat            Apple device        -50 dBm"});
+    const Nearby off{.radio = "Bluetooth staat uit", .includesOthers = false, .devices = {}};
+    EXPECT_EQ(nearbyLines(off), std::vector<std::string>{"Bluetooth is off"});
+}

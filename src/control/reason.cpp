@@ -31,8 +31,11 @@ constexpr std::array known{
     Known{"bluetoothNotRunning", 0, 0, [](const Names&) { return withoutRadioService(); }},
     Known{"userActive", 0, 0, [](const Names&) { return text(pause::Active{}); }},
     Known{"cameraInUse", 0, 0, [](const Names&) { return text(pause::Camera{}); }},
-    Known{"microphoneInUse", 1, 1,
-          [](const Names& names) { return text(pause::Microphone{names.front().builtIn()}); }},
+    Known{"microphoneInUse", 0, 1,
+          [](const Names& names) {
+              return text(pause::Microphone{names.empty() ? ActivityDetector::unnamedApplication
+                                                          : names.front().builtIn()});
+          }},
     Known{"pauseAsked", 0, 0, [](const Names&) { return message("Pauze gevraagd"); }},
     Known{"warningCancelled", 0, 0,
           [](const Names&) { return message("Waarschuwing geannuleerd"); }},

@@ -1,5 +1,6 @@
 #include "dbus/bus.h"
 
+#include "base/system_error.h"
 #include "dbus/bus_address.h"
 #include "dbus/forgeries.h"
 #include "dbus/writer.h"
@@ -8,7 +9,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 namespace wegslot::dbus {
 namespace {
@@ -18,8 +18,8 @@ constexpr auto driver = "org.freedesktop.DBus"; ///< the bus itself, which sends
 
 using MessagePointer = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
 
-Failure failure(const std::string& what, int error) {
-    return Failure{what + ": " + std::strerror(-error)};
+Failure failure(const wegslot::Message& what, int error) {
+    return Failure{wegslot::Message("%1: %2", {what, systemError(-error)})};
 }
 
 struct Append {
@@ -108,7 +108,7 @@ Subscription owning(sd_bus_slot* slot) {
 }
 
 /// What the library opens by itself takes files, and cannot be told otherwise any more.
-Result<std::unique_ptr<Bus>> opened(const std::string& what,
+Result<std::unique_ptr<Bus>> opened(const wegslot::Message& what,
                                     const std::optional<std::string>& address, Bus::Files files,
                                     Forgeries& forgeries) {
     if (!address) return failure(what, -ENOMEDIUM);
@@ -126,11 +126,11 @@ Result<std::unique_ptr<Bus>> opened(const std::string& what,
 } // namespace
 
 Result<std::unique_ptr<Bus>> Bus::openSystem(Forgeries& forgeries) {
-    return opened("systeembus", systemBusAddress(), Files::none, forgeries);
+    return opened(message("systeembus"), systemBusAddress(), Files::none, forgeries);
 }
 
 Result<std::unique_ptr<Bus>> Bus::openSession(Forgeries& forgeries, Files files) {
-    return opened("sessiebus", sessionBusAddress(), files, forgeries);
+    return opened(message("sessiebus"), sessionBusAddress(), files, forgeries);
 }
 
 Bus::~Bus() {

@@ -47,7 +47,7 @@ void Settings::addKey(const SeenDevice& device) {
     if (std::ranges::any_of(list, [&](const KeyDevice& key) { return key.id == device.id; }))
         return;
     list.push_back({.id = device.id,
-                    .name = device.displayName(),
+                    .name = device.displayName().translated(), // theirs from here on
                     .model = device.model,
                     .isApple = device.isApple(),
                     .threshold = startingThreshold(device.rssi)});

@@ -9,6 +9,9 @@ struct Text {
     Message operator()(const pause::Camera&) const { return message("Camera is in gebruik"); }
 
     Message operator()(const pause::Microphone& microphone) const {
+        // Not what it is called then, but words for it.
+        if (microphone.user == ActivityDetector::unnamedApplication)
+            return message("Microfoon in gebruik door een app");
         return message("Microfoon in gebruik door %1", {microphone.user});
     }
 };

@@ -53,6 +53,8 @@ TEST_F(PauseReasonTest, ASwitchedOffReasonIsNotGiven) {
 TEST_F(PauseReasonTest, HasATextForThePhase) {
     EXPECT_EQ(text(pause::Active{}), "Je gebruikt je Mac");
     EXPECT_EQ(text(pause::Camera{}), "Camera is in gebruik");
+    EXPECT_EQ(text(pause::Microphone{ActivityDetector::unnamedApplication}),
+              "Microfoon in gebruik door een app");
     EXPECT_EQ(text(pause::Microphone{"Vergaderapp"}), "Microfoon in gebruik door Vergaderapp");
 }
 

@@ -24,6 +24,9 @@ public:
 
     [[nodiscard]] virtual bool cameraInUse() = 0;
 
+    /// What an application is called that says nothing about itself.
+    static constexpr auto unnamedApplication = "een app";
+
     /// The display name of the first application that records; nothing when none does.
     [[nodiscard]] virtual std::optional<std::string> microphoneUser() = 0;
 };

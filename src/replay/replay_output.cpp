@@ -97,7 +97,7 @@ std::string ReplayOutput::sinceStart(TimePoint instant) const {
 
 std::string ReplayOutput::device(const SeenDevice& device) const {
     std::string text = "{\"id\":" + jsonString(device.id.text()) +
-                       ",\"displayName\":" + jsonString(device.displayName()) +
+                       ",\"displayName\":" + jsonString(device.displayName().builtIn()) +
                        ",\"symbol\":" + jsonString(DeviceNames::symbol(device.name, device.model));
     if (device.name) text += ",\"name\":" + jsonString(*device.name);
     if (device.model) text += ",\"model\":" + jsonString(*device.model);

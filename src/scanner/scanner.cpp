@@ -88,7 +88,7 @@ void Scanner::want() {
 
 std::string Scanner::label(const Uuid& id) const {
     const SeenDevice* const device = devices_.find(id);
-    return (device == nullptr ? "?" : nameForLog(device->displayName())) + " (" +
+    return (device == nullptr ? "?" : nameForLog(device->displayName().builtIn())) + " (" +
            id.text().substr(0, 8) + ")";
 }
 

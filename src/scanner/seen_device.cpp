@@ -7,10 +7,10 @@ namespace wegslot {
 
 bool SeenDevice::isApple() const { return isAppleType(continuityType); }
 
-std::string SeenDevice::displayName() const {
+Message SeenDevice::displayName() const {
     if (name && !name->empty()) return *name;
     if (model) return DeviceNames::friendly(*model);
-    return isApple() ? "Apple-apparaat" : "Bluetooth-apparaat";
+    return isApple() ? message("Apple-apparaat") : message("Bluetooth-apparaat");
 }
 
 } // namespace wegslot

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/time.h"
+#include "base/translation.h"
 #include "base/uuid.h"
 #include "scanner/dbm.h"
 
@@ -23,7 +24,7 @@ struct SeenDevice {
     [[nodiscard]] bool isApple() const;
 
     /// The name; else the product family of the model; else what kind of device it is.
-    [[nodiscard]] std::string displayName() const;
+    [[nodiscard]] Message displayName() const;
 
     friend bool operator==(const SeenDevice&, const SeenDevice&) = default;
 };

@@ -42,7 +42,8 @@ Candidates candidatesOf(const NearbyFacts& facts) {
     for (const SeenDevice& device : facts.devices)
         if (!facts.keys.contains(device.id) && facts.now - device.lastSeen < nearbyAge)
             sorted.push_back(
-                {{device.displayName(), device.model.value_or(""), device.id}, &device});
+                {{device.displayName().translated(), device.model.value_or(""), device.id},
+                 &device});
     std::ranges::stable_sort(sorted, {}, &Entry::first); // an id sorts as its text does
 
     Candidates candidates;
@@ -81,7 +82,7 @@ Button chooseButton(bool hasObstacle) {
 NearbyRow rowOf(const SeenDevice& device, const NearbyFacts& facts) {
     const std::string obstacle = obstacleOf(device, facts);
     return {.symbol = DeviceNames::symbol(device.name, device.model),
-            .name = printable(device.displayName()),
+            .name = printable(device.displayName().translated()),
             .detail = detailOf(device),
             .signal = device.rssi ? wholeNumber(device.rssi->value) + " dBm" : "",
             .obstacle = obstacle,

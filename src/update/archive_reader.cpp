@@ -189,16 +189,14 @@ private:
 
 /// For whoever only wants to know whether there is an objection.
 struct Nobody final : ArchiveReceiver {
-    std::optional<std::string> member(const ArchiveMember&) override { return std::nullopt; }
-    std::optional<std::string> content(std::span<const std::uint8_t>) override {
-        return std::nullopt;
-    }
+    std::optional<Message> member(const ArchiveMember&) override { return std::nullopt; }
+    std::optional<Message> content(std::span<const std::uint8_t>) override { return std::nullopt; }
 };
 
 } // namespace
 
-std::optional<std::string> readArchive(std::span<const std::uint8_t> image,
-                                       ArchiveReceiver& receiver, std::uint64_t most) {
+std::optional<Message> readArchive(std::span<const std::uint8_t> image, ArchiveReceiver& receiver,
+                                   std::uint64_t most) {
     Gunzip unpacked(image);
     Members members(most);
     Block block;
@@ -208,7 +206,7 @@ std::optional<std::string> readArchive(std::span<const std::uint8_t> image,
         return got == block.size();
     };
     while (next() && !isEmpty(block)) {
-        if (auto objection = members.objectionTo(block)) return objection;
+        if (auto objection = members.objectionTo(block)) return *std::move(objection);
         if (auto failure = receiver.member(members.last())) return failure;
         for (std::uint64_t left = members.size(); left > 0;) {
             if (!next()) return "het archief is niet heel";
@@ -223,12 +221,13 @@ std::optional<std::string> readArchive(std::span<const std::uint8_t> image,
     while (next())
         if (!isEmpty(block) || ++padding > mostPadding) return "inhoud na het einde";
     if (got != 0 || !unpacked.isComplete()) return "het archief is niet heel";
-    return members.any() ? std::nullopt : std::optional<std::string>("het archief is leeg");
+    return members.any() ? std::nullopt : std::optional<Message>("het archief is leeg");
 }
 
 std::optional<std::string> objectionTo(std::span<const std::uint8_t> image, std::uint64_t most) {
     Nobody nobody;
-    return readArchive(image, nobody, most);
+    const auto objection = readArchive(image, nobody, most);
+    return objection ? std::optional(objection->builtIn()) : std::nullopt;
 }
 
 } // namespace wegslot

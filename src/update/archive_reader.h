@@ -3,6 +3,8 @@
 // mean anything but what was looked at. Whoever unpacks an image does it through this reader.
 #pragma once
 
+#include "base/translation.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -36,18 +38,18 @@ public:
     ArchiveReceiver& operator=(const ArchiveReceiver&) = delete;
     virtual ~ArchiveReceiver() = default;
 
-    virtual std::optional<std::string> member(const ArchiveMember& member) = 0;
+    virtual std::optional<Message> member(const ArchiveMember& member) = 0;
 
     /// More of the file that was told last.
-    virtual std::optional<std::string> content(std::span<const std::uint8_t> bytes) = 0;
+    virtual std::optional<Message> content(std::span<const std::uint8_t> bytes) = 0;
 };
 
 /// Reads as far as the first objection or failure, which is the answer, naming the member; keeps
 /// nothing of what it has unpacked. `most`: bytes of all files together. What comes before an
 /// objection has been told by then: whoever must not begin in vain asks `objectionTo` first.
-[[nodiscard]] std::optional<std::string> readArchive(std::span<const std::uint8_t> image,
-                                                     ArchiveReceiver& receiver,
-                                                     std::uint64_t most = largestUnpacked);
+[[nodiscard]] std::optional<Message> readArchive(std::span<const std::uint8_t> image,
+                                                 ArchiveReceiver& receiver,
+                                                 std::uint64_t most = largestUnpacked);
 
 /// Why the image is not to be unpacked; nothing when there is no objection.
 [[nodiscard]] std::optional<std::string> objectionTo(std::span<const std::uint8_t> image,

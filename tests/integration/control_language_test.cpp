@@ -81,3 +81,15 @@ TEST_F(ControlLanguageTest, AReasonOfAnotherShapeIsNone) {
         EXPECT_EQ(wegslot({"status"}).said, "Zoals het er staat\n") << shapes.at(asked - 1);
     EXPECT_EQ(wegslot({"status"}).said, "Paused: The camera is in use\n");
 }
+
+TEST_F(ControlLanguageTest, WhyItRefusesIsInTheLanguageOfWhoAsked) {
+    start();
+    variables["LC_ALL"] = "en_US.UTF-8";
+    const auto into = [this](const char* name) {
+        return Words{WEGSLOT_PROGRAM, "--record", (home.path() / name).string()};
+    };
+    Program recorder({.words = into("one.jsonl"), .environment = variables});
+    ASSERT_TRUE(happens([&] { return !recorder.output().empty(); }));
+    EXPECT_EQ(run(into("two.jsonl")).said,
+              "wegslot: Wegslot answers with an error: there is a recording already\n");
+}

@@ -25,7 +25,7 @@ struct UnpackedFolderTest : testing::Test {
         fs::create_directory(theirs);
     }
 
-    std::optional<std::string> unpack(const std::vector<TarMember>& members) const {
+    std::optional<Message> unpack(const std::vector<TarMember>& members) const {
         UnpackedFolder folder(ours);
         const auto failure = readArchive(zipped(tarOf(members)), folder);
         return failure ? failure : folder.finish();

@@ -1,7 +1,9 @@
 #include "app/linux/instance_lock.h"
 
+#include "base/system_error.h"
+#include "base/text.h"
+
 #include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -33,8 +35,8 @@ void InstanceLock::takeIn(const std::filesystem::path& folder) {
     if (handle >= 0) close(handle);
     if (handle >= 0 && reason == EWOULDBLOCK)
         outcome_ = Outcome::heldByAnother;
-    else if (trouble_.empty())
-        trouble_ = file.string() + ": " + std::strerror(reason);
+    else if (trouble_.isEmpty())
+        trouble_ = Message("%1: %2", {printable(file.string()), systemError(reason)});
 }
 
 InstanceLock::~InstanceLock() {

@@ -2,8 +2,9 @@
 // first one's changes. The lock is the kernel's and ends with the process, however that ends.
 #pragma once
 
+#include "base/translation.h"
+
 #include <filesystem>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -24,7 +25,7 @@ public:
     [[nodiscard]] Outcome outcome() const { return outcome_; }
 
     /// Why the first folder, that of the preferences, could not be used; empty where it could.
-    [[nodiscard]] const std::string& trouble() const { return trouble_; }
+    [[nodiscard]] const Message& trouble() const { return trouble_; }
 
     InstanceLock(InstanceLock&& other) noexcept
         : outcome_(other.outcome_),
@@ -40,7 +41,7 @@ private:
     void takeIn(const std::filesystem::path& folder);
 
     Outcome outcome_ = Outcome::impossible;
-    std::string trouble_;
+    Message trouble_;
     int handle_ = -1;
 };
 

@@ -26,7 +26,7 @@ TEST(InstanceLock, WhereAFolderCannotBeUsedTheNextOneIsAndItIsNamed) {
     const auto other = folder.path() / "runtime";
     const auto first = InstanceLock::take({usual, other});
     EXPECT_EQ(first.outcome(), Outcome::held);
-    EXPECT_TRUE(first.trouble().starts_with((usual / "lock").string() + ": "));
+    EXPECT_TRUE(first.trouble().builtIn().starts_with((usual / "lock").string() + ": "));
     EXPECT_EQ(InstanceLock::take({usual, other}).outcome(), Outcome::heldByAnother);
     const auto none = InstanceLock::take({usual});
     EXPECT_EQ(none.outcome(), Outcome::impossible);

@@ -1,7 +1,8 @@
 #include "app/linux/standard_output.h"
 
+#include "base/system_error.h"
+
 #include <cerrno>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -22,7 +23,7 @@ std::optional<Failure> writeOut(std::string_view line) {
             poll(&asked, 1, -1);
             continue;
         }
-        if (written < 0) return Failure{std::strerror(errno)};
+        if (written < 0) return Failure{systemError(errno)};
         line.remove_prefix(static_cast<std::size_t>(written));
     }
     return std::nullopt;

@@ -72,7 +72,7 @@ struct Execute {
     PreferencesFile& preferences;
     const BundleInfo& program;
     std::filesystem::path preferencesPath{};
-    std::string lockTrouble{};                    ///< of a run
+    Message lockTrouble{};                        ///< of a run
     LineThreads* recordings = nullptr;            ///< of a run
     std::optional<Recorder::Request> recording{}; ///< of a run, from its start on
     std::optional<KnownIdentity> pasted{};        ///< to be added
@@ -311,7 +311,7 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         return showsItself(scheduler, clock) ? EXIT_SUCCESS : complain(alreadyRuns().translated());
     }
     if (lock.outcome() == InstanceLock::Outcome::impossible) {
-        if (run == nullptr) return complain(lock.trouble());
+        if (run == nullptr) return complain(lock.trouble().translated());
         // A guard that does not start is worse than two; its name on the bus is the lock then.
         if (showsItself(scheduler, clock)) return EXIT_SUCCESS;
     }
@@ -332,8 +332,8 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
         fs::create_directories(logPath.parent_path(), ignored);
         log = std::make_unique<TeeLog>(logPath, clock);
     }
-    if (run != nullptr && !lock.trouble().empty())
-        Log::write("Slot op de voorkeuren niet te openen: " + printable(lock.trouble()));
+    if (run != nullptr && !lock.trouble().isEmpty())
+        Log::write("Slot op de voorkeuren niet te openen: " + lock.trouble().builtIn());
     const bool looks = std::holds_alternative<command::Devices>(command);
     PreferencesFile preferences(preferencesPath, scheduler,
                                 looks ? PreferencesFile::Access::readOnly

@@ -99,11 +99,11 @@ std::optional<Failure> RunningApplication::record(int descriptor, bool anonymous
 
 /// In the log alone nobody sees them who has just logged in.
 void RunningApplication::tellTroubles() {
-    if (!setting_.lockTrouble.empty())
+    if (!setting_.lockTrouble.isEmpty())
         lockNotice_.emplace(world_.sessionBus, translated("Wegslot kan niet alles bewaren"),
                             translated("%1. Wegslot bewaakt wel; maak dit bestand schrijfbaar en "
                                        "start Wegslot opnieuw.",
-                                       {printable(setting_.lockTrouble)}));
+                                       {setting_.lockTrouble}));
     preferencesFault_ = setting_.preferences.fault().follow([this](const auto& fault) {
         preferencesNotice_.reset();
         if (fault)

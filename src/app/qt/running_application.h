@@ -35,8 +35,8 @@ public:
         PreferencesFile& preferences;
         std::filesystem::path preferencesPath;
         std::filesystem::path log;
-        std::string lockTrouble; ///< why the lock of the preferences is another; empty if it is not
-        BundleInfo program;      ///< what it is where no folder says so
+        Message lockTrouble; ///< why the lock of the preferences is another; empty if it is not
+        BundleInfo program;  ///< what it is where no folder says so
         LineThreads& recordings;
         bool updateNow = false;
         std::optional<Recorder::Request> recording{}; ///< from the start on

@@ -177,7 +177,7 @@ void ControlClient::call(const char* interface, const char* member,
                          [this, done = std::move(done)](const dbus::Message& answer) {
                              if (answer.error())
                                  return fail({message("Wegslot antwoordt met een fout: %1",
-                                                      {printable(answer.errorText())}),
+                                                      {asItStands(printable(answer.errorText()))}),
                                               EXIT_FAILURE});
                              auto reader = answer.read();
                              done(reader);

@@ -171,8 +171,9 @@ void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
     const Nanoseconds granted =
         allowance_.granted(std::chrono::seconds{seconds}, sources_.clock.now());
     if (granted <= Nanoseconds{0})
-        return answer.refuse("programma's hebben al vier uur lang laten pauzeren; "
-                             "een langere pauze kan in het paneel");
+        return answer.refuse(message("programma's hebben al vier uur lang laten pauzeren; "
+                                     "een langere pauze kan in het paneel")
+                                 .builtIn());
     const Seconds duration{granted};
     const auto whole = std::chrono::ceil<std::chrono::seconds>(granted).count();
     logRequest("Pauze van " + std::to_string(whole) + " s", call);
@@ -191,7 +192,7 @@ void ControlService::record(const dbus::Message& call, dbus::Writer& answer) {
     logRequest("Opname", call);
     const int file = takenOver(reader.descriptor().value_or(-1));
     const bool anonymous = reader.boolean().value_or(false);
-    if (file < 0) return answer.refuse("geen bestand om in op te nemen");
+    if (file < 0) return answer.refuse(message("geen bestand om in op te nemen").builtIn());
     const std::string caller(call.sender());
     if (const auto fault = actions_.record(file, anonymous))
         return answer.refuse(fault->message.builtIn());

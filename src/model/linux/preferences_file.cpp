@@ -1,5 +1,6 @@
 #include "model/linux/preferences_file.h"
 
+#include "base/system_error.h"
 #include "files/linux/file_content.h"
 #include "files/linux/replace_file.h"
 #include "log/log.h"
@@ -7,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -177,7 +177,7 @@ void PreferencesFile::keepCopy(const std::string& content) const {
     if (!writable_ || content.empty() || textOf(copyOf(file_)) == content) return;
     constexpr mode_t ownerOnly = 0600;
     if (const int error = replaceFile(copyOf(file_), content, ownerOnly))
-        Log::write("Kopie van de voorkeuren niet bewaard: " + std::string(std::strerror(error)));
+        Log::write("Kopie van de voorkeuren niet bewaard: " + systemError(error).builtIn());
 }
 
 void PreferencesFile::write(std::string_view name, PreferenceValue value) {
@@ -196,7 +196,7 @@ std::optional<Failure> PreferencesFile::flush() {
     constexpr mode_t ownerOnly = 0600;
     if (const int error = replaceFile(file_, content, ownerOnly)) {
         const Failure failure{
-            message("Voorkeuren niet bewaard: %1: %2", {file_.string(), std::strerror(error)})};
+            message("Voorkeuren niet bewaard: %1: %2", {file_.string(), systemError(error)})};
         Log::write(failure.message.builtIn());
         return failure;
     }

@@ -1,9 +1,9 @@
 #include "platform/linux/spawn.h"
 
+#include "base/system_error.h"
 #include "base/text.h"
 
 #include <csignal>
-#include <cstring>
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -67,7 +67,8 @@ Result<pid_t> spawn(const std::vector<std::string>& words, const SpawnOptions& o
     const int error =
         posix_spawnp(&process, arguments[0], plan.actions(), plan.attributes(), arguments.data(),
                      options.environment ? environment.data() : environ);
-    if (error != 0) return Failure{printable(words.front()) + ": " + std::strerror(error)};
+    if (error != 0)
+        return Failure{Message("%1: %2", {printable(words.front()), systemError(error)})};
     return process;
 }
 

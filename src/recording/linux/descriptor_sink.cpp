@@ -1,12 +1,12 @@
 #include "recording/linux/descriptor_sink.h"
 
+#include "base/system_error.h"
 #include "files/linux/own_file.h"
 #include "recording/linux/foreign_descriptor.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <memory>
 #include <string>
 
@@ -41,7 +41,7 @@ public:
             const std::size_t size = std::min<std::size_t>(line.size(), PIPE_BUF);
             const ssize_t written = ::write(descriptor_, line.data(), size);
             if (written < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-            if (written < 0) return Failure{std::strerror(errno)};
+            if (written < 0) return Failure{systemError(errno)};
             line.remove_prefix(static_cast<std::size_t>(written));
         }
         return std::nullopt;
@@ -93,12 +93,12 @@ Result<int> recordingFile(const std::string& path, Existing existing) {
     if (descriptor < 0 && errno == ELOOP)
         return failed(message("een verwijzing van iemand anders"));
     struct stat facts {};
-    if (descriptor < 0 || fstat(descriptor, &facts) != 0) return failed(std::strerror(errno));
+    if (descriptor < 0 || fstat(descriptor, &facts) != 0) return failed(systemError(errno));
     if (!S_ISREG(facts.st_mode)) return descriptor;
     if (facts.st_size > 0 && existing == Existing::kept)
         return failed(message("er staat al iets in (--force vervangt het)"));
     // One that was there already may have been for everybody.
-    if (fchmod(descriptor, ownerOnly) != 0) return failed(std::strerror(errno));
+    if (fchmod(descriptor, ownerOnly) != 0) return failed(systemError(errno));
     return descriptor;
 }
 

@@ -1,12 +1,12 @@
 #include "ui/linux/autostart_item.h"
 
+#include "base/system_error.h"
 #include "base/text.h"
 #include "files/linux/file_content.h"
 #include "files/linux/replace_file.h"
 #include "platform/linux/media/desktop_entry_text.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -32,14 +32,14 @@ std::string ownEntry(const fs::path& program) {
            "\n";
 }
 
-Failure failureAt(const fs::path& file, const std::string& reason) {
-    return {printable(file.string()) + ": " + reason};
+Failure failureAt(const fs::path& file, const Message& reason) {
+    return {Message("%1: %2", {printable(file.string()), reason})};
 }
 
 std::optional<Failure> write(const fs::path& file, const std::string& text) {
     constexpr mode_t readableByAll = 0644;
     const int error = replaceFile(file, text, readableByAll);
-    return error == 0 ? std::nullopt : std::optional(failureAt(file, std::strerror(error)));
+    return error == 0 ? std::nullopt : std::optional(failureAt(file, systemError(error)));
 }
 
 } // namespace
@@ -66,7 +66,7 @@ std::optional<Failure> AutostartItem::setEnabled(bool enabled) {
     std::string before;
     if (isThere(ownFile())) {
         auto text = contentOf(ownFile(), largestEntry);
-        if (!text) return failureAt(ownFile(), "niet te lezen");
+        if (!text) return failureAt(ownFile(), message("niet te lezen"));
         before = *std::move(text);
     }
     return enabled ? switchOn(before) : switchOff(before);
@@ -76,7 +76,7 @@ std::optional<Failure> AutostartItem::switchOn(const std::string& before) const 
     const std::string path = program_.string();
     if (!processes_.isInstalled(path) || !isUtf8(path) ||
         path.find_first_of(misread) != std::string::npos)
-        return failureAt(program_, "niet te starten door het bureaublad");
+        return failureAt(program_, message("niet te starten door het bureaublad"));
     const std::string text = switchedOn(before);
     return text == before ? std::nullopt : write(ownFile(), text);
 }
@@ -91,7 +91,7 @@ std::optional<Failure> AutostartItem::switchOff(const std::string& before) const
     if (!isReadable) return std::nullopt; // none, or one that starts nothing
     std::error_code error;
     fs::remove(ownFile(), error);
-    return error ? std::optional(failureAt(ownFile(), error.message())) : std::nullopt;
+    return error ? std::optional(failureAt(ownFile(), systemError(error.value()))) : std::nullopt;
 }
 
 std::string AutostartItem::switchedOn(const std::string& text) const {

@@ -1,6 +1,7 @@
 #include "ui/linux/autostart_item.h"
 
 #include "tests/support/fake_processes.h"
+#include "tests/support/glossary.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
@@ -313,6 +314,19 @@ TEST_F(AutostartItemTest, SwitchedOffAndOnAgainItIsAsItWas) {
 }
 
 // Failures.
+
+TEST_F(AutostartItemTest, AFailureIsInTheUsersLanguage) {
+    const Glossary german{{"een deel van het pad is geen map", "kein Ordner"},
+                          {"niet te starten door het bureaublad", "nicht zu starten"}};
+    folder.write("user", "in the way of the folder");
+    const auto inTheWay = item().setEnabled(true);
+    ASSERT_TRUE(inTheWay);
+    EXPECT_EQ(inTheWay->message.translated(), usersPath() + ": kein Ordner");
+    const auto odd =
+        AutostartItem{{folder.path()}, "/opt/100%/wegslot", "", processes}.setEnabled(true);
+    ASSERT_TRUE(odd);
+    EXPECT_EQ(odd->message.translated(), "/opt/100%/wegslot: nicht zu starten");
+}
 
 TEST_F(AutostartItemTest, AFailureSaysWhereAndWhyInOneLine) {
     folder.write("user", "in the way of the folder");

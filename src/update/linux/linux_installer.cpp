@@ -1,5 +1,6 @@
 #include "update/linux/linux_installer.h"
 
+#include "base/system_error.h"
 #include "base/text.h"
 #include "base/uuid.h"
 #include "files/linux/file_content.h"
@@ -14,7 +15,6 @@
 #include "update/linux/unpacked_folder.h"
 
 #include <cerrno>
-#include <cstring>
 #include <optional>
 #include <system_error>
 
@@ -33,7 +33,7 @@ constexpr std::string_view folderPrefix = "Wegslot-update-";
 constexpr Nanoseconds versionPatience = 5s;
 
 Failure failureAt(const fs::path& path, int error) {
-    return Failure{path.filename().string() + ": " + std::strerror(error)};
+    return Failure{Message("%1: %2", {path.filename().string(), systemError(error)})};
 }
 
 bool isOwnFolder(const fs::path& path) {

@@ -1,7 +1,8 @@
 #include "update/linux/unpacked_folder.h"
 
+#include "base/system_error.h"
+
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include <fcntl.h>
@@ -19,6 +20,10 @@ constexpr mode_t unmentioned = 0777;
 
 constexpr int plainFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
+Message failureIn(const std::string& member, int error) {
+    return Message("%1: %2", {member, systemError(error)});
+}
+
 } // namespace
 
 UnpackedFolder::UnpackedFolder(const std::filesystem::path& folder)
@@ -29,8 +34,8 @@ UnpackedFolder::~UnpackedFolder() {
     if (root_ >= 0) close(root_);
 }
 
-std::optional<std::string> UnpackedFolder::member(const ArchiveMember& member) {
-    const auto failed = [this] { return name_ + ": " + std::strerror(errno); };
+std::optional<Message> UnpackedFolder::member(const ArchiveMember& member) {
+    const auto failed = [this] { return failureIn(name_, errno); };
     if (!closeFile()) return failed();
     const auto& path = member.path;
     name_ = path.back();
@@ -59,18 +64,18 @@ std::optional<std::string> UnpackedFolder::member(const ArchiveMember& member) {
     return error == 0 ? std::nullopt : std::optional(failed());
 }
 
-std::optional<std::string> UnpackedFolder::content(std::span<const std::uint8_t> bytes) {
+std::optional<Message> UnpackedFolder::content(std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
         const ssize_t written = write(file_, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return name_ + ": " + std::strerror(errno);
+        if (written < 0) return failureIn(name_, errno);
         bytes = bytes.subspan(static_cast<std::size_t>(written));
     }
     return std::nullopt;
 }
 
-std::optional<std::string> UnpackedFolder::finish() {
-    if (!closeFile()) return name_ + ": " + std::strerror(errno);
+std::optional<Message> UnpackedFolder::finish() {
+    if (!closeFile()) return failureIn(name_, errno);
     // The innermost first: a folder may forbid to enter it.
     while (!folders_.empty()) {
         const auto [path, mode] = std::move(folders_.back());
@@ -82,7 +87,7 @@ std::optional<std::string> UnpackedFolder::finish() {
                           fchmod(folder, status.st_mode & mode) == 0;
         const int error = errno;
         if (folder >= 0) close(folder);
-        if (!done) return path.back() + ": " + std::strerror(error);
+        if (!done) return failureIn(path.back(), error);
     }
     return std::nullopt;
 }

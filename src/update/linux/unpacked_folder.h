@@ -20,11 +20,11 @@ public:
 
     /// Answers name the member and say what the system says. Permissions are the archive's as far
     /// as the process's mask allows.
-    std::optional<std::string> member(const ArchiveMember& member) override;
-    std::optional<std::string> content(std::span<const std::uint8_t> bytes) override;
+    std::optional<Message> member(const ArchiveMember& member) override;
+    std::optional<Message> content(std::span<const std::uint8_t> bytes) override;
 
     /// The last file is closed, and folders get the permissions that would have been in the way.
-    [[nodiscard]] std::optional<std::string> finish();
+    [[nodiscard]] std::optional<Message> finish();
 
 private:
     [[nodiscard]] int folderAt(std::span<const std::string> path) const;

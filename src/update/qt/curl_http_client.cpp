@@ -155,7 +155,10 @@ private:
         // A server that says no has answered; one that stops in its answer has not.
         if (status != 0 && status != statusOk)
             return end(HttpResponse{static_cast<int>(status), {}});
-        end(Failure{error_.front() != '\0' ? error_.data() : curl().easy_strerror(result)});
+        end(Failure{quoted(error_.front() != '\0' ? error_.data() : curl().easy_strerror(result),
+                           result == CURLE_OPERATION_TIMEDOUT
+                               ? message("de server antwoordt niet op tijd")
+                               : message("geen verbinding met de server"))});
     }
 
     void redirect(std::string_view location) {

@@ -1,5 +1,7 @@
 #include "platform/linux/media/recording_stream.h"
 
+#include "platform/activity_detector.h"
+
 #include <algorithm>
 #include <array>
 #include <initializer_list>
@@ -61,7 +63,7 @@ std::optional<std::string> firstUser(std::span<const RecordingStream> streams,
             first = &stream;
     if (first == nullptr) return std::nullopt;
     const auto identifier = identifierOf(*first);
-    return identifier.empty() ? unnamedApplication : nameOf(identifier);
+    return identifier.empty() ? ActivityDetector::unnamedApplication : nameOf(identifier);
 }
 
 } // namespace wegslot

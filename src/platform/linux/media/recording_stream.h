@@ -30,9 +30,6 @@ struct RecordingStream {
     Properties clientProperties = {};
 };
 
-/// What an application is called that says nothing about itself.
-inline constexpr auto unnamedApplication = "een app";
-
 /// Whether somebody listens: a muted stream counts, for a call goes on while one is muted; a level
 /// meter does not.
 [[nodiscard]] bool isRecording(const RecordingStream& stream);
