@@ -37,13 +37,13 @@ struct Typed {
     std::string operator()(const Data& value) const { return value.bytes; }
 };
 
-/// The first two columns of the manual's table of preferences, row by row.
-std::vector<std::string> rowsOfTheManual() {
-    std::ifstream manual(WEGSLOT_MANUAL);
+/// The first two columns of a manual's table of preferences, row by row.
+std::vector<std::string> rowsOf(const std::string& page, const std::string& heading) {
+    std::ifstream manual(std::string(WEGSLOT_MANUALS) + "/" + page);
     std::vector<std::string> rows;
     bool isInTable = false;
     for (std::string line; std::getline(manual, line);) {
-        if (line.starts_with("| voorkeur |")) isInTable = true;
+        if (line.starts_with("| " + heading + " |")) isInTable = true;
         if (line.empty()) isInTable = false;
         if (isInTable && line.starts_with("| `"))
             rows.push_back(line.substr(0, line.find(" |", line.find(" | ") + 3)));
@@ -103,12 +103,13 @@ TEST_F(EverySetting, ThatWasChangedBeforeARecordingReadsBackAsItWas) {
     EXPECT_EQ(replayed(lines), world.store.values());
 }
 
-TEST(Manual, ListsEveryPreferenceWithItsDefaultAndNoOther) {
+TEST(Manual, ListsEveryPreferenceWithItsDefaultAndNoOtherInBothLanguages) {
     std::vector<std::string> rows;
     Settings::specimen().visit([&rows](const auto& setting) {
         rows.push_back("| `" + std::string(setting.name()) + "` | `" +
                        std::visit(Typed{}, setting.byDefault()) + "`");
     });
     rows.push_back("| `lockCommand` | –"); // read at the start only, so no setting
-    EXPECT_EQ(rowsOfTheManual(), rows);
+    EXPECT_EQ(rowsOf("gebruik.md", "voorkeur"), rows);
+    EXPECT_EQ(rowsOf("using.md", "preference"), rows);
 }
