@@ -1,5 +1,6 @@
 #include "hud/qt/warning_picture.h"
 
+#include "base/translation.h"
 #include "ui/qt/brand_qt.h"
 
 #include <QFontMetricsF>
