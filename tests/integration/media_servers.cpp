@@ -9,8 +9,13 @@ namespace {
 
 bool soundAnswers() { return MediaSession::run({"pactl", "info"}).has_value(); }
 
-bool isDefault(const char* kind, const std::string& name) {
-    return MediaSession::run({"pactl", std::string("get-default-") + kind}) == name + "\n";
+/// The server chooses by itself, but may have chosen before there was the right one.
+bool becomesDefault(const std::string& kind, const std::string& name) {
+    return becomesTrue([&] {
+        if (MediaSession::run({"pactl", "get-default-" + kind}) == name + "\n") return true;
+        static_cast<void>(MediaSession::run({"pactl", "set-default-" + kind, name}));
+        return false;
+    });
 }
 
 } // namespace
@@ -58,8 +63,7 @@ bool PipeWireSoundServer::start() {
                            "media.class=Audio/Source/Virtual", "sink_name=mic"}) &&
         MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"});
     // A stream that comes before the session's own server has seen them is put elsewhere for good.
-    return made &&
-           becomesTrue([] { return isDefault("source", "mic") && isDefault("sink", "nul"); });
+    return made && becomesDefault("source", "mic") && becomesDefault("sink", "nul");
 }
 
 std::unique_ptr<Program> startPipeWire() {

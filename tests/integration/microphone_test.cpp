@@ -75,7 +75,11 @@ protected:
     [[nodiscard]] bool startBoth() {
         if (!server->start()) return false;
         microphone.emplace(time, names);
-        return becomesTrue([this] { return microphone->isThere(); });
+        // An attempt that a busy server lets down is followed by another, as time goes on.
+        return becomesTrue([this] {
+            time.advance(PulseMicrophone::betweenAttempts);
+            return microphone->isThere();
+        });
     }
 
     [[nodiscard]] std::string answer() {
