@@ -47,9 +47,19 @@ std::vector<Mapping> mappings() {
     return all;
 }
 
+// The address sanitizer has mlock do nothing.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool locks = false;
+#elif defined(__has_feature)
+constexpr bool locks = !__has_feature(address_sanitizer);
+#else
+constexpr bool locks = true;
+#endif
+
 bool isProtected(const Mapping& mapping) {
-    return mapping.flags.find(" dd ") != std::string::npos && // not dumped
-           mapping.flags.find(" lo ") != std::string::npos;   // locked
+    const bool isDumped = mapping.flags.find(" dd ") == std::string::npos;
+    const bool isLocked = mapping.flags.find(" lo ") != std::string::npos;
+    return !isDumped && isLocked == locks;
 }
 
 /// Where `secret`, less what hides it in this program, stands in this process's memory outside of
