@@ -34,7 +34,8 @@ public:
         if (!becomesTrue([this] { return !displayOf(server_).empty(); })) return;
         display = displayOf(server_);
         if (windowManager.empty()) return;
-        manager_.emplace(Program::Start{.words = {windowManager},
+        // On a bus, without which Xfce's ends from 4.20 on.
+        manager_.emplace(Program::Start{.words = {"dbus-run-session", "--", windowManager},
                                         .environment = {{"DISPLAY", display},
                                                         {"WAYLAND_DISPLAY", ""},
                                                         {"HOME", home_.path().string()}}});
