@@ -61,7 +61,10 @@ bool PipeWireSoundServer::start() {
         becomesTrue(soundAnswers) &&
         MediaSession::run({"pactl", "load-module", "module-null-sink",
                            "media.class=Audio/Source/Virtual", "sink_name=mic"}) &&
-        MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"});
+        MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"}) &&
+        // By itself WirePlumber 0.5 takes the sink's monitor now and then.
+        MediaSession::run({"pactl", "set-default-source", "mic"}) &&
+        MediaSession::run({"pactl", "set-default-sink", "nul"});
     // A stream that comes before the session's own server has seen them is put elsewhere for good.
     return made && becomesDefault("source", "mic") && becomesDefault("sink", "nul");
 }
