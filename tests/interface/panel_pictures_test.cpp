@@ -56,8 +56,13 @@ protected:
         model->appear();
     }
 
+    /// Skips the test where there is nothing to compare with.
     [[nodiscard]] testing::AssertionResult shows(const std::string& name) {
         layOut();
+        if (PictureStage::roundsHeights()) {
+            [] { GTEST_SKIP() << "here Qt rounds the heights of fonts: rows lie elsewhere"; }();
+            return testing::AssertionSuccess();
+        }
         return looksLike(PictureStage::picture(*view),
                          namePrefix + name + "-" + std::to_string(GetParam()) + "x");
     }

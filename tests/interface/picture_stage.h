@@ -9,10 +9,13 @@
 #include <QApplication>
 #include <QFont>
 #include <QFontInfo>
+#include <QFontMetricsF>
 #include <QImage>
 #include <QPixmap>
 #include <QWidget>
 
+#include <cmath>
+#include <filesystem>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -33,8 +36,15 @@ public:
         }
     };
 
-    static constexpr Face ordinary{"Liberation Sans", "/usr/share/fonts/truetype/liberation2",
-                                   "LiberationSans-Regular.ttf", "LiberationSans-Bold.ttf"};
+    /// Debian 12 has its second version in a folder of its own, and may have the first in the
+    /// other.
+    [[nodiscard]] static const char* liberation() {
+        constexpr auto second = "/usr/share/fonts/truetype/liberation2";
+        return std::filesystem::exists(second) ? second : "/usr/share/fonts/truetype/liberation";
+    }
+
+    static inline const Face ordinary{"Liberation Sans", liberation(), "LiberationSans-Regular.ttf",
+                                      "LiberationSans-Bold.ttf"};
     /// An eighth wider: what has room in this one has it in the fonts of most desktops.
     static constexpr Face wide{"DejaVu Sans", "/usr/share/fonts/truetype/dejavu", "DejaVuSans.ttf",
                                "DejaVuSans-Bold.ttf"};
@@ -60,6 +70,15 @@ public:
     /// Whether the font is the one that the references were made with.
     [[nodiscard]] static bool hasFont(const Face& face = ordinary) {
         return QFontInfo(QFont()).family() == face.family;
+    }
+
+    /// Whether Qt rounds the heights of fonts, as 6.8 does at one device pixel to one of ours,
+    /// where 6.4 did not: a row is then up to a pixel lower than in the references.
+    [[nodiscard]] static bool roundsHeights() {
+        QFont font;
+        font.setPixelSize(11);
+        const double ascent = QFontMetricsF(font).ascent();
+        return ascent == std::floor(ascent);
     }
 
     /// What `window`, which is shown, looks like once everything under way has been done.
