@@ -117,8 +117,11 @@ class System:
     @staticmethod
     def links_seen_by_nobody() -> list[dict]:
         """Address, handle and strength of each link, as a user without privilege reads them."""
+        # Not by its path, for the sources may lie where only root may look.
         told = subprocess.run(
-            ["python3", str(LINK_RSSI)],
+            ["python3", "-"],
+            input=LINK_RSSI.read_text(encoding="utf-8"),
+            cwd="/",
             user="nobody",
             group="nogroup",
             extra_groups=[],
