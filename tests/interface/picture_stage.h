@@ -73,7 +73,7 @@ public:
     }
 
     /// Whether Qt rounds the heights of fonts, as 6.8 does at one device pixel to one of ours,
-    /// where 6.4 did not: a row is then up to a pixel lower than in the references.
+    /// where 6.4 did not: some rows have a pixel less in height than in the references.
     [[nodiscard]] static bool roundsHeights() {
         QFont font;
         font.setPixelSize(11);
