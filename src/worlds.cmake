@@ -112,7 +112,8 @@ wegslot_module(desktop_entry
     platform/linux/media/desktop_entry_text.cpp platform/linux/media/desktop_entry_text.h
   TESTS
     platform/linux/media/desktop_entry_test.cpp
-    platform/linux/media/desktop_entry_text_test.cpp)
+    platform/linux/media/desktop_entry_text_test.cpp
+  USES base)
 
 wegslot_module(media_linux
   FILES

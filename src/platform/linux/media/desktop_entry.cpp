@@ -1,5 +1,6 @@
 #include "platform/linux/media/desktop_entry.h"
 
+#include "base/translation.h"
 #include "platform/linux/media/desktop_entry_text.h"
 
 #include <algorithm>
@@ -77,12 +78,14 @@ std::vector<std::string> listed(std::string_view value) {
 }
 
 struct Names {
-    std::string dutch;
-    std::string untranslated;
+    /// Of a name in the user's language.
+    std::string key;
+    std::string translated = {};
+    std::string untranslated = {};
 };
 
 void takeField(std::string_view key, std::string_view value, DesktopEntry& entry, Names& names) {
-    if (key == "Name[nl]") names.dutch = unescaped(value);
+    if (key == names.key) names.translated = unescaped(value);
     if (key == "Name") names.untranslated = unescaped(value);
     if (key == "Exec") entry.executable = firstWord(unescaped(value));
     if (key == "TryExec") entry.neededExecutable = unescaped(withoutBlanksAfter(value));
@@ -101,10 +104,11 @@ std::optional<DesktopEntry> readDesktopEntry(std::string_view text) {
     const auto group = entryGroup(text);
     if (!group) return std::nullopt;
     DesktopEntry entry;
-    Names names;
+    // Translators: the code of your language, as applications have their names under: Name[nl]
+    Names names{.key = "Name[" + translated("nl") + "]"};
     for (const EntryField& field : group->fields)
         takeField(field.key, field.value, entry, names);
-    entry.name = std::move(names.dutch.empty() ? names.untranslated : names.dutch);
+    entry.name = std::move(names.translated.empty() ? names.untranslated : names.translated);
     entry.program = baseName(entry.executable);
     return entry;
 }

@@ -10,7 +10,7 @@
 namespace wegslot {
 
 struct DesktopEntry {
-    std::string name;        ///< the Dutch one, else the untranslated; may hold any bytes
+    std::string name;        ///< in the user's language, else the untranslated; may hold any bytes
     std::string program;     ///< the base name of the first word of Exec
     std::string windowClass; ///< StartupWMClass
     bool hidden = false;     ///< the user took the application away

@@ -1,5 +1,7 @@
 #include "platform/linux/media/desktop_entry.h"
 
+#include "tests/support/glossary.h"
+
 #include <gtest/gtest.h>
 
 using namespace wegslot;
@@ -44,6 +46,13 @@ TEST(DesktopEntry, TheDutchNameIsPreferredWhereverItStands) {
               "Calculator");
     EXPECT_EQ(entryOf("Name[nl]=\nName=Calculator\n").name, "Calculator");
     EXPECT_EQ(entryOf("Name[de]=Rechner\n").name, "");
+}
+
+TEST(DesktopEntry, WhoReadsAnotherLanguageGetsTheNameInThat) {
+    const Glossary german{{"nl", "de"}};
+    EXPECT_EQ(entryOf("Name=Calculator\nName[nl]=Rekenmachine\nName[de]=Rechner\n").name,
+              "Rechner");
+    EXPECT_EQ(entryOf("Name=Calculator\nName[nl]=Rekenmachine\n").name, "Calculator");
 }
 
 TEST(DesktopEntry, EitherWayOfEndingALineIsRead) {
