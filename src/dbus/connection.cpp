@@ -27,7 +27,7 @@ void Connection::connect() {
     if (!opened) {
         // Once for each time that it is gone, however long that takes.
         if (mayComplain_ && !std::exchange(complained_, true))
-            Log::write("Geen verbinding met de " + opened.failure().message.builtIn());
+            Log::say(message("Geen verbinding met de %1", {opened.failure().message}));
         bus_.set(nullptr);
         timer_ = scheduler_.after(retryInterval, [this] { connect(); });
         return;

@@ -30,7 +30,7 @@ PastedKeys::PastedKeys(Settings& settings, Identities& identities, IdentityStore
       store_(store),
       scheduler_(scheduler) {
     const auto kept = store_.read();
-    if (!kept) Log::write(kept.failure().message.builtIn());
+    if (!kept) Log::say(kept.failure().message);
     std::vector<Uuid> gone;
     if (kept) {
         for (const KnownIdentity& known : *kept) {
@@ -75,7 +75,7 @@ void PastedKeys::keysChanged(const std::vector<KeyDevice>& keys) {
 
 void PastedKeys::keep(std::span<const Uuid> gone, std::span<const Uuid> there) {
     KnownIdentities known = identities_.list(there);
-    if (const auto failure = store_.change(gone, known)) Log::write(failure->message.builtIn());
+    if (const auto failure = store_.change(gone, known)) Log::say(failure->message);
 }
 
 /// It may have been put back meanwhile; what could not be dropped from the store is tried again.

@@ -23,6 +23,11 @@ void Log::write(std::string_view message) {
     if (target().destination != nullptr) target().destination->write(message);
 }
 
+void Log::say(const Message& message) {
+    const std::lock_guard lock(target().mutex);
+    if (target().destination != nullptr) target().destination->say(message);
+}
+
 LogDestination* Log::setDestination(LogDestination* destination) {
     const std::lock_guard lock(target().mutex);
     return std::exchange(target().destination, destination);

@@ -3,6 +3,8 @@
 // application, standard output in a replay, a list in a test).
 #pragma once
 
+#include "base/translation.h"
+
 #include <string>
 #include <string_view>
 
@@ -18,12 +20,19 @@ public:
     virtual ~LogDestination() = default;
 
     virtual void write(std::string_view message) = 0;
+
+    /// Called instead for what is not for the log alone: a person to whom it is said has it in
+    /// their language.
+    virtual void say(const Message& message) { write(message.builtIn()); }
 };
 
 class Log {
 public:
     /// Hands `message` to the destination; without one it is lost. Never fails.
     static void write(std::string_view message);
+
+    /// The same, of a text that has words for people.
+    static void say(const Message& message);
 
     /// Sets where messages go from now on; null for nowhere. The destination must stay alive
     /// until another one is set. Returns the one before.

@@ -38,7 +38,7 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
 
 void RealWorld::readIdentities() {
     const auto kept = identitiesFile.read();
-    if (!kept) return Log::write(kept.failure().message.builtIn());
+    if (!kept) return Log::say(kept.failure().message);
     for (const KnownIdentity& known : *kept)
         identities.put(known);
 }

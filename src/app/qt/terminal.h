@@ -42,6 +42,7 @@ public:
     ~ComplainingLog() override { Log::setDestination(before_); }
 
     void write(std::string_view message) override { complain(std::string(message)); }
+    void say(const Message& message) override { complain(message.translated()); }
 
 private:
     LogDestination* before_;

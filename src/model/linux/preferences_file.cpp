@@ -145,7 +145,7 @@ void PreferencesFile::reread() {
 
 void PreferencesFile::setFault(std::optional<Failure> fault) {
     if (fault == fault_.get()) return;
-    Log::write(fault ? fault->message.builtIn() : "Voorkeuren weer leesbaar: " + file_.string());
+    Log::say(fault ? fault->message : message("Voorkeuren weer leesbaar: %1", {file_.string()}));
     fault_.set(std::move(fault));
 }
 
@@ -197,7 +197,7 @@ std::optional<Failure> PreferencesFile::flush() {
     if (const int error = replaceFile(file_, content, ownerOnly)) {
         const Failure failure{
             message("Voorkeuren niet bewaard: %1: %2", {file_.string(), systemError(error)})};
-        Log::write(failure.message.builtIn());
+        Log::say(failure.message);
         return failure;
     }
     known_ = values();
