@@ -9,7 +9,7 @@ namespace {
 
 bool soundAnswers() { return MediaSession::run({"pactl", "info"}).has_value(); }
 
-/// The server chooses by itself, but may have chosen before there was the right one.
+/// The session's own server chooses by itself, and now and then takes the sink's monitor.
 bool becomesDefault(const std::string& kind, const std::string& name) {
     return becomesTrue([&] {
         if (MediaSession::run({"pactl", "get-default-" + kind}) == name + "\n") return true;
@@ -61,10 +61,7 @@ bool PipeWireSoundServer::start() {
         becomesTrue(soundAnswers) &&
         MediaSession::run({"pactl", "load-module", "module-null-sink",
                            "media.class=Audio/Source/Virtual", "sink_name=mic"}) &&
-        MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"}) &&
-        // By itself WirePlumber 0.5 takes the sink's monitor now and then.
-        MediaSession::run({"pactl", "set-default-source", "mic"}) &&
-        MediaSession::run({"pactl", "set-default-sink", "nul"});
+        MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"});
     // A stream that comes before the session's own server has seen them is put elsewhere for good.
     return made && becomesDefault("source", "mic") && becomesDefault("sink", "nul");
 }

@@ -1,11 +1,11 @@
 #include "identity/linux/asked_identity.h"
 
+#include "base/system_error.h"
 #include "base/text.h"
 #include "identity/linux/secret_text.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -23,7 +23,7 @@ Result<KnownIdentity> askedIdentity(const std::string& name, const std::optional
         return static_cast<bool>(readIdentity(text)) || text == "\n";
     };
     const auto text = pastedText(STDIN_FILENO, longestPasted, memory, isEnough);
-    if (!text) return Failure{message("standaardinvoer niet te lezen: %1", {std::strerror(errno)})};
+    if (!text) return Failure{message("standaardinvoer niet te lezen: %1", {systemError(errno)})};
     const auto pasted = readIdentity(*text);
     if (!pasted) return pasted.failure();
     return KnownIdentity{.key = pasted->key, .name = name, .fixedId = sameAs ? sameAs : pasted->id};

@@ -1,12 +1,12 @@
 #include "identity/linux/identities_file.h"
 
+#include "base/system_error.h"
 #include "files/linux/replace_file.h"
 #include "identity/linux/secret_text.h"
 #include "identity/stored_identities.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 #include <fcntl.h>
@@ -79,11 +79,11 @@ Failure IdentitiesFile::trouble(const Message& what) const {
 Result<KnownIdentities> IdentitiesFile::read() {
     const Descriptor file(open(file_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file.isOpen() && errno == ENOENT) return KnownIdentities(&memory_);
-    if (!file.isOpen()) return trouble(std::strerror(errno));
+    if (!file.isOpen()) return trouble(systemError(errno));
     if (const int error = madePrivate(file.number(), S_IFREG, ownerOnly))
-        return trouble(std::strerror(error));
+        return trouble(systemError(error));
     auto text = secretText(file.number(), largestFile, memory_, [](auto) { return false; });
-    if (!text) return trouble(std::strerror(errno));
+    if (!text) return trouble(systemError(errno));
     if (text->size() > largestFile) return trouble(message("groter dan 64 kB"));
     auto identities = decodeIdentities(*text, memory_);
     if (!identities) return trouble(identities.failure().message);
@@ -95,12 +95,12 @@ std::optional<Failure> IdentitiesFile::change(std::span<const Uuid> gone,
     std::error_code ignored; // opening it says what is wrong
     fs::create_directories(file_.parent_path(), ignored);
     const Descriptor folder(open(file_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!folder.isOpen()) return trouble(std::strerror(errno));
+    if (!folder.isOpen()) return trouble(systemError(errno));
     if (const int error = madePrivate(folder.number(), S_IFDIR, folderOfOwner))
-        return trouble(std::strerror(error));
+        return trouble(systemError(error));
     // Two that each read, change and write would lose one of the changes. Not waited for: it takes
     // the other a moment, and whoever judges meanwhile must not stand still.
-    if (flock(folder.number(), LOCK_EX | LOCK_NB) != 0) return trouble(std::strerror(errno));
+    if (flock(folder.number(), LOCK_EX | LOCK_NB) != 0) return trouble(systemError(errno));
     const auto kept = read();
     if (!kept) return kept.failure();
     KnownIdentities all(&memory_);
@@ -115,7 +115,7 @@ std::optional<Failure> IdentitiesFile::change(std::span<const Uuid> gone,
 
 std::optional<Failure> IdentitiesFile::write(const KnownIdentities& all) const {
     const int error = replaceFile(file_, encodeIdentities(all, memory_), ownerOnly);
-    return error == 0 ? std::nullopt : std::optional(trouble(std::strerror(error)));
+    return error == 0 ? std::nullopt : std::optional(trouble(systemError(error)));
 }
 
 } // namespace wegslot
