@@ -9,7 +9,8 @@ namespace {
 
 bool soundAnswers() { return MediaSession::run({"pactl", "info"}).has_value(); }
 
-/// The session's own server chooses by itself, and now and then takes the sink's monitor.
+/// The server chooses by itself, but may have chosen before there was the right one; WirePlumber
+/// 0.5 takes a sink's monitor for a source now and then.
 bool becomesDefault(const std::string& kind, const std::string& name) {
     return becomesTrue([&] {
         if (MediaSession::run({"pactl", "get-default-" + kind}) == name + "\n") return true;
