@@ -33,7 +33,7 @@ std::optional<PrivateAddress> privateAddress(std::string_view text) {
         const bool isLower = sign >= 'a' && sign <= 'f';
         const auto digit = hexadecimalDigits.find(isLower ? static_cast<char>(sign - 32) : sign);
         if (digit == std::string_view::npos) return std::nullopt;
-        octets[i / 3] = static_cast<std::uint8_t>(octets[i / 3] << 4U | digit);
+        octets[i / 3] = static_cast<std::uint8_t>(octets[i / 3] * 16U + digit);
     }
     // The two highest bits tell the kinds of random addresses apart: 01 for these.
     if (octets[0] >> 6U != 1) return std::nullopt;
@@ -53,7 +53,7 @@ struct Identities::Entry {
         }
         Order(const Order&) = default;
         Order& operator=(const Order&) = default;
-        ~Order() { wipe({reinterpret_cast<std::uint8_t*>(&cipher), sizeof(cipher)}); } // NOLINT
+        ~Order() { wipe(cipher); }
 
         [[nodiscard]] bool explains(const PrivateAddress& address) const {
             std::array<std::uint8_t, AES_BLOCK_SIZE> padded{};

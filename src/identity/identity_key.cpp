@@ -167,6 +167,12 @@ Result<PastedIdentity> inPropertyList(std::string_view list) {
     return pasted;
 }
 
+Result<PastedIdentity> alone(std::string_view text) {
+    const auto key = keyIn(text);
+    if (!key) return key.failure();
+    return PastedIdentity{.key = *key, .id = std::nullopt};
+}
+
 } // namespace
 
 void wipe(std::span<std::uint8_t> bytes) {
@@ -188,7 +194,8 @@ Uuid IdentityKey::deviceId() const {
     std::array<std::uint8_t, SHA256_DIGEST_SIZE> hash{};
     sha256_init(&context);
     sha256_update(&context, first.size(), first.data());
-    sha256_digest(&context, hash.size(), hash.data()); // leaves a context that knows nothing
+    sha256_digest(&context, hash.size(), hash.data());
+    wipe(context); // it still has what it was given
     return identityId(hash);
 }
 
@@ -209,13 +216,8 @@ void IdentityKey::appendHexadecimal(std::pmr::string& text) const {
 Result<PastedIdentity> readIdentity(std::string_view text) {
     if (text.size() > longestPasted)
         return Failure{message("dit is geen identiteit: langer dan 16 kB")};
-    Result<PastedIdentity> pasted = text.find('<') != std::string_view::npos
-                                        ? inPropertyList(text)
-                                        : [&]() -> Result<PastedIdentity> {
-        const auto key = keyIn(text);
-        if (!key) return key.failure();
-        return PastedIdentity{.key = *key, .id = std::nullopt};
-    }();
+    const bool isList = text.find('<') != std::string_view::npos;
+    auto pasted = isList ? inPropertyList(text) : alone(text);
     if (pasted && pasted->key == IdentityKey())
         return Failure{message("dit is de lege identiteit: dit apparaat heeft er geen")};
     return pasted;

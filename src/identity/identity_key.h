@@ -15,11 +15,19 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace wegslot {
 
 /// Overwrites what stands there, also where nobody would read it again.
 void wipe(std::span<std::uint8_t> bytes);
+
+/// The same with all of an object that is its bytes and no more.
+template <typename T>
+void wipe(T& object) {
+    static_assert(std::is_trivially_copyable_v<T>);
+    wipe(std::span(reinterpret_cast<std::uint8_t*>(&object), sizeof object)); // NOLINT
+}
 
 class IdentityKey {
 public:
@@ -29,7 +37,7 @@ public:
     IdentityKey() = default;
     IdentityKey(const IdentityKey&) = default;
     IdentityKey& operator=(const IdentityKey&) = default;
-    ~IdentityKey() { wipe(bytes); }
+    ~IdentityKey() { wipe(std::span(bytes)); }
 
     /// The same, read from its other end: sources do not agree on which is the first.
     [[nodiscard]] IdentityKey reversed() const;

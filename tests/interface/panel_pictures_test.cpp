@@ -124,6 +124,7 @@ struct PanelInALanguageTest : PanelPicturesTest {
             WEGSLOT_BUILD_FOLDER "/CMakeCache.txt");
         auto band = keyNamed("Tag", 3);
         band.isApple = false;
+        band.isPasted = true;
         view.reset();
         model.reset();
         open({keyNamed("iPhone", 1), keyNamed("Watch", 2), band}, 1600, PanelModel::Expand::all);
