@@ -33,7 +33,8 @@ std::optional<PrivateAddress> privateAddress(std::string_view text) {
         const bool isLower = sign >= 'a' && sign <= 'f';
         const auto digit = hexadecimalDigits.find(isLower ? static_cast<char>(sign - 32) : sign);
         if (digit == std::string_view::npos) return std::nullopt;
-        octets[i / 3] = static_cast<std::uint8_t>(octets[i / 3] * 16U + digit);
+        std::uint8_t& octet = octets[i / 3];
+        octet = static_cast<std::uint8_t>(std::size_t{octet} << 4U | digit);
     }
     // The two highest bits tell the kinds of random addresses apart: 01 for these.
     if (octets[0] >> 6U != 1) return std::nullopt;

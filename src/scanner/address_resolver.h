@@ -29,7 +29,10 @@ public:
     virtual void learned(const Uuid& /*from*/, const Uuid& /*to*/) {}
 
     /// Tells `listener` when others are known than before.
-    [[nodiscard]] virtual Subscription onChange(std::function<void()> /*listener*/) { return {}; }
+    [[nodiscard]] virtual Subscription
+    onChange(std::function<void()> /*listener*/) { // NOLINT(performance-unnecessary-value-param)
+        return {};
+    }
 };
 
 } // namespace wegslot
