@@ -121,6 +121,7 @@ void emitChanged(Bus& bus, const std::string& path, const std::string& interface
                  const std::vector<std::string>& properties) {
     std::vector<std::string> names = properties; // the library takes a list that it may write to
     std::vector<char*> list;
+    list.reserve(names.size() + 1);
     for (std::string& name : names)
         list.push_back(name.data());
     list.push_back(nullptr);

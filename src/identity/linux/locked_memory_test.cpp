@@ -150,6 +150,7 @@ TEST(LockedMemoryTest, AnIdentityStandsNowhereElseFromItsFileToItsEnd) {
     }
     // The search finds what is there.
     std::vector<std::uint8_t> copy;
+    copy.reserve(hidden.size());
     for (const std::uint8_t byte : hidden)
         copy.push_back(byte ^ 0x5AU);
     EXPECT_EQ(placesOf(hidden).size(), 1U);

@@ -109,7 +109,8 @@ PreferencesFile::PreferencesFile(fs::path file, Scheduler& scheduler, Access acc
     load();
 }
 
-PreferencesFile::~PreferencesFile() { flush(); }
+// Only memory that has run out throws here.
+PreferencesFile::~PreferencesFile() { flush(); } // NOLINT(bugprone-exception-escape)
 
 fs::path PreferencesFile::pathUnder(const fs::path& configuration) {
     return configuration / "wegslot" / "preferences.json";

@@ -31,7 +31,7 @@ public:
                     Access access = Access::whole);
 
     /// Writes what was still waiting.
-    ~PreferencesFile() override;
+    ~PreferencesFile() override; // NOLINT(bugprone-exception-escape)
 
     /// "wegslot/preferences.json" under the user's folder for configuration.
     [[nodiscard]] static std::filesystem::path
