@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
+#include <initializer_list>
+#include <iostream>
 #include <utility>
 
 namespace wegslot {
@@ -9,14 +12,22 @@ namespace {
 
 bool soundAnswers() { return MediaSession::run({"pactl", "info"}).has_value(); }
 
+/// Waits for `condition`; where it never holds, says what it was and what the servers said.
+bool awaited(const std::string& what, std::initializer_list<Program*> servers,
+             const std::function<bool()>& condition) {
+    if (becomesTrue(condition)) return true;
+    std::cerr << "in vain: " << what << "\n";
+    for (Program* const server : servers)
+        std::cerr << (server->isRunning() ? "runs: " : "ended: ") << server->output() << "\n";
+    return false;
+}
+
 /// The server chooses by itself, but may have chosen before there was the right one; WirePlumber
-/// 0.5 takes a sink's monitor for a source now and then.
-bool becomesDefault(const std::string& kind, const std::string& name) {
-    return becomesTrue([&] {
-        if (MediaSession::run({"pactl", "get-default-" + kind}) == name + "\n") return true;
-        static_cast<void>(MediaSession::run({"pactl", "set-default-" + kind, name}));
-        return false;
-    });
+/// 0.5 takes a sink's monitor for a source now and then. Tells it, until it has heard.
+bool isDefault(const std::string& kind, const std::string& name) {
+    if (MediaSession::run({"pactl", "get-default-" + kind}) == name + "\n") return true;
+    static_cast<void>(MediaSession::run({"pactl", "set-default-" + kind, name}));
+    return false;
 }
 
 } // namespace
@@ -44,7 +55,7 @@ bool PulseAudioServer::start() {
         .words = {"pulseaudio", "-n", "-L", "module-native-protocol-unix", "-L",
                   "module-null-source source_name=mic", "-L", "module-null-sink sink_name=nul",
                   "--exit-idle-time=-1", "--disable-shm", "--daemonize=no"}});
-    return becomesTrue(soundAnswers);
+    return awaited("pulseaudio answers", {server_.get()}, soundAnswers);
 }
 
 std::vector<std::string> PipeWireSoundServer::needs() const {
@@ -54,22 +65,26 @@ std::vector<std::string> PipeWireSoundServer::needs() const {
 bool PipeWireSoundServer::start() {
     if (!daemon_) {
         daemon_ = startPipeWire();
+        if (!daemon_) return false;
         sessionServer_ = std::make_unique<Program>(Program::Start{.words = {"wireplumber"}});
     }
     server_.reset();
     server_ = std::make_unique<Program>(Program::Start{.words = {"pipewire-pulse"}});
+    const auto servers = {daemon_.get(), sessionServer_.get(), server_.get()};
     const bool made =
-        becomesTrue(soundAnswers) &&
+        awaited("pipewire-pulse answers", servers, soundAnswers) &&
         MediaSession::run({"pactl", "load-module", "module-null-sink",
                            "media.class=Audio/Source/Virtual", "sink_name=mic"}) &&
         MediaSession::run({"pactl", "load-module", "module-null-sink", "sink_name=nul"});
     // A stream that comes before the session's own server has seen them is put elsewhere for good.
-    return made && becomesDefault("source", "mic") && becomesDefault("sink", "nul");
+    return made &&
+           awaited("the default source", servers, [] { return isDefault("source", "mic"); }) &&
+           awaited("the default sink", servers, [] { return isDefault("sink", "nul"); });
 }
 
 std::unique_ptr<Program> startPipeWire() {
     auto daemon = std::make_unique<Program>(Program::Start{.words = {"pipewire"}});
-    const bool answers = becomesTrue([] {
+    const bool answers = awaited("pipewire answers", {daemon.get()}, [] {
         return MediaSession::run({"pw-cli", "info", "0"}).has_value();
     });
     return answers ? std::move(daemon) : nullptr;
