@@ -27,18 +27,23 @@ int getProperty(sd_bus*, const char*, const char*, const char* name, sd_bus_mess
     return writer.isWhole() ? 0 : -EINVAL;
 }
 
+using OwnedMessage = std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)>;
+
 int callMethod(sd_bus_message* call, void* data, sd_bus_error* error) {
     const auto& methods = static_cast<Exported*>(data)->interface.methods;
     const std::string_view member = sd_bus_message_get_member(call);
     const auto found = std::ranges::find(methods, member, &Method::name);
     if (found == methods.end()) return -ENOENT;
-    // A copy: answering may end the object.
+    // Copies: answering may end the object.
+    if (const auto answerLater = found->answerLater) {
+        answerLater(Message{call}, Answer{call});
+        return 1;
+    }
     const auto answer = found->answer;
     sd_bus_message* reply = nullptr;
     if (const int result = sd_bus_message_new_method_return(call, &reply); result < 0)
         return result;
-    const std::unique_ptr<sd_bus_message, decltype(&sd_bus_message_unref)> owned(
-        reply, sd_bus_message_unref);
+    const OwnedMessage owned(reply, sd_bus_message_unref);
     Writer writer(reply);
     answer(Message{call}, writer);
     if (!writer.refusal().empty())
@@ -83,6 +88,38 @@ void destroyExported(void* data) {
 }
 
 } // namespace
+
+Answer::Answer(sd_bus_message* call) : call_(sd_bus_message_ref(call)) {}
+
+Answer& Answer::operator=(Answer&& other) noexcept {
+    if (this == &other) return *this;
+    end();
+    call_ = std::exchange(other.call_, nullptr);
+    return *this;
+}
+
+Answer::~Answer() { end(); }
+
+void Answer::end() { refuse(SD_BUS_ERROR_FAILED, "given up"); }
+
+void Answer::give(const Writer::Fill& fill) {
+    if (call_ == nullptr) return;
+    sd_bus_message* reply = nullptr;
+    if (sd_bus_message_new_method_return(call_, &reply) < 0) return end();
+    const OwnedMessage owned(reply, sd_bus_message_unref);
+    Writer writer(reply);
+    if (fill) fill(writer);
+    if (!writer.isWhole()) return end();
+    sd_bus_send(nullptr, reply, nullptr);
+    sd_bus_message_unref(std::exchange(call_, nullptr));
+}
+
+void Answer::refuse(const std::string& error, const std::string& why) {
+    if (call_ == nullptr) return;
+    // Nothing is sent where nothing was asked to be answered, nor on a bus that has closed.
+    sd_bus_reply_method_errorf(call_, error.c_str(), "%s", why.c_str());
+    sd_bus_message_unref(std::exchange(call_, nullptr));
+}
 
 Subscription exportObject(Bus& bus, const std::string& path, Interface interface) {
     auto exported = std::make_unique<Exported>();

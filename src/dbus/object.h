@@ -1,6 +1,6 @@
 // An object of ours on a bus: one interface with properties that are read on demand, methods that
-// are answered at once, and signals. Introspection, property calls and the object manager come with
-// it.
+// are answered at once or when the answer is known, and signals. Introspection, property calls and
+// the object manager come with it.
 #pragma once
 
 #include "base/handle.h"
@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace wegslot::dbus {
@@ -28,11 +29,38 @@ struct Property {
     Telling telling = Telling::none;
 };
 
+/// A call that waits for its answer. One that is given up unanswered is answered with an error, so
+/// that nobody waits in vain.
+class Answer {
+public:
+    explicit Answer(sd_bus_message* call);
+    Answer(Answer&& other) noexcept : call_(std::exchange(other.call_, nullptr)) {}
+    Answer& operator=(Answer&& other) noexcept;
+    Answer(const Answer&) = delete;
+    Answer& operator=(const Answer&) = delete;
+    ~Answer();
+
+    /// `fill` appends the results of the method.
+    void give(const Writer::Fill& fill = {});
+
+    /// `error` is a name ("org.bluez.Error.Rejected"), `why` for a person.
+    void refuse(const std::string& error, const std::string& why);
+
+private:
+    void end();
+
+    sd_bus_message* call_; ///< null once it is answered
+};
+
 struct Method {
     std::string name;
-    std::string arguments; ///< signatures
-    std::string results;
-    std::function<void(const Message& call, Writer& answer)> answer;
+    std::string arguments = {}; ///< signatures
+    std::string results = {};
+    /// Answers at once.
+    std::function<void(const Message& call, Writer& answer)> answer = {};
+    /// In its place, for what is answered later, or refused under an error's own name. The message
+    /// is there until it returns.
+    std::function<void(const Message& call, Answer answer)> answerLater = {};
 };
 
 struct Signal {

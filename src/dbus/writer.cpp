@@ -17,6 +17,8 @@ void Writer::byte(std::uint8_t value) { basic('y', &value); }
 
 void Writer::int16(std::int16_t value) { basic('n', &value); }
 
+void Writer::uint16(std::uint16_t value) { basic('q', &value); }
+
 void Writer::int32(std::int32_t value) { basic('i', &value); }
 
 void Writer::uint32(std::uint32_t value) { basic('u', &value); }

@@ -24,6 +24,7 @@ public:
     void boolean(bool value);
     void byte(std::uint8_t value);
     void int16(std::int16_t value);
+    void uint16(std::uint16_t value);
     void int32(std::int32_t value);
     void uint32(std::uint32_t value);
     void int64(std::int64_t value);

@@ -23,6 +23,8 @@ struct ExportedObjectTest : testing::Test {
 
     std::string level = "laag";
     int called = 0;
+    std::vector<dbus::Answer> waiting;
+    std::vector<Subscription> calls;
 
     [[nodiscard]] std::string name() const {
         const char* unique = nullptr;
@@ -42,6 +44,30 @@ struct ExportedObjectTest : testing::Test {
                              answer.text(std::exchange(
                                  level, std::string(call.read().text().value_or(""))));
                          }}}};
+    }
+    /// Answers when `waiting` does.
+    [[nodiscard]] dbus::Interface patientLamp() {
+        return {.name = "nl.example.Lamp",
+                .methods = {{.name = "Set",
+                             .results = "s",
+                             .answerLater = [this](const dbus::Message&, dbus::Answer answer) {
+                                 waiting.push_back(std::move(answer));
+                             }}}};
+    }
+    /// What comes of a call, once it has.
+    std::shared_ptr<std::string> asked() {
+        const auto result = std::make_shared<std::string>();
+        calls.push_back(other->call({.destination = name(),
+                                     .path = "/lamp",
+                                     .interface = "nl.example.Lamp",
+                                     .member = "Set"},
+                                    [result](const dbus::Message& answer) {
+                                        *result = answer.error()
+                                                      ? *answer.error() + ": " +
+                                                            std::string(answer.errorText())
+                                                      : std::string(*answer.read().text());
+                                    }));
+        return result;
     }
     /// What `read` makes of the answer; the error's name when it is one.
     std::string ask(const std::string& path, const std::string& interface,
@@ -132,6 +158,68 @@ TEST_F(ExportedObjectTest, AnObjectMayEndFromWithinACallToIt) {
     EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Break", {}, text), "stuk");
     EXPECT_EQ(ask("/lamp", "nl.example.Lamp", "Break", {}, text),
               "org.freedesktop.DBus.Error.UnknownObject");
+}
+
+TEST_F(ExportedObjectTest, AMethodMayBeAnsweredWhenTheAnswerIsKnown) {
+    const auto shown = dbus::exportObject(*ours, "/lamp", patientLamp());
+    loop.settle();
+    const auto first = asked();
+    const auto second = asked();
+    loop.settle();
+    ASSERT_EQ(waiting.size(), 2U);
+    EXPECT_EQ(*first, "");
+    waiting[1].give([](dbus::Writer& writer) { writer.text("twee"); });
+    waiting[0].give([](dbus::Writer& writer) { writer.text("een"); });
+    waiting[0].give([](dbus::Writer& writer) { writer.text("nog een"); }); // is answered
+    loop.settle();
+    EXPECT_EQ(*first, "een");
+    EXPECT_EQ(*second, "twee");
+}
+
+TEST_F(ExportedObjectTest, AnAnswerMayBeAnErrorOfAnyName) {
+    const auto shown = dbus::exportObject(*ours, "/lamp", patientLamp());
+    loop.settle();
+    const auto result = asked();
+    loop.settle();
+    ASSERT_EQ(waiting.size(), 1U);
+    waiting[0].refuse("nl.example.Error.Dark", "100% donker");
+    loop.settle();
+    EXPECT_EQ(*result, "nl.example.Error.Dark: 100% donker");
+}
+
+TEST_F(ExportedObjectTest, ACallThatIsGivenUpOrCannotBeAnsweredIsNotLeftWaiting) {
+    auto shown = dbus::exportObject(*ours, "/lamp", patientLamp());
+    loop.settle();
+    const auto forgotten = asked();
+    const auto spoiled = asked();
+    const auto replaced = asked();
+    loop.settle();
+    ASSERT_EQ(waiting.size(), 3U);
+    waiting[1].give([](dbus::Writer& writer) { writer.text("\xFF"); }); // not UTF-8
+    waiting[2] = std::move(waiting[0]);
+    shown.reset(); // the object may go first
+    loop.settle();
+    EXPECT_EQ(*forgotten, "");
+    waiting.clear();
+    loop.settle();
+    const std::string givenUp = "org.freedesktop.DBus.Error.Failed: given up";
+    EXPECT_EQ(*forgotten, givenUp);
+    EXPECT_EQ(*spoiled, givenUp);
+    EXPECT_EQ(*replaced, givenUp);
+}
+
+TEST_F(ExportedObjectTest, AnAnswerMayOutliveTheBus) {
+    auto shown = dbus::exportObject(*ours, "/lamp", patientLamp());
+    loop.settle();
+    const auto result = asked();
+    loop.settle();
+    ASSERT_EQ(waiting.size(), 1U);
+    shown.reset();
+    drivingOurs.reset();
+    ours.reset();
+    waiting[0].give([](dbus::Writer& writer) { writer.text("te laat"); });
+    EXPECT_TRUE(loop.runUntil([&] { return !result->empty(); }));
+    EXPECT_TRUE(result->starts_with("org.freedesktop.DBus.Error.NoReply")) << *result;
 }
 
 TEST_F(ExportedObjectTest, ChangesAreToldOfWithoutTheirValue) {
