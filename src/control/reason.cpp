@@ -29,6 +29,7 @@ constexpr std::array known{
     Known{"bluetoothDenied", 0, 0,
           [](const Names&) { return radioWords(CentralState::unauthorized); }},
     Known{"bluetoothNotRunning", 0, 0, [](const Names&) { return withoutRadioService(); }},
+    Known{"bluetoothCoupling", 0, 0, [](const Names&) { return lentRadio(); }},
     Known{"userActive", 0, 0, [](const Names&) { return text(pause::Active{}); }},
     Known{"cameraInUse", 0, 0, [](const Names&) { return text(pause::Camera{}); }},
     Known{"microphoneInUse", 0, 1,

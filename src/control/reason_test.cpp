@@ -26,6 +26,7 @@ TEST(Reason, EverythingThatIsTheMatterWithTheRadioHasACode) {
               (Reason{"bluetoothUnsupported", {}}));
     EXPECT_EQ(reasonOf(radioWords(CentralState::unauthorized)), (Reason{"bluetoothDenied", {}}));
     EXPECT_EQ(reasonOf(withoutRadioService()), (Reason{"bluetoothNotRunning", {}}));
+    EXPECT_EQ(reasonOf(lentRadio()), (Reason{"bluetoothCoupling", {}}));
 }
 
 TEST(Reason, EveryPauseHasACode) {

@@ -21,4 +21,6 @@ Message radioWords(CentralState state) {
 
 Message withoutRadioService() { return message("Bluetooth draait niet op deze computer"); }
 
+Message lentRadio() { return message("Bluetooth koppelt een toestel"); }
+
 } // namespace wegslot

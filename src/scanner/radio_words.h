@@ -11,4 +11,7 @@ namespace wegslot {
 /// Where nothing on this computer drives a radio.
 [[nodiscard]] Message withoutRadioService();
 
+/// While a phone bonds with this computer.
+[[nodiscard]] Message lentRadio();
+
 } // namespace wegslot

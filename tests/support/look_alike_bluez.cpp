@@ -139,9 +139,14 @@ void LookAlikeBluez::removeAdapter(const std::string& path) {
 }
 
 void LookAlikeBluez::setPowered(bool powered, const std::string& path) {
-    adapters_[path]["Powered"] = powered;
     if (!powered) setDiscovering(false);
-    changed(path, adapterInterface, {{"Powered", powered}});
+    changeAdapter({{"Powered", powered}}, path);
+}
+
+void LookAlikeBluez::changeAdapter(const Properties& properties, const std::string& path) {
+    for (const auto& [name, value] : properties)
+        adapters_[path][name] = value;
+    changed(path, adapterInterface, properties);
 }
 
 void LookAlikeBluez::addDevice(const std::string& address, std::optional<std::int16_t> rssi,
@@ -233,6 +238,8 @@ void LookAlikeBluez::rememberFilter(sd_bus_message* call) {
 
 void LookAlikeBluez::setDiscovering(bool discovering) {
     const bool before = std::exchange(discovering_, discovering);
+    if (before != discovering && adapters_.contains(adapterPath))
+        changeAdapter({{"Discovering", discovering}});
     if (discovering && onScan) onScan();
     if (before && !discovering && onScanEnd) onScanEnd();
 }

@@ -31,6 +31,10 @@ public:
     void addAdapter(const std::string& path = adapterPath, bool powered = true);
     void removeAdapter(const std::string& path = adapterPath);
     void setPowered(bool powered, const std::string& path = adapterPath);
+    void changeAdapter(const Properties& changed, const std::string& path = adapterPath);
+    [[nodiscard]] const Properties& adapter(const std::string& path = adapterPath) {
+        return adapters_[path];
+    }
 
     /// A device with `address`, announced with `rssi` if there is one.
     void addDevice(const std::string& address, std::optional<std::int16_t> rssi = {},

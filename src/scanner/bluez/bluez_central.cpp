@@ -92,12 +92,34 @@ bool BluezCentral::isUndecided(CentralState state) const {
 }
 
 void BluezCentral::giveUpRadio() {
-    connections_.leave(); // an adapter that may stay
+    connections_.leave(linksThen()); // an adapter that may stay
     dropRadio();
     scanWanted_ = false;
 }
 
+Handle BluezCentral::lend() {
+    surroundings_.isLent = true;
+    loan_ = scheduler_.after(longestLoan, [this] { takeBack(); });
+    connections_.leave(linksThen());
+    surroundingsChanged();
+    return Handle{[this, loan = ++loans_] {
+        if (loan == loans_) takeBack();
+    }};
+}
+
+void BluezCentral::takeBack() {
+    loan_.reset();
+    surroundings_.isLent = false;
+    surroundingsChanged();
+}
+
+bluez::Connections::LinksThen BluezCentral::linksThen() const {
+    using LinksThen = bluez::Connections::LinksThen;
+    return renewal_ || surroundings_.isLent ? LinksThen::kept : LinksThen::forgotten;
+}
+
 bool BluezCentral::canScan() const {
+    if (surroundings_.isLent) return false;
     if (!watch_ || watch_->daemon() != Daemon::ready || !adapter_) return false;
     const auto& adapters = watch_->objects().adapters();
     const auto found = adapters.find(*adapter_);
@@ -143,8 +165,7 @@ void BluezCentral::dropRadio() {
     readings_.clear();
     measured_.clear();
     gatt_.clearRadio();
-    using LinksThen = bluez::Connections::LinksThen;
-    connections_.clearRadio(renewal_ ? LinksThen::kept : LinksThen::forgotten);
+    connections_.clearRadio(linksThen());
 }
 
 void BluezCentral::want(const Wanted& wanted) {

@@ -37,6 +37,10 @@ public:
     /// How long a new connection to the bus may take before the radio counts as gone meanwhile.
     static constexpr Nanoseconds renewal = std::chrono::seconds{5};
 
+    /// How long the radio is lent at most. A phone has two minutes to find this computer, a minute
+    /// for the code and one to bond; then the same once more, without the two minutes.
+    static constexpr Nanoseconds longestLoan = std::chrono::minutes{6};
+
     /// The bus should be the central's own: a deaf radio is also treated by leaving it. All must
     /// outlive the central.
     BluezCentral(dbus::Connection& systemBus, Scheduler& scheduler, const Clock& clock,
@@ -53,8 +57,14 @@ public:
         return bus_ != nullptr && (surroundings_.daemon == bluez::Daemon::unknown ||
                                    surroundings_.daemon == bluez::Daemon::loading);
     }
+    /// Gives the radio away until the handle ends, which must be before the central does, or for
+    /// `longestLoan`: meanwhile nothing is listened for and nothing is connected, and the state
+    /// says so. Links that stand are left alone. A later loan takes the place of one before.
+    [[nodiscard]] Handle lend();
+
     /// The object path of the adapter in use.
     [[nodiscard]] const std::optional<std::string>& adapter() const { return adapter_; }
+    [[nodiscard]] const bluez::Surroundings& surroundings() const { return surroundings_; }
     /// Whoever may log in may use BlueZ; a refusal shows in the state.
     [[nodiscard]] CentralAuthorization authorization() const override {
         return CentralAuthorization::allowedAlways;
@@ -121,6 +131,8 @@ private:
     void report(CentralState state);
     [[nodiscard]] bool isUndecided(CentralState state) const;
     void giveUpRadio();
+    void takeBack();
+    [[nodiscard]] bluez::Connections::LinksThen linksThen() const;
     void takeRadio();
     void dropRadio();
     [[nodiscard]] bool canScan() const;
@@ -148,6 +160,7 @@ private:
     bluez::Hearing hearing_;
     Wanted wanted_;
     bluez::Surroundings surroundings_;
+    int loans_ = 0; ///< so far; the last may be going
     bool discoveryDenied_ = false;
     bool toldUnreadable_ = false;           ///< that links' strengths cannot be read
     bool scanWanted_ = false;               ///< the scanner asked for it since the radio came on
@@ -159,6 +172,7 @@ private:
     Timer evaluation_;
     Timer grace_;
     Timer deafness_;
+    Timer loan_;    ///< held while the radio is lent
     Timer renewal_; ///< held while a new connection to the bus is being made
     Subscription sleep_;
     Subscription identities_;

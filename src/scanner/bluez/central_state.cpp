@@ -17,6 +17,12 @@ CentralState stateOf(const Adapter& adapter) {
     return CentralState::poweredOff; // switched off or blocked: for a person the same
 }
 
+/// It would be on, but somebody has it.
+bool isAway(const Surroundings& surroundings) {
+    return surroundings.isLent && surroundings.daemon == Daemon::ready && surroundings.adapter &&
+           stateOf(*surroundings.adapter) == CentralState::poweredOn;
+}
+
 } // namespace
 
 std::optional<std::string> chosenAdapter(const ObjectTree& objects) {
@@ -31,6 +37,7 @@ std::optional<std::string> chosenAdapter(const ObjectTree& objects) {
 }
 
 CentralState stateIn(const Surroundings& surroundings) {
+    if (isAway(surroundings)) return CentralState::resetting;
     switch (surroundings.daemon) {
     case Daemon::unknown:
         return CentralState::unknown;
@@ -49,6 +56,7 @@ CentralState stateIn(const Surroundings& surroundings) {
 }
 
 std::optional<Message> wordsIn(const Surroundings& surroundings) {
+    if (isAway(surroundings)) return lentRadio();
     if (surroundings.daemon != Daemon::absent || !surroundings.graceIsOver) return std::nullopt;
     return withoutRadioService();
 }

@@ -28,6 +28,7 @@ struct Surroundings {
     std::optional<Adapter> adapter;
     bool hadAdapter = false;  ///< since the daemon was found
     bool graceIsOver = false; ///< for the daemon or the adapter that is missing
+    bool isLent = false;      ///< the radio, to who appears as a peripheral
 };
 
 [[nodiscard]] CentralState stateIn(const Surroundings& surroundings);

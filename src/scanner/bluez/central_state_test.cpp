@@ -48,6 +48,22 @@ TEST(BluezState, OnlyADaemonThatStaysAwayHasWordsOfItsOwn) {
     EXPECT_EQ(wordsIn({.daemon = Daemon::loading, .graceIsOver = true}), std::nullopt);
 }
 
+TEST(BluezState, ARadioThatIsLentIsAwayAndSaysSoWhereItWouldBeOn) {
+    const Surroundings lent{
+        .daemon = Daemon::ready, .adapter = Adapter{.powered = true}, .isLent = true};
+    EXPECT_EQ(stateIn(lent), CentralState::resetting);
+    EXPECT_EQ(wordsIn(lent), "Bluetooth koppelt een toestel");
+    Surroundings off = lent;
+    off.adapter->powered = false;
+    EXPECT_EQ(stateIn(off), CentralState::poweredOff);
+    EXPECT_EQ(wordsIn(off), std::nullopt);
+    Surroundings gone = lent;
+    gone.daemon = Daemon::absent;
+    gone.graceIsOver = true;
+    EXPECT_EQ(stateIn(gone), CentralState::unsupported);
+    EXPECT_EQ(wordsIn(gone), "Bluetooth draait niet op deze computer");
+}
+
 TEST(BluezState, OnlyWhatIsMissingHasAGrace) {
     EXPECT_EQ(graceFor({.daemon = Daemon::absent}), daemonGrace);
     EXPECT_EQ(graceFor({.daemon = Daemon::ready}), adapterGrace);

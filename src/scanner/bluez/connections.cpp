@@ -33,18 +33,27 @@ Connections::Connections(const Teller& tell, ConnectionListener& listener, Links
 
 Connections::~Connections() {
     // BlueZ keeps a link whoever asked for it has gone.
-    leave();
+    leave(LinksThen::forgotten);
 }
 
-void Connections::leave() {
-    for (const Uuid& id : ours_)
-        if (const Device* const known = device(id)) close(id, *known);
-    ours_.clear();
+void Connections::leave(LinksThen links) {
+    if (!radio_) return;
+    std::erase_if(ours_, [this, links](const Uuid& id) {
+        const Device* const known = device(id);
+        if (known != nullptr && links == LinksThen::kept && isLinked(*known)) return false;
+        if (known != nullptr) close(id, *known);
+        return true;
+    });
 }
 
 void Connections::setRadio(dbus::Bus& bus, const ObjectTree& objects, std::string adapter) {
     radio_.emplace(Radio{bus, objects, std::move(adapter)});
     failures_.clear();
+    // What was ours and has ended meanwhile may stand again, as another's.
+    std::erase_if(ours_, [this](const Uuid& id) {
+        const Device* const known = device(id);
+        return known == nullptr || !isLinked(*known);
+    });
     for (const auto& [id, connection] : connections_)
         delayed_.after(Nanoseconds{0}, [this, id = id] { consider(id); });
 }

@@ -73,8 +73,9 @@ public:
     /// The radio went. What was connected is lost; requests stay.
     void clearRadio(LinksThen links);
 
-    /// Ends the links and gives up the attempts that are ours: another adapter is used from now on.
-    void leave();
+    /// Gives up the attempts that are ours, and ends our links unless they are `kept`: somebody
+    /// else uses the adapter from now on, or we another.
+    void leave(LinksThen links);
 
     /// Devices that may be connected without a bond, if their address is fixed: somebody chose
     /// them as keys.

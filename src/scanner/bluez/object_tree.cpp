@@ -83,13 +83,22 @@ Device& ObjectTree::made(std::string_view path) {
 void ObjectTree::readAdapter(std::string_view path, dbus::Reader& properties) {
     Adapter& adapter = adapters_[std::string(path)];
     properties.properties([&adapter](std::string_view name, dbus::Reader& value) {
-        if (name == "Powered") {
+        if (name == "Address") {
+            assign(adapter.address, value.text());
+        } else if (name == "Powered") {
             assign(adapter.powered, value.boolean());
+        } else if (name == "Discoverable") {
+            assign(adapter.discoverable, value.boolean());
+        } else if (name == "Pairable") {
+            assign(adapter.pairable, value.boolean());
+        } else if (name == "Discovering") {
+            assign(adapter.discovering, value.boolean());
         } else if (name == "PowerState") {
             if (const auto state = value.text()) adapter.powerState = std::string(*state);
         } else if (name == "Roles") {
             const auto roles = value.texts();
             adapter.isCentral = std::ranges::find(roles, "central") != roles.end();
+            adapter.isPeripheral = std::ranges::find(roles, "peripheral") != roles.end();
         }
     });
 }
@@ -186,6 +195,20 @@ void ObjectTree::forgetId(const std::string& path, const Device& device) {
 void ObjectTree::setMonitors(std::string_view adapterPath, bool offered) {
     if (offered || adapters_.contains(adapterPath))
         adapters_[std::string(adapterPath)].hasMonitors = offered;
+}
+
+void ObjectTree::readAdvertising(std::string_view path, dbus::Reader& properties) {
+    std::optional<int>& room = adapters_[std::string(path)].advertisingRoom;
+    if (!room) room = 0;
+    properties.properties([&room](std::string_view name, dbus::Reader& value) {
+        const auto number = name == "SupportedInstances" ? value.integer() : std::nullopt;
+        if (number) room = static_cast<int>(*number);
+    });
+}
+
+void ObjectTree::removeAdvertising(std::string_view path) {
+    const auto found = adapters_.find(path);
+    if (found != adapters_.end()) found->second.advertisingRoom.reset();
 }
 
 void ObjectTree::removeAdapter(std::string_view path) { adapters_.erase(std::string(path)); }

@@ -21,15 +21,24 @@ namespace wegslot::bluez {
 inline constexpr const char* deviceInterface = "org.bluez.Device1";
 inline constexpr const char* bearerInterface = "org.bluez.Bearer.LE1";
 
-/// What is followed of an org.bluez.Adapter1.
+/// What is followed of an org.bluez.Adapter1, and of the managers beside it.
 struct Adapter {
+    std::string address = {};
     bool powered = false;
     /// Absent before BlueZ 5.73, where it is experimental.
-    std::optional<std::string> powerState;
+    std::optional<std::string> powerState = {};
     /// Whether it can scan for and connect to low-energy devices. BlueZ before 5.52 does not say.
     bool isCentral = true;
+    /// Whether others can connect to it; likewise.
+    bool isPeripheral = true;
     /// Whether it has an org.bluez.AdvertisementMonitorManager1.
     bool hasMonitors = false;
+    /// How many advertisements it has room for beside those that are on the air; nothing where it
+    /// has no org.bluez.LEAdvertisingManager1.
+    std::optional<int> advertisingRoom = {};
+    bool discoverable = false; ///< seen by all as a classic device
+    bool pairable = false;     ///< others may bond with it
+    bool discovering = false;  ///< for whatever program
     friend bool operator==(const Adapter&, const Adapter&) = default;
 };
 
@@ -109,6 +118,10 @@ public:
     [[nodiscard]] std::vector<Moved> resolveAnew();
 
     void setMonitors(std::string_view adapterPath, bool offered);
+
+    /// Reads what the adapter at `path` says of advertising.
+    void readAdvertising(std::string_view path, dbus::Reader& properties);
+    void removeAdvertising(std::string_view path);
 
     void removeAdapter(std::string_view path);
     void removeDevice(std::string_view path);

@@ -6,11 +6,13 @@ namespace {
 constexpr const char* service = "org.bluez";
 constexpr const char* adapterInterface = "org.bluez.Adapter1";
 constexpr std::string_view monitorsInterface = "org.bluez.AdvertisementMonitorManager1";
+constexpr auto advertisingInterface = "org.bluez.LEAdvertisingManager1";
 constexpr std::string_view serviceInterface = "org.bluez.GattService1";
 constexpr std::string_view characteristicInterface = "org.bluez.GattCharacteristic1";
 
 bool isOfAdapter(std::string_view interface) {
-    return interface == adapterInterface || interface == monitorsInterface;
+    return interface == adapterInterface || interface == monitorsInterface ||
+           interface == advertisingInterface;
 }
 
 bool isOfGatt(std::string_view interface) {
@@ -38,7 +40,8 @@ ObjectWatch::ObjectWatch(dbus::Bus& bus, Scheduler& scheduler, WatchListener& li
       objects_(resolver) {
     // Signals first: what changes while the objects are read arrives after them or is repeated.
     const auto changed = [this](const dbus::Message& message) { propertiesChanged(message); };
-    for (const auto interface : {deviceInterface, bearerInterface, adapterInterface})
+    for (const auto interface :
+         {deviceInterface, bearerInterface, adapterInterface, advertisingInterface})
         signals_.push_back(bus_.onSignal(service, propertiesOf(interface), changed));
     signals_.push_back(bus_.onSignal(service,
                                      {.interface = "org.bluez.Device1", .member = "Disconnected"},
@@ -124,8 +127,10 @@ void ObjectWatch::removed(std::string_view path, std::string_view interface) {
     if (!isOfAdapter(interface)) return;
     if (interface == adapterInterface) {
         objects_.removeAdapter(path);
-    } else {
+    } else if (interface == monitorsInterface) {
         objects_.setMonitors(path, false);
+    } else {
+        objects_.removeAdvertising(path);
     }
     listener_.surroundingsChanged();
 }
@@ -148,6 +153,7 @@ std::optional<DeviceNews> ObjectWatch::read(std::string_view path, std::string_v
     if (interface == bearerInterface) return objects_.readBearer(path, properties);
     if (interface == adapterInterface) objects_.readAdapter(path, properties);
     if (interface == monitorsInterface) objects_.setMonitors(path, true);
+    if (interface == advertisingInterface) objects_.readAdvertising(path, properties);
     if (interface == serviceInterface) gatt_.readService(path, properties);
     if (interface == characteristicInterface) gatt_.readCharacteristic(path, properties);
     return std::nullopt;
