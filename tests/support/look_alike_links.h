@@ -6,6 +6,8 @@
 
 #include <map>
 #include <memory>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace wegslot {
@@ -19,6 +21,14 @@ public:
     [[nodiscard]] std::optional<bool> isLinked(const std::string&,
                                                const std::string& address) override {
         return permitted ? std::optional(strengths.contains(address)) : std::nullopt;
+    }
+
+    [[nodiscard]] std::optional<bluez::StandingLinks>
+    standing(const std::string&, const std::string& address) override {
+        if (!permitted) return std::nullopt;
+        return bluez::StandingLinks{.lowEnergy = strengths.contains(address),
+                                    .calledUs = callers.contains(address),
+                                    .classic = classic.contains(address)};
     }
 
     [[nodiscard]] Subscription read(const std::string&, const std::string& address,
@@ -39,6 +49,8 @@ public:
     bool permitted = true;
     std::map<std::string, std::optional<int>> strengths; ///< of the links that stand, by address
     std::map<std::string, std::uint8_t> lossCodes;
+    std::set<std::string> callers; ///< who opened their low-energy link themselves
+    std::set<std::string> classic; ///< who has a link of the other kind
 
 private:
     Scheduler& scheduler_;

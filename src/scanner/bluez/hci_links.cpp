@@ -148,10 +148,17 @@ std::optional<hci::ListedConnection> HciLinks::find(const std::string& adapter,
 }
 
 std::optional<bool> HciLinks::isLinked(const std::string& adapter, const std::string& address) {
+    const auto links = standing(adapter, address);
+    return links ? std::optional(links->lowEnergy) : std::nullopt;
+}
+
+std::optional<StandingLinks> HciLinks::standing(const std::string& adapter,
+                                                const std::string& address) {
     const Socket* const socket = socketOf(adapter);
-    if (socket == nullptr || !socket->connections()) return std::nullopt;
-    const auto connection = find(adapter, address);
-    return connection && connection->state == hci::connectedState;
+    const auto connections = socket == nullptr ? std::nullopt : socket->connections();
+    if (!connections) return std::nullopt;
+    const auto wanted = hci::addressOf(address);
+    return wanted ? hci::standingWith(*wanted, *connections) : StandingLinks{};
 }
 
 Subscription HciLinks::read(const std::string& adapter, const std::string& address, Answer answer) {

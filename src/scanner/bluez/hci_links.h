@@ -26,6 +26,8 @@ public:
     [[nodiscard]] bool canRead(const std::string& adapter) override;
     [[nodiscard]] std::optional<bool> isLinked(const std::string& adapter,
                                                const std::string& address) override;
+    [[nodiscard]] std::optional<StandingLinks> standing(const std::string& adapter,
+                                                        const std::string& address) override;
     [[nodiscard]] Subscription read(const std::string& adapter, const std::string& address,
                                     Answer answer) override;
     [[nodiscard]] std::optional<std::uint8_t> lossCode(const std::string& adapter,

@@ -40,6 +40,20 @@ std::optional<std::uint16_t> adapterNumber(std::string_view path) {
     return adapter;
 }
 
+StandingLinks standingWith(const Address& address, std::span<const ListedConnection> connections) {
+    StandingLinks links;
+    for (const ListedConnection& connection : connections) {
+        if (connection.address != address || connection.state != connectedState) continue;
+        if (connection.type != lowEnergyLink) {
+            links.classic = true;
+            continue;
+        }
+        links.lowEnergy = true;
+        links.calledUs = connection.outgoing == 0;
+    }
+    return links;
+}
+
 std::array<std::uint8_t, 6> readRssiCommand(std::uint16_t handle) {
     return {commandPacket,
             readRssiOpcode & 0xFFU,

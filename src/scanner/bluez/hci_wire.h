@@ -2,6 +2,8 @@
 // 4, parts A and E) lay it out: one command, two events, one list of connections. Pure.
 #pragma once
 
+#include "scanner/bluez/links.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -40,6 +42,10 @@ struct ListedConnection {
     std::uint32_t linkMode;
 };
 static_assert(sizeof(ListedConnection) == 16);
+
+/// Which of `connections` stand with `address`.
+[[nodiscard]] StandingLinks standingWith(const Address& address,
+                                         std::span<const ListedConnection> connections);
 
 /// Read RSSI (opcode 0x1405) for the connection with `handle`, as a packet.
 [[nodiscard]] std::array<std::uint8_t, 6> readRssiCommand(std::uint16_t handle);

@@ -23,6 +23,30 @@ TEST(HciWire, AdaptersAreNumberedByTheirPath) {
         EXPECT_EQ(adapterNumber(wrong), std::nullopt) << wrong;
 }
 
+TEST(HciWire, OfAnAddressItsStandingLinksAreKnownByTheirKind) {
+    const Address phone{1, 2, 3, 4, 5, 6};
+    const Address other{9, 9, 9, 9, 9, 9};
+    const auto listed = [](const Address& address, std::uint8_t type, std::uint8_t outgoing,
+                           std::uint16_t state = connectedState) {
+        return ListedConnection{1, address, type, outgoing, state, 0};
+    };
+    constexpr std::uint8_t classic = 0x01;
+    using All = std::vector<ListedConnection>;
+    EXPECT_EQ(standingWith(phone, All{}), StandingLinks{});
+    EXPECT_EQ(standingWith(phone, All{listed(other, lowEnergyLink, 0), listed(other, classic, 0)}),
+              StandingLinks{});
+    EXPECT_EQ(standingWith(phone, All{listed(phone, lowEnergyLink, 0)}),
+              (StandingLinks{.lowEnergy = true, .calledUs = true}));
+    EXPECT_EQ(standingWith(phone, All{listed(phone, lowEnergyLink, 1)}),
+              StandingLinks{.lowEnergy = true});
+    EXPECT_EQ(standingWith(phone, All{listed(phone, classic, 0)}), StandingLinks{.classic = true});
+    EXPECT_EQ(standingWith(phone, All{listed(phone, classic, 1), listed(phone, lowEnergyLink, 0)}),
+              (StandingLinks{.lowEnergy = true, .calledUs = true, .classic = true}));
+    EXPECT_EQ(
+        standingWith(phone, All{listed(phone, lowEnergyLink, 0, 5), listed(phone, classic, 0, 5)}),
+        StandingLinks{}); // still being made
+}
+
 TEST(HciWire, TheCommandCarriesItsHandle) {
     EXPECT_EQ(readRssiCommand(0x0E40),
               (std::array<std::uint8_t, 6>{0x01, 0x05, 0x14, 0x02, 0x40, 0x0E}));

@@ -11,6 +11,14 @@
 
 namespace wegslot::bluez {
 
+/// Which links between an adapter and one address stand.
+struct StandingLinks {
+    bool lowEnergy = false;
+    bool calledUs = false; ///< the low-energy one was opened by the other side
+    bool classic = false;
+    friend bool operator==(const StandingLinks&, const StandingLinks&) = default;
+};
+
 class Links {
 public:
     using Answer = std::function<void(std::optional<int> rssi)>;
@@ -27,6 +35,10 @@ public:
     /// where the kernel does not say.
     [[nodiscard]] virtual std::optional<bool> isLinked(const std::string& adapter,
                                                        const std::string& address) = 0;
+
+    /// Likewise of all its links.
+    [[nodiscard]] virtual std::optional<StandingLinks> standing(const std::string& adapter,
+                                                                const std::string& address) = 0;
 
     /// Reads the strength of the link to `address` in dBm and answers once, later, within a
     /// second or so; with nothing when there is no such link or no measurement. Ending the
