@@ -65,6 +65,11 @@ wegslot_module(bluez
     scanner/bluez/loss_text_test.cpp
   USES base device_id log scanner dbus)
 
+wegslot_module(coupling_linux
+  FILES coupling/linux/pairable_note.cpp coupling/linux/pairable_note.h
+  TESTS coupling/linux/pairable_note_test.cpp
+  USES files_linux log)
+
 wegslot_module(random_uuid
   FILES platform/linux/random_uuid.cpp platform/linux/random_uuid.h
   TESTS platform/linux/random_uuid_test.cpp
