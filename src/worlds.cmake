@@ -70,6 +70,20 @@ wegslot_module(coupling_linux
   TESTS coupling/linux/pairable_note_test.cpp
   USES files_linux log)
 
+wegslot_module(coupling_bluez
+  FILES
+    coupling/bluez/answers.cpp coupling/bluez/answers.h
+    coupling/bluez/bluez_coupling_radio.cpp coupling/bluez/bluez_coupling_radio.h
+    coupling/bluez/heart_rate_service.cpp coupling/bluez/heart_rate_service.h
+    coupling/bluez/obstacle.cpp coupling/bluez/obstacle.h coupling/bluez/pairable.cpp
+    coupling/bluez/pairable.h coupling/bluez/pairing_agent.cpp coupling/bluez/pairing_agent.h
+    coupling/bluez/peripheral_advertisement.cpp coupling/bluez/peripheral_advertisement.h
+    coupling/bluez/served.cpp coupling/bluez/served.h coupling/bluez/stay.cpp
+    coupling/bluez/stay.h coupling/bluez/teller.h coupling/bluez/visits.cpp
+    coupling/bluez/visits.h
+  TESTS coupling/bluez/answers_test.cpp coupling/bluez/obstacle_test.cpp
+  USES base bluez coupling coupling_linux dbus device_id log scanner)
+
 wegslot_module(random_uuid
   FILES platform/linux/random_uuid.cpp platform/linux/random_uuid.h
   TESTS platform/linux/random_uuid_test.cpp

@@ -39,15 +39,17 @@ struct Append {
                 list.text(value);
         });
     }
+    void operator()(const Variant& variant) const {
+        constexpr std::array signatures{"b", "y", "n", "s"};
+        writer.variant(signatures.at(variant.value.index()),
+                       [&variant](Writer& content) { std::visit(Append{content}, variant.value); });
+    }
     void operator()(const Dictionary& dictionary) const {
         writer.array("{sv}", [&dictionary](Writer& entries) {
             for (const auto& [name, value] : dictionary)
                 entries.entry("sv", [&name = name, &value = value](Writer& entry) {
-                    constexpr std::array signatures{"b", "y", "n", "s"};
                     entry.text(name);
-                    entry.variant(signatures.at(value.index()), [&value](Writer& content) {
-                        std::visit(Append{content}, value);
-                    });
+                    Append{entry}(Variant{value});
                 });
         });
     }

@@ -25,9 +25,12 @@ namespace wegslot::dbus {
 
 class Forgeries;
 
-/// One argument of a call.
-using Dictionary = std::vector<
-    std::pair<std::string, std::variant<bool, std::uint8_t, std::int16_t, std::string>>>;
+/// A value whose type goes with it.
+using Value = std::variant<bool, std::uint8_t, std::int16_t, std::string>;
+struct Variant {
+    Value value;
+};
+using Dictionary = std::vector<std::pair<std::string, Value>>;
 struct ObjectPath {
     std::string text;
 };
@@ -35,8 +38,9 @@ struct ObjectPath {
 struct FileDescriptor {
     int number;
 };
+/// One argument of a call.
 using Argument = std::variant<bool, std::int32_t, std::uint32_t, std::string, ObjectPath,
-                              FileDescriptor, std::vector<std::string>, Dictionary>;
+                              FileDescriptor, std::vector<std::string>, Variant, Dictionary>;
 
 struct Call {
     static constexpr auto noLimit = std::chrono::microseconds::max();
