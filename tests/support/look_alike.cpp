@@ -39,6 +39,8 @@ void LookAlike::appear() {
     presence_ = std::move(presence);
 }
 
+dbus::Bus& LookAlike::bus() const { return *presence_->bus; }
+
 void LookAlike::vanish() { presence_.reset(); }
 
 int LookAlike::received(sd_bus_message* message, void* self, void*) {

@@ -39,6 +39,12 @@ public:
     /// The calls that came in, as "member".
     [[nodiscard]] long calls(const std::string& member) const;
 
+    /// All of them, in their order.
+    [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
+
+    /// Its own connection, for calls of its own; another one after `appear`.
+    [[nodiscard]] dbus::Bus& bus() const;
+
     /// Leaves the bus, as a daemon that was killed; and comes back under a new unique name.
     void vanish();
     void appear();

@@ -173,6 +173,13 @@ void LookAlikeBluez::addObject(const std::string& path, const std::string& inter
                    added(path, interface.c_str(), properties));
 }
 
+void LookAlikeBluez::changeObject(const std::string& path, const std::string& interface,
+                                  const Properties& properties) {
+    for (const auto& [name, value] : properties)
+        objects_[interface][path][name] = value;
+    changed(path, interface.c_str(), properties);
+}
+
 void LookAlikeBluez::removeObject(const std::string& path, const std::string& interface) {
     objects_[interface].erase(path);
     service.signal("/", managerInterface, "InterfacesRemoved", removed(path, interface.c_str()));

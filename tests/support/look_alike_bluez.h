@@ -44,6 +44,8 @@ public:
     /// An object of any other interface, at any path.
     void addObject(const std::string& path, const std::string& interface,
                    const Properties& properties);
+    void changeObject(const std::string& path, const std::string& interface,
+                      const Properties& changed);
     void removeObject(const std::string& path, const std::string& interface);
 
     /// A report of a device that was added.
