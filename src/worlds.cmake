@@ -78,6 +78,7 @@ wegslot_module(coupling_bluez
     coupling/bluez/obstacle.cpp coupling/bluez/obstacle.h coupling/bluez/pairable.cpp
     coupling/bluez/pairable.h coupling/bluez/pairing_agent.cpp coupling/bluez/pairing_agent.h
     coupling/bluez/peripheral_advertisement.cpp coupling/bluez/peripheral_advertisement.h
+    coupling/bluez/removal.cpp coupling/bluez/removal.h
     coupling/bluez/served.cpp coupling/bluez/served.h coupling/bluez/stay.cpp
     coupling/bluez/stay.h coupling/bluez/teller.h coupling/bluez/visits.cpp
     coupling/bluez/visits.h

@@ -17,6 +17,10 @@ struct CouplingVisitorTest : CouplingWorld {
         bonds();
         ASSERT_EQ(take(), (Events{"bonded Telefoon " + identityText()}));
     }
+    [[nodiscard]] bool areRemoved(std::size_t count) {
+        return loop.runUntil([&] { return bluez.removed.size() == count; }) &&
+               (loop.settle(), true);
+    }
     /// A visitor that was asked to bond, and what came of it.
     Events afterPair(const std::string& error) {
         radio->askForBond();
@@ -343,19 +347,45 @@ TEST_F(CouplingVisitorTest, ForgottenItIsAStrangerAndNobodyElseIsTouched) {
     appearing();
     comes(identity, {{"AddressType", std::string("public")}, {"Paired", true}});
     radio->forget();
-    loop.settle();
-    EXPECT_EQ(bluez.removed, std::vector{pathOf(identity)});
+    ASSERT_TRUE(areRemoved(1));
     radio->forget(); // there is nobody
     loop.settle();
-    EXPECT_EQ(bluez.removed.size(), 1U);
     static_cast<void>(take());
     bonded();
     radio->forget();
     bluez.bluez.changeDevice(phone, {{"Name", std::string("x")}}); // until BlueZ has done it
     EXPECT_EQ(take(), Events{});
+    ASSERT_TRUE(areRemoved(2));
     EXPECT_EQ(bluez.removed, (std::vector{pathOf(identity), pathOf(phone)}));
     visited(); // and may come again
     EXPECT_TRUE(bluez.isPairable());
+}
+
+TEST_F(CouplingVisitorTest, ItsConnectionIsEndedBeforeItIsForgotten) {
+    appearing();
+    bonded();
+    bluez.bluez.service.on("org.bluez.Device1.Disconnect", [](LookAlike&, sd_bus_message*) {});
+    radio->forget();
+    radio->disappear(); // which waits for it
+    loop.settle();
+    EXPECT_EQ(bluez.calls("Disconnect"), 1);
+    EXPECT_EQ(bluez.calls("RemoveDevice"), 0);
+    EXPECT_EQ(take(), Events{});
+    goes();
+    ASSERT_TRUE(isTold("gone"));
+    EXPECT_EQ(bluez.removed, std::vector{pathOf(phone)});
+    expectNothingLeft();
+}
+
+TEST_F(CouplingVisitorTest, AConnectionThatDoesNotEndIsNotWaitedForLongerThanFiveSeconds) {
+    appearing();
+    bonded();
+    bluez.errors = {{"Disconnect", "org.bluez.Error.Failed"}};
+    radio->forget();
+    loop.pass(5s - 1ns);
+    EXPECT_EQ(bluez.calls("RemoveDevice"), 0);
+    loop.pass(1ns);
+    EXPECT_EQ(bluez.removed, std::vector{pathOf(phone)});
 }
 
 TEST_F(CouplingVisitorTest, ForgottenInTheMiddleItsQuestionsAreAnswered) {

@@ -125,10 +125,11 @@ LookAlikeBluez::LookAlikeBluez(BusLoop& loop) : service(loop, "org.bluez") {
     });
 }
 
-void LookAlikeBluez::addAdapter(const std::string& path, bool powered) {
-    adapters_[path] = {{"Address", std::string("00:11:22:33:44:55")},
-                       {"Powered", powered},
-                       {"Roles", std::vector<std::string>{"central", "peripheral"}}};
+void LookAlikeBluez::addAdapter(const std::string& path, bool powered, const Properties& further) {
+    adapters_[path] = further;
+    adapters_[path].merge(Properties{{"Address", std::string("00:11:22:33:44:55")},
+                                     {"Powered", powered},
+                                     {"Roles", std::vector<std::string>{"central", "peripheral"}}});
     service.signal("/", managerInterface, "InterfacesAdded",
                    added(path, adapterInterface, adapters_[path]));
 }

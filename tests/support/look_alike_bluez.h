@@ -28,7 +28,8 @@ public:
     explicit LookAlikeBluez(BusLoop& loop);
 
     /// An adapter that is on. Announced when the daemon is there already.
-    void addAdapter(const std::string& path = adapterPath, bool powered = true);
+    void addAdapter(const std::string& path = adapterPath, bool powered = true,
+                    const Properties& further = {});
     void removeAdapter(const std::string& path = adapterPath);
     void setPowered(bool powered, const std::string& path = adapterPath);
     void changeAdapter(const Properties& changed, const std::string& path = adapterPath);

@@ -31,6 +31,12 @@ VisitedBluez::Texts texts(dbus::Reader& properties) {
     return all;
 }
 
+std::string addressAt(const std::string& path) {
+    std::string address = path.substr(path.rfind("dev_") + 4);
+    std::ranges::replace(address, '_', ':');
+    return address;
+}
+
 std::shared_ptr<sd_bus_message> held(sd_bus_message* call) {
     return {sd_bus_message_ref(call), sd_bus_message_unref};
 }
@@ -58,7 +64,10 @@ VisitedBluez::VisitedBluez(BusLoop& loop) : bluez(loop) {
     on("Adapter1.RemoveDevice", [this](auto* call) { removeDevice(call); });
     on("Device1.Pair", [this](auto* call) { pairs_.push_back(held(call)); });
     on("Device1.CancelPairing", [this](auto* call) { bluez.service.reply(call); });
-    on("Device1.Disconnect", [this](auto* call) { bluez.service.reply(call); });
+    on("Device1.Disconnect", [this](auto* call) {
+        bluez.service.reply(call);
+        goes(addressAt(sd_bus_message_get_path(call)));
+    });
     bluez.service.on("org.freedesktop.DBus.Properties.Set",
                      [this](LookAlike&, sd_bus_message* call) { setProperty(call); });
     watchOwners();
@@ -94,8 +103,8 @@ void VisitedBluez::left(const std::string& owner) {
 }
 
 void VisitedBluez::addAdapter(bool pairable) {
-    bluez.addAdapter();
-    bluez.changeAdapter({{"Pairable", pairable}, {"Discoverable", false}});
+    bluez.addAdapter(LookAlikeBluez::adapterPath, true,
+                     {{"Pairable", pairable}, {"Discoverable", false}});
     bluez.addObject(LookAlikeBluez::adapterPath, advertising,
                     {{"SupportedInstances", std::int16_t{mostAdvertisements}}});
 }
@@ -264,9 +273,7 @@ void VisitedBluez::setProperty(sd_bus_message* call) {
 
 void VisitedBluez::removeDevice(sd_bus_message* call) {
     removed.emplace_back(dbus::Reader(call).text().value_or(""));
-    std::string address = removed.back().substr(removed.back().rfind("dev_") + 4);
-    std::ranges::replace(address, '_', ':');
-    bluez.removeDevice(address);
+    bluez.removeDevice(addressAt(removed.back()));
     bluez.service.reply(call);
 }
 

@@ -48,6 +48,7 @@ void Stay::busChanged(dbus::Bus* bus) {
     for (Subscription* const kept : {&step_, &bond_, &ownership_})
         kept->reset();
     farewells_.clear();
+    removals_.clear();
     agent_.reset();
     service_.reset();
     advertisement_.reset();
@@ -174,11 +175,15 @@ void Stay::fail(Trouble trouble) {
 
 void Stay::deviceReported(std::string_view path, const bluez::DeviceNews&) {
     visits_->changed(path);
+    for (const auto& removal : removals_)
+        removal->changed();
     if (isReleased_) released();
 }
 
 void Stay::deviceRemoved(std::string_view path, const Uuid&) {
     visits_->removed(path);
+    for (const auto& removal : removals_)
+        removal->changed();
     if (isReleased_) released();
 }
 
@@ -231,9 +236,10 @@ void Stay::forget() {
     bond_.reset();
     answer(false);
     const auto path = visits_ ? visits_->forget() : std::nullopt;
-    if (path && bus_ != nullptr)
-        bus_->send(
-            callOf(adapter_, "org.bluez.Adapter1", "RemoveDevice", {dbus::ObjectPath{*path}}));
+    if (!path) return;
+    ++awaited_;
+    removals_.push_back(std::make_unique<Removal>(*bus_, world_.scheduler, watch_->objects(),
+                                                  adapter_, *path, [this] { arrived(); }));
 }
 
 // --- The end of it ------------------------------------------------------------------------------
@@ -270,9 +276,11 @@ void Stay::putBack(dbus::Call call) {
     call.timeout = farewell;
     ++awaited_;
     // Refused, there was nothing to put back.
-    farewells_.push_back(bus_->call(call, [this](const dbus::Message&) {
-        if (--awaited_ == 0) putPairableBack();
-    }));
+    farewells_.push_back(bus_->call(call, [this](const dbus::Message&) { arrived(); }));
+}
+
+void Stay::arrived() {
+    if (--awaited_ == 0 && stage_ == Stage::leaving) putPairableBack();
 }
 
 void Stay::putPairableBack() {

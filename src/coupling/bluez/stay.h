@@ -6,6 +6,7 @@
 #include "coupling/bluez/pairable.h"
 #include "coupling/bluez/pairing_agent.h"
 #include "coupling/bluez/peripheral_advertisement.h"
+#include "coupling/bluez/removal.h"
 #include "coupling/bluez/teller.h"
 #include "coupling/bluez/visits.h"
 
@@ -91,6 +92,7 @@ private:
     void released();
     void fail(Trouble trouble);
     void putBack(dbus::Call call);
+    void arrived();
     void putPairableBack();
     void finish();
     [[nodiscard]] dbus::Call callOf(const std::string& path, const std::string& interface,
@@ -120,7 +122,8 @@ private:
     std::unique_ptr<PairingAgent> agent_;
     std::unique_ptr<HeartRateService> service_;
     std::unique_ptr<PeripheralAdvertisement> advertisement_;
-    std::size_t awaited_ = 0; ///< answers to what is put back
+    std::vector<std::unique_ptr<Removal>> removals_;
+    std::size_t awaited_ = 0; ///< ends of removals, answers to what is put back
     std::vector<Subscription> farewells_;
     Subscription step_;
     Subscription bond_;
