@@ -4,7 +4,9 @@
 
 #include <systemd/sd-bus.h>
 
+#include <algorithm>
 #include <chrono>
+#include <list>
 #include <stdexcept>
 #include <utility>
 
@@ -40,17 +42,29 @@ void BusLoop::settle() {
     // The daemon handles one connection's messages in order, so that an answer to a question
     // asked now comes after everything sent before. Twice: what that brought may be answered.
     for (int round = 0; round < 2; ++round) {
-        std::vector<Subscription> questions;
-        std::size_t answers = 0;
+        struct Question {
+            std::shared_ptr<Driven> asked;
+            bool isAnswered = false;
+            Subscription answer = {};
+        };
+        std::list<Question> questions;
         for (const auto& entry : driven_) {
             if (!entry->bus->isOpen()) continue;
-            questions.push_back(entry->bus->call({.destination = "org.freedesktop.DBus",
-                                                  .path = "/org/freedesktop/DBus",
-                                                  .interface = "org.freedesktop.DBus",
-                                                  .member = "GetId"},
-                                                 [&answers](const dbus::Message&) { ++answers; }));
+            Question& question = questions.emplace_back(Question{entry});
+            question.answer =
+                entry->bus->call({.destination = "org.freedesktop.DBus",
+                                  .path = "/org/freedesktop/DBus",
+                                  .interface = "org.freedesktop.DBus",
+                                  .member = "GetId"},
+                                 [&question](const dbus::Message&) { question.isAnswered = true; });
         }
-        if (!runUntil([&] { return answers == questions.size(); }))
+        // A connection that ends meanwhile answers nothing.
+        const auto isDone = [this](const Question& question) {
+            return question.isAnswered ||
+                   std::ranges::find(driven_, question.asked) == driven_.end() ||
+                   !question.asked->bus->isOpen();
+        };
+        if (!runUntil([&] { return std::ranges::all_of(questions, isDone); }))
             throw std::runtime_error("the bus does not settle");
     }
     turn(0);

@@ -12,24 +12,25 @@ Removal::Removal(dbus::Bus& bus, Scheduler& scheduler, const bluez::ObjectTree& 
       path_(std::move(path)),
       done_(std::move(done)) {
     const bluez::Device* const device = objects_.device(path_);
-    if (device == nullptr || !device->connected) {
-        remove();
-        return;
-    }
-    bus_.send({.destination = "org.bluez",
-               .path = path_,
-               .interface = bluez::deviceInterface,
-               .member = "Disconnect"});
+    if (device != nullptr && device->connected)
+        bus_.send({.destination = "org.bluez",
+                   .path = path_,
+                   .interface = bluez::deviceInterface,
+                   .member = "Disconnect"});
+    quiet_ = scheduler.after(quiet, [this] {
+        isQuiet_ = true;
+        changed();
+    });
     limit_ = scheduler.after(patience, [this] { remove(); });
 }
 
 void Removal::changed() {
     const bluez::Device* const device = objects_.device(path_);
-    if (isWaiting_ && (device == nullptr || !device->connected)) remove();
+    if (isQuiet_ && (device == nullptr || !device->connected)) remove();
 }
 
 void Removal::remove() {
-    isWaiting_ = false;
+    if (std::exchange(isAsked_, true)) return;
     call_ = bus_.call({.destination = "org.bluez",
                        .path = adapter_,
                        .interface = "org.bluez.Adapter1",

@@ -1,5 +1,5 @@
-// Has BlueZ forget one device, with its bond: ends its connection first, because BlueZ 5.66 has
-// been seen to crash when a device that had just bonded was removed while it was connected.
+// Has BlueZ forget one device, with its bond: ends its connection first and lets two seconds pass,
+// because BlueZ 5.66 has been seen to crash when a device that had just bonded was removed at once.
 #pragma once
 
 #include "base/scheduler.h"
@@ -13,6 +13,9 @@ namespace wegslot::coupling {
 
 class Removal {
 public:
+    /// Removed two seconds after it had bonded, no device has had it crash.
+    static constexpr Nanoseconds quiet = std::chrono::seconds{2};
+
     /// BlueZ ends a connection two seconds after it is asked to.
     static constexpr Nanoseconds patience = std::chrono::seconds{5};
 
@@ -33,8 +36,10 @@ private:
     std::string adapter_;
     std::string path_;
     std::function<void()> done_;
-    bool isWaiting_ = true; ///< for its connection to end
+    bool isQuiet_ = false;
+    bool isAsked_ = false;
     Subscription call_;
+    Timer quiet_;
     Timer limit_;
 };
 
