@@ -320,7 +320,7 @@ wegslot_module(app_qt
     app/qt/terminal.cpp app/qt/terminal.h app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
-    base file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
+    base coupling coupling_bluez file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
     ui_ports control foreign_descriptor recording recording_linux stage

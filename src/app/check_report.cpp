@@ -1,6 +1,7 @@
 #include "app/check_report.h"
 
 #include "base/text.h"
+#include "coupling/obstacle_words.h"
 #include "platform/activity_detector.h"
 
 #include <nlohmann/json.hpp>
@@ -105,6 +106,16 @@ Finding linksFinding(const CheckFacts::Bluetooth& facts) {
             .found = {},
             .text = facts.readsLinks ? message("te lezen")
                                      : message("niet te lezen, sleutels worden alleen beluisterd")};
+}
+
+Finding couplingFinding(const CheckFacts::Bluetooth& facts) {
+    return {.name = "coupling",
+            .label = message("Koppelen"),
+            .works = !facts.obstacle,
+            .needed = false,
+            .found = {},
+            .text = facts.obstacle ? coupling::words({*facts.obstacle})
+                                   : message("een telefoon kan hier gekoppeld worden")};
 }
 
 Message addressText(const CheckFacts::Key& key) {
@@ -284,12 +295,19 @@ Finding preferencesFinding(const CheckFacts::Preferences& facts) {
 } // namespace
 
 std::vector<Finding> findings(const CheckFacts& facts) {
-    return {daemonFinding(facts.bluetooth),    adapterFinding(facts.bluetooth),
-            linksFinding(facts.bluetooth),     keysFinding(facts),
-            lockFinding(facts.locking),        confirmationFinding(facts.locking),
-            idleFinding(facts.activity),       cameraFinding(facts.activity),
-            microphoneFinding(facts.activity), preferencesFinding(facts.preferences),
-            trayFinding(facts.tray),           autostartFinding(facts.autostart)};
+    return {daemonFinding(facts.bluetooth),
+            adapterFinding(facts.bluetooth),
+            linksFinding(facts.bluetooth),
+            couplingFinding(facts.bluetooth),
+            keysFinding(facts),
+            lockFinding(facts.locking),
+            confirmationFinding(facts.locking),
+            idleFinding(facts.activity),
+            cameraFinding(facts.activity),
+            microphoneFinding(facts.activity),
+            preferencesFinding(facts.preferences),
+            trayFinding(facts.tray),
+            autostartFinding(facts.autostart)};
 }
 
 bool canLock(const std::vector<Finding>& findings) {

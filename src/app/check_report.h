@@ -4,6 +4,7 @@
 
 #include "base/time.h"
 #include "base/translation.h"
+#include "coupling/coupling_radio.h"
 #include "model/key_device.h"
 #include "model/preference_faults.h"
 #include "platform/lock_facts.h"
@@ -23,6 +24,8 @@ struct CheckFacts {
         std::optional<std::string> adapter; ///< "hci0"
         CentralState state = CentralState::unknown;
         bool readsLinks = false; ///< the strength of connections
+        /// Why no phone can be coupled here.
+        std::optional<coupling::Obstacle> obstacle = coupling::Obstacle::noRadio;
     };
     struct Key {
         std::string name;

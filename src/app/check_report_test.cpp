@@ -12,8 +12,11 @@ namespace {
 
 CheckFacts good() {
     CheckFacts facts;
-    facts.bluetooth = {
-        .daemon = true, .adapter = "hci0", .state = CentralState::poweredOn, .readsLinks = true};
+    facts.bluetooth = {.daemon = true,
+                       .adapter = "hci0",
+                       .state = CentralState::poweredOn,
+                       .readsLinks = true,
+                       .obstacle = std::nullopt};
     facts.keys = {{.name = "Telefoon", .changesAddress = false}};
     facts.locking.session = true;
     facts.locking.savers = {"org.gnome.Shell.ScreenShield"};
@@ -54,6 +57,7 @@ TEST(CheckReport, WhereEverythingWorksEachLineSaysSo) {
                   "ok    Bluetooth-dienst:          bluetoothd draait",
                   "ok    Bluetooth-adapter:         hci0 staat aan",
                   "ok    Signaal van verbindingen:  te lezen",
+                  "ok    Koppelen:                  een telefoon kan hier gekoppeld worden",
                   "ok    Sleutels:                  Telefoon: vast adres",
                   "ok    Locken:                    logind; org.gnome.Shell.ScreenShield",
                   "ok    Weten dat het gelockt is:  logind (LockedHint); de schermbeveiliging "
@@ -76,6 +80,8 @@ TEST(CheckReport, WhereThereIsNothingEachLineSaysSo) {
             "FOUT  Bluetooth-dienst:          bluetoothd draait niet",
             "FOUT  Bluetooth-adapter:         geen",
             "-     Signaal van verbindingen:  niet te lezen, sleutels worden alleen beluisterd",
+            "-     Koppelen:                  Er is geen Bluetooth te vinden. Steek een adapter in "
+            "of start de Bluetooth-dienst, en probeer het opnieuw.",
             "FOUT  Sleutels:                  geen; kies er een in het paneel, of met --devices en "
             "--add-key",
             "FOUT  Locken:                    geen; installeer een lockprogramma",
@@ -109,6 +115,7 @@ TEST(CheckReport, OnlyWhatLockingTakesDecides) {
     EXPECT_TRUE(canLock(findings(good())));
     EXPECT_TRUE(canLock(findings(with([](CheckFacts& facts) {
         facts.bluetooth.readsLinks = false;
+        facts.bluetooth.obstacle = coupling::Obstacle::noRoom;
         facts.activity = {};
         facts.tray = false;
         facts.autostart = false;
@@ -248,8 +255,8 @@ TEST(CheckReport, ScriptsGetTheSameInJson) {
     const Json report = Json::parse(reportJson(findings(good()), std::nullopt));
     EXPECT_EQ(report.at("ok"), true);
     EXPECT_FALSE(report.contains("lock"));
-    EXPECT_EQ(report.at("checks").size(), 12U);
-    EXPECT_EQ(report.at("checks")[4], Json::parse(R"({"name": "lock", "ok": true, "needed": true,
+    EXPECT_EQ(report.at("checks").size(), 13U);
+    EXPECT_EQ(report.at("checks")[5], Json::parse(R"({"name": "lock", "ok": true, "needed": true,
                               "found": ["logind", "org.gnome.Shell.ScreenShield"],
                               "text": "logind; org.gnome.Shell.ScreenShield"})"));
     const Json proven =

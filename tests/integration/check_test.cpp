@@ -107,7 +107,7 @@ TEST_F(CheckTest, WithoutAnythingItSaysThatNothingIsThere) {
     const Json all = report();
     EXPECT_EQ(status, 1);
     EXPECT_EQ(all.at("ok"), false);
-    EXPECT_EQ(all.at("checks").size(), 12U);
+    EXPECT_EQ(all.at("checks").size(), 13U);
     for (const Json& check : all.at("checks")) {
         // There is /proc, and none mistyped what nobody typed.
         const bool always = check.at("name") == "camera" || check.at("name") == "preferences";
@@ -130,6 +130,19 @@ TEST_F(CheckTest, ItLeavesNothingBehind) {
     EXPECT_NE(output.find("Zo kan Wegslot niet locken.\n"), std::string::npos);
     EXPECT_FALSE(fs::exists(home.path() / "config"));
     EXPECT_FALSE(fs::exists(home.path() / "Library"));
+}
+
+TEST_F(CheckWithRadioTest, WhetherAPhoneCanBeCoupledHereIsSaidWithTheObstacle) {
+    EXPECT_EQ(named(report(), "coupling").at("text"),
+              "De Bluetooth van deze computer kan niet als randapparaat verschijnen, en dus geen "
+              "telefoon koppelen. Een andere adapter kan dat misschien wel.");
+    bluez.addObject(LookAlikeBluez::adapterPath, "org.bluez.LEAdvertisingManager1",
+                    {{"SupportedInstances", std::int16_t{1}}});
+    EXPECT_TRUE(works(report(), "coupling"));
+    bluez.changeAdapter({{"Discoverable", true}});
+    const Json all = report();
+    EXPECT_FALSE(works(all, "coupling"));
+    EXPECT_EQ(named(all, "coupling").at("needed"), false);
 }
 
 TEST_F(CheckWithRadioTest, DaemonAdapterAndKeyAreSeen) {

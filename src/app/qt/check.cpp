@@ -1,6 +1,7 @@
 #include "app/qt/check.h"
 
 #include "app/linux/folders.h"
+#include "coupling/bluez/obstacle.h"
 #include "model/lock_command.h"
 #include "model/preference_faults.h"
 #include "ui/linux/autostart_item.h"
@@ -106,7 +107,8 @@ CheckFacts::Bluetooth Check::bluetooth() {
                                 .isAsked = world_.central.isAsking(),
                                 .adapter = std::nullopt,
                                 .state = world_.central.state(),
-                                .readsLinks = false};
+                                .readsLinks = false,
+                                .obstacle = coupling::obstacle(world_.central.surroundings())};
     const auto& path = world_.central.adapter();
     if (!path) return facts;
     facts.adapter = path->substr(path->rfind('/') + 1);
