@@ -264,6 +264,18 @@ TEST_F(BluezCentralTest, AnUnpluggedAdapterIsOffAtFirstAndThenNone) {
     EXPECT_EQ(central.state(), CentralState::unsupported);
 }
 
+TEST_F(BluezCentralTest, WhatIsSaidOfAnAdapterThatHasGoneMakesNone) {
+    scanning();
+    bluez->removeAdapter();
+    ASSERT_TRUE(reaches(CentralState::poweredOff));
+    bluez->changeAdapter({{"Powered", true}});
+    bluez->changeObject(LookAlikeBluez::adapterPath, "org.bluez.LEAdvertisingManager1",
+                        {{"SupportedInstances", std::int16_t{5}}});
+    loop.settle();
+    EXPECT_FALSE(central.adapter());
+    EXPECT_EQ(central.state(), CentralState::poweredOff);
+}
+
 TEST_F(BluezCentralTest, OfSeveralAdaptersTheFirstThatIsOnIsUsed) {
     bluez->addAdapter("/org/bluez/hci0", false);
     bluez->addAdapter("/org/bluez/hci1", true);

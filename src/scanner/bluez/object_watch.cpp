@@ -139,9 +139,10 @@ void ObjectWatch::propertiesChanged(const dbus::Message& message) {
     dbus::Reader reader = message.read();
     const auto interface = reader.text();
     if (!interface) return;
-    // Of a device that was never announced too little is known; it will be.
+    // Of what was never announced, or is no more, too little is known; it will be.
     const bool isOfDevice = *interface == deviceInterface || *interface == bearerInterface;
     if (isOfDevice && objects_.device(message.path()) == nullptr) return;
+    if (isOfAdapter(*interface) && !objects_.adapters().contains(message.path())) return;
     if (const auto news = read(message.path(), *interface, reader))
         listener_.deviceReported(message.path(), *news);
     if (isOfAdapter(*interface)) listener_.surroundingsChanged();
