@@ -73,13 +73,17 @@ public:
     virtual void acquaintanceCame(const Visitor& visitor) = 0;
     /// What is known of the visitor is more than it was.
     virtual void visitorChanged(const Visitor& visitor) = 0;
-    /// The visitor went before it was bonded. Another may come.
+    /// The visitor went before it was bonded. Another may come. Once it is bonded, or if it was an
+    /// acquaintance, its going is not told.
     virtual void visitorLeft() = 0;
     /// The visitor shows `code`, six digits, if it is who it seems; `answer` is waited for.
     virtual void codeCame(std::uint32_t code) = 0;
     /// Nobody waits for the answer any more.
     virtual void codeWithdrawn() = 0;
+    /// Its identity may be told a moment later, with `visitorChanged`.
     virtual void bonded(const Visitor& visitor) = 0;
+    /// What came of `askForBond`; perhaps after the visitor has left for the same reason. A bond
+    /// that the visitor began itself and that fails shows by its leaving alone.
     virtual void refused(Refusal refusal, const std::string& why) = 0;
     /// The end of every `appear`: everything is as it was before.
     virtual void isGone() = 0;
@@ -96,7 +100,7 @@ public:
     virtual void setListener(CouplingListener* listener) = 0;
 
     /// Shows this computer as a peripheral called `name` until `disappear`. The radio listens to
-    /// nothing else meanwhile.
+    /// nothing else meanwhile. Nothing while it appears already, or has not gone yet.
     virtual void appear(const std::string& name, Confirmation confirmation) = 0;
 
     /// Asks the visitor for the bond, if it has not begun by itself.
@@ -105,7 +109,8 @@ public:
     /// Whether the visitor shows the code that came.
     virtual void answer(bool same) = 0;
 
-    /// Drops the visitor, or the acquaintance, with its bond: it is a stranger again.
+    /// Drops the visitor, or where there is none the acquaintance, with its bond: it is a stranger
+    /// again, of which nothing more is told until it comes anew. `isGone` waits until it is done.
     virtual void forget() = 0;
 
     /// Puts everything back, keeping the visitor's bond; answered by `isGone`, at once if there is

@@ -1,5 +1,7 @@
 // How this computer appears at a bluetoothd that a test plays, and what is left of it: nothing.
 
+#include "scanner/bluez/bluez_central.h"
+#include "scanner/scanner.h"
 #include "tests/integration/coupling_world.h"
 
 using namespace wegslot;
@@ -189,6 +191,28 @@ TEST_F(CouplingRadioTest, ItWaitsUntilTheScanHasEnded) {
     EXPECT_EQ(bluez.calls("RegisterAgent"), 0);
     bluez.bluez.changeAdapter({{"Discovering", false}});
     EXPECT_TRUE(isTold("appears"));
+}
+
+TEST_F(CouplingRadioTest, BorrowedFromTheCentralItAppearsAfterTheScanAndTheScanGoesOnAfterwards) {
+    dbus::Connection systemBus(loop.opener(), loop.attacher(), loop.time);
+    AddressResolver nobody;
+    BluezCentral central(systemBus, loop.time, loop.time, links, nobody);
+    Scanner scanner(central, loop.time, loop.time);
+    scanner.setDiscoveryActive(true);
+    bluez.addAdapter();
+    ASSERT_TRUE(loop.runUntil([&] { return bluez.bluez.isDiscovering(); }));
+    radio.emplace(
+        loop.opener(), loop.attacher(), loop.time, links, [&] { return central.lend(); }, file);
+    radio->setListener(&diary);
+    appearing();
+    const auto& calls = bluez.bluez.service.calls();
+    EXPECT_LT(std::ranges::find(calls, "StopDiscovery"), std::ranges::find(calls, "RegisterAgent"));
+    EXPECT_FALSE(bluez.bluez.isDiscovering());
+    EXPECT_EQ(scanner.stateDescription(), "Bluetooth koppelt een toestel");
+    gone();
+    EXPECT_TRUE(loop.runUntil([&] { return bluez.bluez.isDiscovering(); }));
+    EXPECT_TRUE(scanner.isPoweredOn());
+    radio.reset(); // before whom it borrows from
 }
 
 TEST_F(CouplingRadioTest, AScanOfAnotherProgramIsNotWaitedForLongerThanThreeSeconds) {
