@@ -5,6 +5,7 @@
 #include <vector>
 
 using namespace wegslot::bluez::hci;
+using wegslot::bluez::StandingLinks;
 
 using Bytes = std::vector<std::uint8_t>;
 
