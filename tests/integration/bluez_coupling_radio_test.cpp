@@ -319,6 +319,9 @@ TEST_F(CouplingRadioTest, WhoSwitchesItOffOrUnplugsItOrShowsItToAllEndsIt) {
     EXPECT_EQ(take(), (Events{"cannotAppear", "gone"}));
     bluez.bluez.setPowered(true);
     appearing();
+    bluez.bluez.changeObject(path, "org.bluez.LEAdvertisingManager1",
+                             {{"SupportedInstances", std::int16_t{0}}}); // by us
+    EXPECT_EQ(take(), Events{});
     bluez.bluez.changeAdapter({{"Discoverable", true}});
     ASSERT_TRUE(isTold("gone"));
     bluez.bluez.changeAdapter({{"Discoverable", false}});

@@ -96,14 +96,15 @@ const bluez::Adapter* Stay::adapter() const {
     return found == adapters.end() ? nullptr : &found->second;
 }
 
-/// Our own advertisement takes room, and who is here has found us: neither is in the way any more.
 std::optional<Obstacle> Stay::obstacleNow() const {
     bluez::Surroundings surroundings{.daemon = watch_->daemon(), .adapter = std::nullopt};
-    if (const bluez::Adapter* const found = adapter()) surroundings.adapter = *found;
-    const auto found = obstacle(surroundings);
-    const bool isOurs = found == Obstacle::noRoom;
-    const bool isLate = found == Obstacle::discoverable && visits_->visitor() != nullptr;
-    return isOurs || isLate ? std::nullopt : found;
+    if (const bluez::Adapter* const found = adapter()) {
+        surroundings.adapter = *found;
+        // What may be taken is taken by us, and who has come pairs with the half that it found.
+        if (found->advertisingRoom) surroundings.adapter->advertisingRoom = 1;
+        if (visits_->visitor() != nullptr) surroundings.adapter->discoverable = false;
+    }
+    return obstacle(surroundings);
 }
 
 dbus::Call Stay::callOf(const std::string& path, const std::string& interface,
