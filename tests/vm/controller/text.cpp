@@ -32,6 +32,16 @@ std::vector<std::string_view> splitWords(std::string_view line) {
     return words;
 }
 
+std::string toHex(ByteView bytes) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        text += digits[byte >> 4U];
+        text += digits[byte & 0xFU];
+    }
+    return text;
+}
+
 std::optional<Bytes> parseHex(std::string_view text) {
     Bytes bytes;
     for (std::size_t at = 0; at < text.size(); at += 2) {

@@ -13,6 +13,9 @@ namespace controller {
 /// The words between spaces; no empty ones.
 std::vector<std::string_view> splitWords(std::string_view line);
 
+/// Pairs of hexadecimal digits, in capitals.
+std::string toHex(ByteView bytes);
+
 /// From pairs of hexadecimal digits without separators.
 std::optional<Bytes> parseHex(std::string_view text);
 
