@@ -20,8 +20,10 @@ inline constexpr unsigned defaultDataMicroseconds = 328;
 inline constexpr unsigned maximumDataOctets = 251;
 inline constexpr unsigned maximumDataMicroseconds = 2120;
 
-/// Encryption and long data packets; no extended advertising, so that the kernel scans and connects
-/// in the older way.
-inline constexpr std::array<std::uint8_t, 8> lowEnergyFeatureMask{0x21};
+/// Encryption, questions about features from either side, and long data packets.
+inline constexpr std::array<std::uint8_t, 8> lowEnergyFeatureMask{0x29};
+/// In the second octet of the mask. Of the extended commands the controller has those for
+/// advertising alone, so that the kernel scans and connects in the older way.
+inline constexpr unsigned extendedAdvertisingFeature = 0x10;
 
 } // namespace controller

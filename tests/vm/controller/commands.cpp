@@ -4,6 +4,7 @@
 #include <random>
 
 #include "abilities.h"
+#include "advertising_commands.h"
 #include "link_commands.h"
 
 namespace controller {
@@ -56,9 +57,11 @@ Bytes lowEnergyBufferSize(ByteView, ControllerState&) {
     return bytes;
 }
 
-Bytes lowEnergyFeatures(ByteView, ControllerState&) {
+Bytes lowEnergyFeatures(ByteView, ControllerState& state) {
+    std::array<std::uint8_t, 8> mask = lowEnergyFeatureMask;
+    if (state.hasExtendedAdvertising()) mask[1] |= extendedAdvertisingFeature;
     Bytes bytes = done();
-    append(bytes, lowEnergyFeatureMask);
+    append(bytes, mask);
     return bytes;
 }
 
@@ -169,11 +172,11 @@ constexpr KnownCommand knownCommands[] = {
     {0x2002, 25, 1, 0, now, lowEnergyBufferSize},
     {0x2003, 25, 2, 0, now, lowEnergyFeatures},
     {0x2005, 25, 4, 6, now, setRandomAddress},
-    {0x2006, 25, 5, 15, now, accepted}, // LE Set Advertising Parameters: nobody is there to hear us
+    {0x2006, 25, 5, 15, now, setAdvertisingParameters},
     {0x2007, 25, 6, 0, now, advertisingPower},
-    {0x2008, 25, 7, 32, now, accepted}, // LE Set Advertising Data
-    {0x2009, 26, 0, 32, now, accepted}, // LE Set Scan Response Data
-    {0x200A, 26, 1, 1, now, accepted},  // LE Set Advertising Enable
+    {0x2008, 25, 7, 32, now, setAdvertisingData},
+    {0x2009, 26, 0, 32, now, setScanResponseData},
+    {0x200A, 26, 1, 1, now, setAdvertisingEnable},
     {0x200B, 26, 2, 7, now, setScanParameters},
     {0x200C, 26, 3, 2, now, setScanEnable},
     {0x200D, 26, 4, 25, later, createConnection},
@@ -186,6 +189,8 @@ constexpr KnownCommand knownCommands[] = {
     {0x2016, 27, 5, 2, later, readRemoteFeatures},
     {0x2018, 27, 7, 0, now, randomNumber},
     {0x2019, 28, 0, 28, later, startEncryption},
+    {0x201A, 28, 1, 18, now, giveLongTermKey},
+    {0x201B, 28, 2, 2, now, refuseLongTermKey},
     {0x201C, 28, 3, 0, now, lowEnergyStates},
     {0x2022, 33, 6, 6, now, setDataLength},
     {0x2023, 33, 7, 0, now, defaultDataLength},
@@ -193,9 +198,30 @@ constexpr KnownCommand knownCommands[] = {
     {0x202F, 35, 3, 0, now, maximumDataLength},
 };
 
-Bytes supportedCommands(ByteView, ControllerState&) {
+constexpr KnownCommand extendedAdvertisingCommands[] = {
+    {0x2035, 36, 1, 7, now, setAdvertisingSetRandomAddress},
+    {0x2036, 36, 2, 25, now, setExtendedAdvertisingParameters},
+    {0x2037, 36, 3, 4, now, setExtendedAdvertisingData},
+    {0x2038, 36, 4, 4, now, setExtendedScanResponseData},
+    {0x2039, 36, 5, 2, now, setExtendedAdvertisingEnable},
+    {0x203A, 36, 6, 0, now, readMaximumAdvertisingDataLength},
+    {0x203B, 36, 7, 0, now, readNumberOfAdvertisingSets},
+    {0x203C, 37, 0, 1, now, removeAdvertisingSet},
+    {0x203D, 37, 1, 0, now, clearAdvertisingSets},
+};
+
+/// Those that the controller has now.
+std::vector<KnownCommand> commandsOf(const ControllerState& state) {
+    std::vector<KnownCommand> known(std::begin(knownCommands), std::end(knownCommands));
+    if (state.hasExtendedAdvertising())
+        known.insert(known.end(), std::begin(extendedAdvertisingCommands),
+                     std::end(extendedAdvertisingCommands));
+    return known;
+}
+
+Bytes supportedCommands(ByteView, ControllerState& state) {
     Bytes mask(commandMaskLength, 0);
-    for (const KnownCommand& known : knownCommands)
+    for (const KnownCommand& known : commandsOf(state))
         mask[known.octet] |= static_cast<std::uint8_t>(1U << known.bit);
     Bytes bytes = done();
     append(bytes, mask);
@@ -205,11 +231,11 @@ Bytes supportedCommands(ByteView, ControllerState&) {
 } // namespace
 
 Bytes answer(const Command& command, ControllerState& state) {
-    const auto* known =
-        std::find_if(std::begin(knownCommands), std::end(knownCommands),
-                     [&](const KnownCommand& each) { return each.opcode == command.opcode; });
-    if (known == std::end(knownCommands))
-        return commandComplete(command.opcode, done(Status::UnknownCommand));
+    const std::vector<KnownCommand> all = commandsOf(state);
+    const auto known = std::find_if(all.begin(), all.end(), [&](const KnownCommand& each) {
+        return each.opcode == command.opcode;
+    });
+    if (known == all.end()) return commandComplete(command.opcode, done(Status::UnknownCommand));
     const Bytes result = command.parameters.size() < known->parameterLength
                              ? done(Status::InvalidParameters)
                              : known->carryOut(command.parameters, state);

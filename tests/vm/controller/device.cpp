@@ -13,10 +13,11 @@ std::optional<Duration> inTime(std::optional<double> seconds) {
     return seconds ? std::optional(fromSeconds(*seconds)) : std::nullopt;
 }
 
-Pairing::Identity identityOf(const DeviceDescription& description) {
-    Pairing::Identity identity{.address = description.advertisement.address,
-                               .resolvingKey = std::nullopt};
-    if (const auto* resolvable = std::get_if<Resolvable>(&description.privacy))
+PairingIdentity identityOf(const DeviceDescription& description) {
+    PairingIdentity identity{.address = description.advertisement.address,
+                             .resolvingKey = std::nullopt};
+    const auto* resolvable = std::get_if<Resolvable>(&description.privacy);
+    if (resolvable != nullptr && !description.keepsIdentity)
         identity.resolvingKey = resolvable->key;
     return identity;
 }
@@ -29,10 +30,13 @@ Device::Device(const DeviceDescription& description, TimePoint now)
                inTime(description.addressInterval), now),
       profile_(description.profile),
       attributes_(tableOf(profile_), profile_.mtu),
-      pairing_(identityOf(description), description.pairability),
+      pairing_(identityOf(description), description.pairability, bond_),
+      central_(identityOf(description), description.central, description.profile.mtu, bond_),
       linkRssi_(description.linkRssi),
       advertisesWhileLinked_(description.advertisesWhileLinked),
-      isMute_(description.isMute) {}
+      isMute_(description.isMute) {
+    if (description.startsSilent) advertiser_.silence();
+}
 
 bool Device::isAdvertising() const {
     return advertiser_.isLoud() && (link_ == nullptr || advertisesWhileLinked_);
@@ -76,13 +80,14 @@ void Device::linked(Link& link) {
     link_ = &link;
     ++timesLinked_;
     attributes_.linked();
-    pairing_.linked(link.ends().own, link.ends().peer);
+    if (!isCentral()) pairing_.linked(link.ends().own, link.ends().peer);
 }
 
 void Device::unlinked() {
     link_ = nullptr;
     lossDue_.reset();
     pairing_.unlinked();
+    central_.unlinked();
 }
 
 void Device::receive(const Frame& frame) {
@@ -92,15 +97,21 @@ void Device::receive(const Frame& frame) {
     case Channel::Signalling:
         return answer(Channel::Signalling, answerSignal(frame.payload));
     case Channel::Security:
+        if (isCentral()) return central_.receiveSecurity(frame.payload);
         return answer(Channel::Security, pairing_.receive(frame.payload));
     }
 }
 
-void Device::receiveAttribute(ByteView request) {
+bool Device::isCentral() const {
+    return link_ != nullptr && link_->ends().role == LinkRole::Peripheral;
+}
+
+void Device::receiveAttribute(ByteView bytes) {
+    if (isCentral() && AttributeClient::isForClient(bytes)) return central_.receiveAttribute(bytes);
     ++timesAsked_;
     if (isMute_) return;
     const auto security = link_->isEncrypted() ? LinkSecurity::Encrypted : LinkSecurity::Plain;
-    answer(Channel::Attributes, attributes_.answer(request, security));
+    answer(Channel::Attributes, attributes_.answer(bytes, security));
 }
 
 void Device::answer(Channel channel, const std::optional<Bytes>& reply) {
@@ -110,8 +121,11 @@ void Device::answer(Channel channel, const std::optional<Bytes>& reply) {
 bool Device::agreesOn(const EncryptionKey& key) { return pairing_.agreesOn(key); }
 
 void Device::encrypted() {
+    if (isCentral()) return central_.encrypted();
     for (const Bytes& message : pairing_.encrypted())
         link_->send(Channel::Security, message);
 }
+
+void Device::encryptionRefused() { central_.encryptionRefused(); }
 
 } // namespace controller

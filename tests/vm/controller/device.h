@@ -6,6 +6,7 @@
 
 #include "advertiser.h"
 #include "attribute_server.h"
+#include "central.h"
 #include "gatt_profile.h"
 #include "own_address.h"
 #include "pairing.h"
@@ -27,6 +28,12 @@ struct DeviceDescription {
     bool advertisesWhileLinked = false;
     /// Takes the connection and never answers on the attribute channel.
     bool isMute = false;
+    /// Pairs without saying who it is.
+    bool keepsIdentity = false;
+    /// Does not advertise before it is told to.
+    bool startsSilent = false;
+    /// For links that it makes itself.
+    CentralHabits central;
 };
 
 class Device final : public Peer {
@@ -41,11 +48,22 @@ public:
 
     const OwnAddress& address() const { return address_; }
 
-    Pairing& pairing() { return pairing_; }
-
     const Pairing& pairing() const { return pairing_; }
 
+    /// Its part in links that it makes itself.
+    Central& central() { return central_; }
+
+    const Central& central() const { return central_; }
+
+    bool isBonded() const { return bond_.isKept(); }
+
+    /// As when its owner removes the other side from its list.
+    void forgetBond() { bond_.forget(); }
+
     const Link* link() const { return link_; }
+
+    /// Whether it has made the link that it has.
+    bool isCentral() const;
 
     unsigned timesLinked() const { return timesLinked_; }
 
@@ -79,17 +97,20 @@ public:
     void receive(const Frame& frame) override;
     bool agreesOn(const EncryptionKey& key) override;
     void encrypted() override;
+    void encryptionRefused() override;
 
 private:
     void advertiseIfDue(TimePoint now, Controller& controller);
     void answer(Channel channel, const std::optional<Bytes>& reply);
-    void receiveAttribute(ByteView request);
+    void receiveAttribute(ByteView bytes);
 
     Advertiser advertiser_;
     OwnAddress address_;
     GattProfile profile_;
     AttributeServer attributes_;
+    Bond bond_;
     Pairing pairing_;
+    Central central_;
     Admission admission_;
     std::optional<int> linkRssi_;
     bool advertisesWhileLinked_;

@@ -52,6 +52,8 @@ private:
     Complaint setMtu(std::string_view value);
     Complaint setResolvingKey(std::string_view value);
     Complaint setAddressInterval(std::string_view value);
+    Complaint setPairs(std::string_view value);
+    Complaint setOwner(std::string_view value);
 
     bool isConnectable() const { return made_.advertisement.type == ReportType::Connectable; }
 
@@ -94,6 +96,8 @@ Complaint DeviceLine::take(std::string_view word) {
         {"mtu", &DeviceLine::setMtu},
         {"irk", &DeviceLine::setResolvingKey},
         {"changes-every", &DeviceLine::setAddressInterval},
+        {"pairs", &DeviceLine::setPairs},
+        {"owner", &DeviceLine::setOwner},
     };
     static constexpr Flag flags[] = {
         {"connectable",
@@ -103,6 +107,10 @@ Complaint DeviceLine::take(std::string_view word) {
         {"mute", [](DeviceDescription& made) { made.isMute = true; }},
         {"unpairable", [](DeviceDescription& made) { made.pairability = Pairability::Refuses; }},
         {"mouse", [](DeviceDescription& made) { made.profile.isMouse = true; }},
+        {"silent", [](DeviceDescription& made) { made.startsSilent = true; }},
+        {"keeps-identity", [](DeviceDescription& made) { made.keepsIdentity = true; }},
+        {"asks-always", [](DeviceDescription& made) { made.central.pairing.asksAlways = true; }},
+        {"older-pairing", [](DeviceDescription& made) { made.central.pairing.isOlder = true; }},
         {"changing", [](DeviceDescription& made) { made.privacy = Changing{}; }},
     };
     for (const Flag& flag : flags) {
@@ -212,6 +220,25 @@ Complaint DeviceLine::setAddressInterval(std::string_view value) {
     const std::optional<double> seconds = parseDecimal(value);
     if (!seconds || *seconds <= 0 || *seconds > 86400) return "no interval: " + std::string(value);
     made_.addressInterval = *seconds;
+    return none();
+}
+
+Complaint DeviceLine::setPairs(std::string_view value) {
+    using Pairs = CentralHabits::Pairs;
+    if (value != "when-refused" && value != "at-once" && value != "when-asked")
+        return "no time to pair: " + std::string(value);
+    made_.central.pairs = value == "at-once"      ? Pairs::AtOnce
+                          : value == "when-asked" ? Pairs::WhenAsked
+                                                  : Pairs::WhenRefused;
+    return none();
+}
+
+Complaint DeviceLine::setOwner(std::string_view value) {
+    if (value != "types" && value != "answers" && value != "nothing")
+        return "no owner: " + std::string(value);
+    made_.central.pairing.owner = value == "types"     ? OwnerAbility::Types
+                                  : value == "answers" ? OwnerAbility::Answers
+                                                       : OwnerAbility::Nothing;
     return none();
 }
 

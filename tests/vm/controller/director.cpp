@@ -1,6 +1,7 @@
 #include "director.h"
 
 #include "link.h"
+#include "text.h"
 
 namespace controller {
 
@@ -36,7 +37,7 @@ void turn(Device& device, SwitchDevice::To to) {
     case To::Refuse:
         return device.setAdmission(Ignore{});
     case To::Forget:
-        return device.pairing().forgetBond();
+        return device.forgetBond();
     }
 }
 
@@ -56,10 +57,48 @@ std::string describe(const Device& device) {
            " advertising=" + yesOrNo(device.isAdvertising()) +
            " connected=" + yesOrNo(link != nullptr) +
            " encrypted=" + yesOrNo(link != nullptr && link->isEncrypted()) +
-           " bonded=" + yesOrNo(device.pairing().isBonded()) +
+           " bonded=" + yesOrNo(device.isBonded()) +
            " connects=" + std::to_string(device.timesLinked()) +
            " requests=" + std::to_string(device.timesAsked()) +
            " pairing-requests=" + std::to_string(device.pairing().timesAsked());
+}
+
+std::string numbered(unsigned number) {
+    constexpr std::size_t shown = 6;
+    const std::string digits = std::to_string(number);
+    return std::string(shown - std::min(shown, digits.size()), '0') + digits;
+}
+
+std::string describe(const std::optional<OwnersQuestion>& question) {
+    if (!question) return "none";
+    switch (question->kind) {
+    case OwnersQuestion::Kind::Consent:
+        return "consent";
+    case OwnersQuestion::Kind::Compare:
+        return numbered(question->digits);
+    case OwnersQuestion::Kind::Type:
+        return "type";
+    }
+    return "none";
+}
+
+std::string describe(const Central& central) {
+    const AttributeClient& attributes = central.attributes();
+    const InitiatedPairing& pairing = central.pairing();
+    std::string services;
+    for (const std::uint16_t service : attributes.services()) {
+        if (!services.empty()) services += ',';
+        services += toHex(Bytes{static_cast<std::uint8_t>(service >> 8U),
+                                static_cast<std::uint8_t>(service & 0xFFU)});
+    }
+    const std::optional<Bytes>& location = attributes.sensorLocation();
+    const std::string notRead = attributes.isRefused() ? "refused" : "unknown";
+    return "services=" + services + " location=" + (location ? toHex(*location) : notRead) +
+           " pairing=" + yesOrNo(pairing.isUnderWay()) +
+           " paired=" + std::to_string(pairing.timesDone()) + " failure=" +
+           (pairing.failure() ? toHex(Bytes{*pairing.failure()}) : std::string("none")) +
+           " question=" + describe(pairing.question()) +
+           " bond-refused=" + yesOrNo(central.wasBondRefused());
 }
 
 } // namespace
@@ -144,6 +183,63 @@ std::string Director::carryOut(const ChangeAddress& instruction) {
         device.address().change(currentTime());
         return ok + (" " + toText(device.address().shown()));
     });
+}
+
+std::string Director::carryOut(const SeeAdvertising&) {
+    std::string seen;
+    for (const auto& [handle, set] : controller_.advertising().sets()) {
+        if (!set.isOn) continue;
+        const Address address = controller_.addressOf(set, handle);
+        const bool isPublic = address.type == AddressType::Public;
+        seen += " address=" + toText(address) + " type=" + (isPublic ? "public" : "random") +
+                " connectable=" + yesOrNo(set.isConnectable) + " data=" + toHex(set.data) +
+                " response=" + (set.isScannable ? toHex(set.response) : "");
+    }
+    return seen.empty() ? "ok nothing" : ok + seen;
+}
+
+std::string Director::carryOut(const Connect& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        if (device.link() != nullptr) return error("connected already: " + instruction.name);
+        const std::optional<SetHandle> set = controller_.advertising().connectable();
+        if (!set) return error("nobody to connect to");
+        controller_.connectFrom(device.address().shown(), device, *set);
+        device.central().begin(*controller_.linkOf(device));
+        return std::string(ok);
+    });
+}
+
+std::string Director::carryOut(const Pair& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        if (!device.isCentral()) return notConnected(instruction.name);
+        device.central().pair();
+        return std::string(ok);
+    });
+}
+
+std::string Director::carryOut(const Look& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        if (!device.isCentral()) return notConnected(instruction.name);
+        device.central().look();
+        return std::string(ok);
+    });
+}
+
+std::string Director::carryOut(const AnswerQuestion& instruction) {
+    return with(instruction.name, [&](Device& device) {
+        if (!device.central().answer(instruction.answer)) return error("nothing was asked");
+        return std::string(ok);
+    });
+}
+
+std::string Director::carryOut(const TellCentral& instruction) {
+    return with(instruction.name,
+                [](const Device& device) { return ok + (" " + describe(device.central())); });
+}
+
+std::string Director::carryOut(const SetAdvertisingAbility& instruction) {
+    controller_.setAdvertisingAbility(instruction.ability);
+    return ok;
 }
 
 std::string Director::carryOut(const SetDuplicateFilter& instruction) {

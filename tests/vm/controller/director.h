@@ -29,6 +29,13 @@ private:
     std::string carryOut(const SetModel& instruction);
     std::string carryOut(const SayGarbage& instruction);
     std::string carryOut(const ChangeAddress& instruction);
+    std::string carryOut(const SeeAdvertising& instruction);
+    std::string carryOut(const Connect& instruction);
+    std::string carryOut(const Pair& instruction);
+    std::string carryOut(const Look& instruction);
+    std::string carryOut(const AnswerQuestion& instruction);
+    std::string carryOut(const TellCentral& instruction);
+    std::string carryOut(const SetAdvertisingAbility& instruction);
     std::string carryOut(const SetDuplicateFilter& instruction);
     std::string carryOut(const StartFlood& instruction);
     std::string carryOut(const TellFloodResult& instruction);

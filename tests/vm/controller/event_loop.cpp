@@ -35,7 +35,9 @@ void EventLoop::serve(LineChannel owner) {
 void EventLoop::run() {
     while (!director_.wantsToQuit() && !(hasOwner_ && scripts_.empty())) {
         waitForNext();
-        air_.act(std::chrono::steady_clock::now(), controller_);
+        const TimePoint now = std::chrono::steady_clock::now();
+        controller_.passTime(now);
+        air_.act(now, controller_);
     }
 }
 
@@ -45,7 +47,8 @@ void EventLoop::waitForNext() {
     for (const LineChannel& script : scripts_)
         watched.push_back({script.descriptor(), POLLIN, 0});
 
-    const std::optional<TimePoint> due = air_.nextDue(controller_.isListening());
+    const std::optional<TimePoint> due =
+        sooner(air_.nextDue(controller_.isListening()), controller_.due());
     const timespec timeout = due ? until(*due) : timespec{};
     if (::ppoll(watched.data(), watched.size(), due ? &timeout : nullptr, nullptr) <= 0) return;
 

@@ -28,12 +28,16 @@ enum class Status : std::uint8_t {
     UnknownCommand = 0x01,
     UnknownConnection = 0x02,
     KeyMissing = 0x06,
+    MemoryExceeded = 0x07,
     ConnectionTimeout = 0x08,
     ConnectionExists = 0x0B,
     CommandDisallowed = 0x0C,
     InvalidParameters = 0x12,
     EndedByLocalHost = 0x16,
-    FailedToBeEstablished = 0x3E
+    AdvertisingTimeout = 0x3C,
+    IntegrityFailure = 0x3D,
+    FailedToBeEstablished = 0x3E,
+    UnknownAdvertisingSet = 0x42
 };
 
 /// A piece of a frame on a link.

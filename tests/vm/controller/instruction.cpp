@@ -76,6 +76,38 @@ Instruction parseGarbage(const Words& words) {
     return SayGarbage{.name = std::string(words[1]), .bytes = *bytes};
 }
 
+Instruction parseAnswer(const Words& words) {
+    constexpr int mostDigits = 999999;
+    if (words.size() != 3) return usage("answer NAME yes|no|DIGITS");
+    AnswerQuestion said{.name = std::string(words[1]), .answer = {}};
+    if (words[2] == "no") said.answer.consents = false;
+    if (words[2] == "yes" || words[2] == "no") return said;
+    const std::optional<int> digits = parseInteger(words[2]);
+    if (!digits || *digits < 0 || *digits > mostDigits)
+        return Misunderstood{"no answer: " + std::string(words[2])};
+    said.answer.digits = static_cast<unsigned>(*digits);
+    return said;
+}
+
+Instruction parseAdvertising(const Words& words) {
+    constexpr std::string_view sets = "sets=";
+    constexpr int mostSets = 0xF0;
+    if (words.size() < 2 || (words[1] != "older" && words[1] != "extended"))
+        return usage("advertising older|extended [sets=NUMBER] [refuses]");
+    AdvertisingAbility ability;
+    if (words[1] == "extended") ability.commands = AdvertisingAbility::Commands::Extended;
+    for (std::size_t at = 2; at < words.size(); ++at) {
+        const bool isNumber = words[at].starts_with(sets);
+        const std::optional<int> number =
+            isNumber ? parseInteger(words[at].substr(sets.size())) : std::nullopt;
+        const bool isRight = number ? *number >= 0 && *number <= mostSets : words[at] == "refuses";
+        if (!isRight) return Misunderstood{"unknown: " + std::string(words[at])};
+        if (number) ability.sets = static_cast<std::uint8_t>(*number);
+        if (!number) ability.refuses = true;
+    }
+    return SetAdvertisingAbility{ability};
+}
+
 /// For what is about a device and needs nothing more.
 template <typename AboutDevice>
 Instruction parseName(const Words& words) {
@@ -147,6 +179,13 @@ constexpr Form forms[] = {
     {"model", parseModel},
     {"garbage", parseGarbage},
     {"rotate", parseName<ChangeAddress>},
+    {"see", parsePlain<SeeAdvertising>},
+    {"connect", parseName<Connect>},
+    {"pair", parseName<Pair>},
+    {"look", parseName<Look>},
+    {"answer", parseAnswer},
+    {"central-status", parseName<TellCentral>},
+    {"advertising", parseAdvertising},
     {"filter-duplicates", parseDuplicateFilter},
     {"flood", parseFlood},
     {"flood-result", parsePlain<TellFloodResult>},

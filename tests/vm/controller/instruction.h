@@ -15,10 +15,13 @@ namespace controller {
 /// device NAME address=AA:BB:CC:DD:EE:FF [type=public|random] [rssi=DBM] [interval=SECONDS]
 ///        [data=HEX] [name=TEXT] [manufacturer=HEX] [connectable]
 /// and, for when it is connected,
-///        [link-rssi=DBM] [advertises-while-linked] [mute] [mtu=BYTES] [unpairable]
+///        [link-rssi=DBM] [advertises-while-linked] [mute] [mtu=BYTES] [unpairable] [silent]
 ///        [gap-name=TEXT] [model=TEXT] [battery=open|protected] [mouse]
 /// and, to go by private addresses instead of its own,
 ///        [irk=HEX | changing] [changes-every=SECONDS]
+/// and, for when it connects to us,
+///        [pairs=when-refused|at-once|when-asked] [owner=types|answers|nothing] [asks-always]
+///        [older-pairing] [keeps-identity]
 /// The key of irk= has its least significant byte first. A device under a name in use replaces
 /// the earlier one, which loses its link.
 struct PutDevice {
@@ -89,6 +92,42 @@ struct ChangeAddress {
     std::string name;
 };
 
+/// What we advertise, set by set: see
+struct SeeAdvertising {};
+
+/// It connects to us, if we advertise that it may: connect NAME
+struct Connect {
+    std::string name;
+};
+
+/// It pairs on the link that it has made to us: pair NAME
+struct Pair {
+    std::string name;
+};
+
+/// It asks, on the link that it has made to us, what we serve, or once more for what it was
+/// refused: look NAME
+struct Look {
+    std::string name;
+};
+
+/// What its owner says to the question of a pairing: answer NAME yes|no|DIGITS
+struct AnswerQuestion {
+    std::string name;
+    OwnersAnswer answer;
+};
+
+/// What a device that connects to us has seen, and how its pairing goes: central-status NAME
+struct TellCentral {
+    std::string name;
+};
+
+/// How the controller can advertise, for the next time that it is plugged in; whether it refuses to
+/// counts at once: advertising older|extended [sets=NUMBER] [refuses]
+struct SetAdvertisingAbility {
+    AdvertisingAbility ability;
+};
+
 /// filter-duplicates obey|ignore
 struct SetDuplicateFilter {
     DuplicateFilter filter = DuplicateFilter::Ignore;
@@ -130,7 +169,8 @@ struct Misunderstood {
 
 using Instruction =
     std::variant<PutDevice, SetRssi, SwitchDevice, FailConnections, DropLink, SetModel, SayGarbage,
-                 ChangeAddress, SetDuplicateFilter, StartFlood, TellFloodResult, TellStatus,
+                 ChangeAddress, SeeAdvertising, Connect, Pair, Look, AnswerQuestion, TellCentral,
+                 SetAdvertisingAbility, SetDuplicateFilter, StartFlood, TellFloodResult, TellStatus,
                  TellDevice, ReportHardwareError, Unplug, Plug, Quit, Misunderstood>;
 
 Instruction parseInstruction(std::string_view line);

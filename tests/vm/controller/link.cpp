@@ -28,4 +28,9 @@ void Link::send(Channel channel, ByteView payload) {
     }
 }
 
+void Link::askForKey(const EncryptionKey& key) {
+    keyAskedFor_ = key.key;
+    outbox_.put(longTermKeyRequest(handle_, key.random, key.diversifier));
+}
+
 } // namespace controller

@@ -2,6 +2,9 @@
 // that the air takes.
 #pragma once
 
+#include <optional>
+#include <utility>
+
 #include "abilities.h"
 #include "link_events.h"
 #include "outbox.h"
@@ -14,13 +17,14 @@ public:
     struct Ends {
         Address own;
         Address peer;
+        LinkRole role = LinkRole::Central;
     };
 
     Link(LinkHandle handle, const Ends& ends, Peer& peer, Outbox& outbox);
 
     LinkHandle handle() const { return handle_; }
 
-    /// The addresses that were used when it was made.
+    /// The addresses that were used when it was made, and who we are.
     const Ends& ends() const { return ends_; }
 
     Peer& peer() const { return peer_; }
@@ -43,6 +47,12 @@ public:
     /// From the device to the kernel.
     void send(Channel channel, ByteView payload);
 
+    /// The device, as the central, wants the link encrypted; the kernel is asked for the key.
+    void askForKey(const EncryptionKey& key);
+
+    /// The key that the device has used, if the kernel still owes it.
+    std::optional<Key> takeKeyAskedFor() { return std::exchange(keyAskedFor_, std::nullopt); }
+
 private:
     LinkHandle handle_;
     Ends ends_;
@@ -51,6 +61,7 @@ private:
     Reassembler reassembler_;
     std::size_t pieceLength_ = defaultDataOctets;
     bool isEncrypted_ = false;
+    std::optional<Key> keyAskedFor_;
     bool isHeard_ = true;
 };
 

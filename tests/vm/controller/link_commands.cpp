@@ -63,7 +63,8 @@ Bytes cancelConnection(ByteView, ControllerState& state) {
     const Address wanted = state.initiator.request().wanted.value_or(Address{});
     state.initiator.stop();
     // That is how a cancelled attempt ends.
-    state.outbox.put(connectionComplete(Status::UnknownConnection, 0, wanted, {}));
+    state.outbox.put(
+        connectionComplete(Status::UnknownConnection, {.peer = wanted}, state.eventForm()));
     return done(Status::Success);
 }
 
@@ -120,6 +121,32 @@ Bytes startEncryption(ByteView parameters, ControllerState& state) {
         link.setEncrypted();
         link.peer().encrypted();
     });
+}
+
+Bytes giveLongTermKey(ByteView parameters, ControllerState& state) {
+    Link* link = state.links.find(read16(parameters, 0));
+    if (link == nullptr) return aboutHandle(parameters, Status::UnknownConnection);
+    const std::optional<Key> wanted = link->takeKeyAskedFor();
+    if (!wanted) return aboutHandle(parameters, Status::CommandDisallowed);
+    if (!std::equal(wanted->begin(), wanted->end(), parameters.begin() + 2)) {
+        // Two keys make two ciphers: neither side understands the other any more.
+        state.links.close(link->handle(), static_cast<std::uint8_t>(Status::IntegrityFailure));
+        return aboutHandle(parameters, Status::Success);
+    }
+    state.outbox.put(link->isEncrypted()
+                         ? encryptionKeyRefreshComplete(link->handle(), Status::Success)
+                         : encryptionChange(link->handle(), Status::Success));
+    link->setEncrypted();
+    link->peer().encrypted();
+    return aboutHandle(parameters, Status::Success);
+}
+
+Bytes refuseLongTermKey(ByteView parameters, ControllerState& state) {
+    Link* link = state.links.find(read16(parameters, 0));
+    if (link == nullptr) return aboutHandle(parameters, Status::UnknownConnection);
+    if (!link->takeKeyAskedFor()) return aboutHandle(parameters, Status::CommandDisallowed);
+    link->peer().encryptionRefused();
+    return aboutHandle(parameters, Status::Success);
 }
 
 } // namespace controller

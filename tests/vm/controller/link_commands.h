@@ -21,5 +21,7 @@ Bytes updateConnection(ByteView parameters, ControllerState& state);
 Bytes setDataLength(ByteView parameters, ControllerState& state);
 Bytes readRssi(ByteView parameters, ControllerState& state);
 Bytes startEncryption(ByteView parameters, ControllerState& state);
+Bytes giveLongTermKey(ByteView parameters, ControllerState& state);
+Bytes refuseLongTermKey(ByteView parameters, ControllerState& state);
 
 } // namespace controller

@@ -16,7 +16,10 @@ constexpr std::uint8_t keyRefreshEvent = 0x30;
 constexpr std::uint8_t connectionCompleteSubevent = 0x01;
 constexpr std::uint8_t connectionUpdateSubevent = 0x03;
 constexpr std::uint8_t remoteFeaturesSubevent = 0x04;
+constexpr std::uint8_t longTermKeyRequestSubevent = 0x05;
 constexpr std::uint8_t dataLengthChangeSubevent = 0x07;
+constexpr std::uint8_t enhancedConnectionCompleteSubevent = 0x0A;
+constexpr std::uint8_t advertisingSetTerminatedSubevent = 0x12;
 
 Bytes about(LinkHandle handle, Status status = Status::Success) {
     Bytes parameters;
@@ -33,15 +36,35 @@ void appendTerms(Bytes& to, const LinkTerms& terms) {
 
 } // namespace
 
-Bytes connectionComplete(Status status, LinkHandle handle, const Address& peer,
-                         const LinkTerms& terms) {
-    Bytes parameters = about(handle, status);
-    append8(parameters, 0); // we are the central
-    append8(parameters, static_cast<unsigned>(peer.type));
-    append(parameters, peer.bytes);
-    appendTerms(parameters, terms);
+Bytes connectionComplete(Status status, const NewLink& link, EventForm form) {
+    const bool isEnhanced = form == EventForm::Enhanced;
+    Bytes parameters = about(link.handle, status);
+    append8(parameters, static_cast<unsigned>(link.role));
+    append8(parameters, static_cast<unsigned>(link.peer.type));
+    append(parameters, link.peer.bytes);
+    // The private addresses that the controller itself makes for either side: it makes none.
+    if (isEnhanced) append(parameters, Bytes(2 * link.peer.bytes.size(), 0));
+    appendTerms(parameters, link.terms);
     append8(parameters, 0); // clock accuracy
-    return lowEnergyEvent(connectionCompleteSubevent, parameters);
+    return lowEnergyEvent(
+        isEnhanced ? enhancedConnectionCompleteSubevent : connectionCompleteSubevent, parameters);
+}
+
+Bytes advertisingSetTerminated(Status status, std::uint8_t set, LinkHandle handle) {
+    Bytes parameters;
+    append8(parameters, static_cast<unsigned>(status));
+    append8(parameters, set);
+    append16(parameters, handle);
+    append8(parameters, 0); // how many times it was sent, which only counts where that was limited
+    return lowEnergyEvent(advertisingSetTerminatedSubevent, parameters);
+}
+
+Bytes longTermKeyRequest(LinkHandle handle, ByteView random, unsigned diversifier) {
+    Bytes parameters;
+    append16(parameters, handle);
+    append(parameters, random);
+    append16(parameters, diversifier);
+    return lowEnergyEvent(longTermKeyRequestSubevent, parameters);
 }
 
 Bytes disconnectionComplete(LinkHandle handle, std::uint8_t reason) {

@@ -17,9 +17,25 @@ struct LinkTerms {
     unsigned timeout = 0;
 };
 
+/// What the controller is on a link: who asked for it, or who was asked.
+enum class LinkRole : std::uint8_t { Central = 0, Peripheral = 1 };
+
 /// Handle and terms count only on success.
-Bytes connectionComplete(Status status, LinkHandle handle, const Address& peer,
-                         const LinkTerms& terms);
+struct NewLink {
+    LinkHandle handle = 0;
+    LinkRole role = LinkRole::Central;
+    Address peer;
+    LinkTerms terms;
+};
+
+/// A controller with extended advertising uses the enhanced form, and the kernel waits for no
+/// other.
+enum class EventForm : std::uint8_t { Older, Enhanced };
+
+Bytes connectionComplete(Status status, const NewLink& link, EventForm form);
+
+/// A set is off the air, on success because it has become this link.
+Bytes advertisingSetTerminated(Status status, std::uint8_t set, LinkHandle handle);
 
 /// The reason is any of the air's, as a test may choose one.
 Bytes disconnectionComplete(LinkHandle handle, std::uint8_t reason);
@@ -30,6 +46,9 @@ Bytes remoteVersionComplete(LinkHandle handle);
 
 /// The sizes that both sides use from now on, the largest there are.
 Bytes dataLengthChange(LinkHandle handle);
+
+/// The other side wants the link encrypted with a key that goes by these numbers.
+Bytes longTermKeyRequest(LinkHandle handle, ByteView random, unsigned diversifier);
 
 /// On success the link is encrypted from now on.
 Bytes encryptionChange(LinkHandle handle, Status status);

@@ -8,66 +8,16 @@ namespace controller {
 
 namespace {
 
-/// The messages of the security channel.
-enum class Code : std::uint8_t {
-    PairingRequest = 0x01,
-    PairingResponse = 0x02,
-    PairingConfirm = 0x03,
-    PairingRandom = 0x04,
-    PairingFailed = 0x05,
-    EncryptionInformation = 0x06,
-    CentralIdentification = 0x07,
-    IdentityInformation = 0x08,
-    IdentityAddress = 0x09,
-    SigningInformation = 0x0A
-};
-
 constexpr std::uint8_t noInputNoOutput = 3;
-constexpr unsigned bonding = 0x01;
-constexpr unsigned bondingMask = 0x03;
-constexpr std::uint8_t longestKey = 16;
-
-/// Keys, as both sides offer and ask for them.
-constexpr unsigned encryptionKey = 0x01;
-constexpr unsigned identityKey = 0x02;
-constexpr unsigned signingKey = 0x04;
-
-/// Where a request and a response have what.
-constexpr std::size_t requirementsAt = 3;
-constexpr std::size_t initiatorKeysAt = 5;
-constexpr std::size_t responderKeysAt = 6;
-
-constexpr std::size_t keyMessageLength = 17;
-
 /// Without a question to the user there is nothing to start from.
 constexpr Key temporaryKey{};
 
-Bytes message(Code code, ByteView content) {
-    Bytes bytes{static_cast<std::uint8_t>(code)};
-    append(bytes, content);
-    return bytes;
-}
-
-/// The caller has checked the length.
-Key keyIn(ByteView received) {
-    Key key{};
-    std::copy_n(received.begin() + 1, key.size(), key.begin());
-    return key;
-}
-
 } // namespace
 
-enum class Pairing::Failure : std::uint8_t {
-    ConfirmValue = 0x04,
-    NotSupported = 0x05,
-    CommandNotSupported = 0x07,
-    Unspecified = 0x08,
-    InvalidParameters = 0x0A
-};
-
-Pairing::Pairing(const Identity& identity, Pairability pairability)
+Pairing::Pairing(const PairingIdentity& identity, Pairability pairability, Bond& bond)
     : identity_(identity),
       pairability_(pairability),
+      bond_(bond),
       generator_(generatorFor(identity.address)) {}
 
 void Pairing::linked(const Address& initiator, const Address& responder) {
@@ -78,39 +28,42 @@ void Pairing::linked(const Address& initiator, const Address& responder) {
 
 std::optional<Bytes> Pairing::receive(ByteView received) {
     if (received.empty()) return std::nullopt;
-    switch (Code{received[0]}) {
-    case Code::PairingRequest:
+    switch (SecurityCode{received[0]}) {
+    case SecurityCode::PairingRequest:
         return respond(received);
-    case Code::PairingConfirm:
+    case SecurityCode::PairingConfirm:
         return confirm(received);
-    case Code::PairingRandom:
+    case SecurityCode::PairingRandom:
         return reveal(received);
-    case Code::PairingFailed:
+    case SecurityCode::PairingFailed:
         stage_ = Stage::Idle;
         return std::nullopt;
-    case Code::EncryptionInformation:
-    case Code::CentralIdentification:
-    case Code::IdentityInformation:
-    case Code::IdentityAddress:
-    case Code::SigningInformation:
+    case SecurityCode::EncryptionInformation:
+    case SecurityCode::CentralIdentification:
+    case SecurityCode::IdentityInformation:
+    case SecurityCode::IdentityAddress:
+    case SecurityCode::SigningInformation:
         // The other side's own keys; this device never has to find it again.
         return std::nullopt;
-    case Code::PairingResponse:
+    case SecurityCode::PairingResponse:
+    case SecurityCode::SecurityRequest:
+    case SecurityCode::PublicKey:
+    case SecurityCode::Proof:
         break;
     }
-    return fail(Failure::CommandNotSupported);
+    return fail(PairingFailure::CommandNotSupported);
 }
 
 Bytes Pairing::respond(ByteView request) {
     ++timesAsked_;
-    if (pairability_ == Pairability::Refuses) return fail(Failure::NotSupported);
-    if (request.size() != context_.request.size()) return fail(Failure::InvalidParameters);
+    if (pairability_ == Pairability::Refuses) return fail(PairingFailure::NotSupported);
+    if (request.size() != context_.request.size()) return fail(PairingFailure::InvalidParameters);
     std::copy(request.begin(), request.end(), context_.request.begin());
     const unsigned identityOffer = identity_.resolvingKey ? identityKey : 0;
     const unsigned offer = encryptionKey | identityOffer | signingKey;
     const unsigned accepted = encryptionKey | identityKey | signingKey;
     const bool bonds = (request[requirementsAt] & bondingMask) == bonding;
-    context_.response = {static_cast<std::uint8_t>(Code::PairingResponse),
+    context_.response = {static_cast<std::uint8_t>(SecurityCode::PairingResponse),
                          noInputNoOutput,
                          0, // nothing was exchanged by other means
                          static_cast<std::uint8_t>(bonds ? bonding : 0),
@@ -123,32 +76,33 @@ Bytes Pairing::respond(ByteView request) {
 
 Bytes Pairing::confirm(ByteView received) {
     if (stage_ != Stage::AwaitsConfirm || received.size() != keyMessageLength)
-        return fail(Failure::Unspecified);
+        return fail(PairingFailure::Unspecified);
     othersConfirm_ = keyIn(received);
     ownRandom_ = randomKey(generator_);
     stage_ = Stage::AwaitsRandom;
-    return message(Code::PairingConfirm, confirmValue(temporaryKey, ownRandom_, context_));
+    return securityMessage(SecurityCode::PairingConfirm,
+                           confirmValue(temporaryKey, ownRandom_, context_));
 }
 
 Bytes Pairing::reveal(ByteView received) {
     if (stage_ != Stage::AwaitsRandom || received.size() != keyMessageLength)
-        return fail(Failure::Unspecified);
+        return fail(PairingFailure::Unspecified);
     const Key othersRandom = keyIn(received);
     if (confirmValue(temporaryKey, othersRandom, context_) != othersConfirm_)
-        return fail(Failure::ConfirmValue);
+        return fail(PairingFailure::ConfirmValue);
     shortTerm_ = {.key = shortTermKey(temporaryKey, ownRandom_, othersRandom)};
     stage_ = Stage::AwaitsEncryption;
-    return message(Code::PairingRandom, ownRandom_);
+    return securityMessage(SecurityCode::PairingRandom, ownRandom_);
 }
 
-Bytes Pairing::fail(Failure why) {
+Bytes Pairing::fail(PairingFailure why) {
     stage_ = Stage::Idle;
-    return message(Code::PairingFailed, Bytes{static_cast<std::uint8_t>(why)});
+    return failureMessage(why);
 }
 
 bool Pairing::agreesOn(const EncryptionKey& key) const {
     if (stage_ == Stage::AwaitsEncryption) return key == shortTerm_;
-    return bond_ && key == *bond_;
+    return key == bond_.asPeripheral;
 }
 
 std::vector<Bytes> Pairing::encrypted() {
@@ -157,23 +111,16 @@ std::vector<Bytes> Pairing::encrypted() {
     const unsigned keys = context_.response[responderKeysAt];
     std::vector<Bytes> messages;
     if ((keys & encryptionKey) != 0) {
-        const Key numbers = randomKey(generator_);
-        bond_ = EncryptionKey{.key = randomKey(generator_), .diversifier = read16(numbers, 0)};
-        std::copy_n(numbers.rbegin(), bond_->random.size(), bond_->random.begin());
-        Bytes identification;
-        append16(identification, bond_->diversifier);
-        append(identification, bond_->random);
-        messages.push_back(message(Code::EncryptionInformation, bond_->key));
-        messages.push_back(message(Code::CentralIdentification, identification));
+        bond_.asPeripheral = randomEncryptionKey(generator_);
+        messages = encryptionKeyMessages(*bond_.asPeripheral);
     }
     if ((keys & identityKey) != 0) {
-        Bytes address{static_cast<std::uint8_t>(identity_.address.type)};
-        append(address, identity_.address.bytes);
-        messages.push_back(message(Code::IdentityInformation, *identity_.resolvingKey));
-        messages.push_back(message(Code::IdentityAddress, address));
+        for (Bytes& each : identityMessages(identity_))
+            messages.push_back(std::move(each));
     }
     if ((keys & signingKey) != 0)
-        messages.push_back(message(Code::SigningInformation, randomKey(generator_)));
+        messages.push_back(
+            securityMessage(SecurityCode::SigningInformation, randomKey(generator_)));
     return messages;
 }
 

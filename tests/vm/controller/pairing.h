@@ -1,13 +1,13 @@
-// A device's part in pairing: the older way, without a question to the user ("just works"), and
-// the keys that are kept from it.
+// A device's part in a pairing that the other side asks for: the older way, without a question to
+// the user ("just works"), and the keys that are kept from it.
 #pragma once
 
 #include <optional>
 #include <random>
 #include <vector>
 
-#include "peer.h"
-#include "security_functions.h"
+#include "bond.h"
+#include "pairing_messages.h"
 
 namespace controller {
 
@@ -15,18 +15,8 @@ enum class Pairability : std::uint8_t { Pairs, Refuses };
 
 class Pairing {
 public:
-    /// What the device tells of itself at the end: who it is, if it hides that otherwise.
-    struct Identity {
-        Address address;
-        std::optional<Key> resolvingKey;
-    };
-
-    Pairing(const Identity& identity, Pairability pairability);
-
-    bool isBonded() const { return bond_.has_value(); }
-
-    /// As when its owner removes the other side from its list.
-    void forgetBond() { bond_.reset(); }
+    /// Keeps in `bond` what it agrees on.
+    Pairing(const PairingIdentity& identity, Pairability pairability, Bond& bond);
 
     /// How often it was asked to pair: a phone shows its owner a question each time.
     unsigned timesAsked() const { return timesAsked_; }
@@ -47,17 +37,16 @@ public:
 
 private:
     enum class Stage : std::uint8_t { Idle, AwaitsConfirm, AwaitsRandom, AwaitsEncryption };
-    enum class Failure : std::uint8_t;
 
     Bytes respond(ByteView request);
     Bytes confirm(ByteView received);
     Bytes reveal(ByteView received);
-    Bytes fail(Failure why);
+    Bytes fail(PairingFailure why);
 
-    Identity identity_;
+    PairingIdentity identity_;
     Pairability pairability_;
+    Bond& bond_;
     std::mt19937 generator_;
-    std::optional<EncryptionKey> bond_;
     unsigned timesAsked_ = 0;
 
     Stage stage_ = Stage::Idle;

@@ -51,33 +51,34 @@ struct PairingTest : testing::Test {
         return {.key = shortTermKey({}, random, ownRandom)};
     }
 
-    Pairing pairing{{.address = identity, .resolvingKey = resolvingKey}, Pairability::Pairs};
+    Bond bond;
+    Pairing pairing{{.address = identity, .resolvingKey = resolvingKey}, Pairability::Pairs, bond};
 };
 
 TEST_F(PairingTest, KeysAreHandedOutOnceTheLinkIsEncrypted) {
     const EncryptionKey shortTerm = agree();
     ASSERT_TRUE(pairing.agreesOn(shortTerm));
-    EXPECT_FALSE(pairing.isBonded());
+    EXPECT_FALSE(bond.isKept());
     const std::vector<Bytes> keys = pairing.encrypted();
     ASSERT_EQ(keys.size(), 5U);
     EXPECT_EQ(keys[2], message(0x08, resolvingKey));
     EXPECT_EQ(keys[3], (Bytes{0x09, 0x00, 0x40, 0x53, 0x00, 0x5E, 0x00, 0x00}));
-    EXPECT_TRUE(pairing.isBonded());
+    EXPECT_TRUE(bond.isKept());
     EXPECT_TRUE(pairing.encrypted().empty());
 }
 
 TEST_F(PairingTest, BondIsKnownOnTheNextLinkUntilForgotten) {
     agree();
     const std::vector<Bytes> keys = pairing.encrypted();
-    EncryptionKey bond{.key = cut<Key>(keys[0], 1)};
-    bond.diversifier = read16(keys[1], 1);
-    bond.random = cut<std::array<std::uint8_t, 8>>(keys[1], 3);
+    EncryptionKey kept{.key = cut<Key>(keys[0], 1)};
+    kept.diversifier = read16(keys[1], 1);
+    kept.random = cut<std::array<std::uint8_t, 8>>(keys[1], 3);
     pairing.unlinked();
     pairing.linked(initiator, responder);
-    EXPECT_TRUE(pairing.agreesOn(bond));
-    EXPECT_FALSE(pairing.agreesOn({.key = bond.key}));
-    pairing.forgetBond();
-    EXPECT_FALSE(pairing.agreesOn(bond));
+    EXPECT_TRUE(pairing.agreesOn(kept));
+    EXPECT_FALSE(pairing.agreesOn({.key = kept.key}));
+    bond.forget();
+    EXPECT_FALSE(pairing.agreesOn(kept));
 }
 
 TEST_F(PairingTest, WrongRandomNumberEndsThePairing) {
@@ -88,7 +89,7 @@ TEST_F(PairingTest, WrongRandomNumberEndsThePairing) {
 }
 
 TEST_F(PairingTest, UnwillingDeviceCountsAndRefuses) {
-    Pairing unwilling({.address = identity, .resolvingKey = {}}, Pairability::Refuses);
+    Pairing unwilling({.address = identity, .resolvingKey = {}}, Pairability::Refuses, bond);
     EXPECT_EQ(unwilling.receive(request), (Bytes{0x05, 0x05}));
     EXPECT_EQ(unwilling.timesAsked(), 1U);
 }

@@ -39,6 +39,9 @@ public:
 
     /// From now on the link is encrypted with the key last agreed on.
     virtual void encrypted() = 0;
+
+    /// The key that the device wanted to use, as the central, is not known to the kernel.
+    virtual void encryptionRefused() = 0;
 };
 
 } // namespace controller
