@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <iostream>
@@ -40,6 +41,11 @@ MediaSession::MediaSession() {
     setenv("HOME", home_.path().c_str(), 1);
     setenv("XDG_RUNTIME_DIR", runtime_.path().c_str(), 1);
     setenv("DBUS_SESSION_BUS_ADDRESS", bus_.address().c_str(), 1);
+    // The first client makes it where the server has not: a pipewire-pulse that looks just before
+    // that and makes it just after gives up.
+    const auto pulse = runtime_.path() / "pulse";
+    std::filesystem::create_directory(pulse);
+    std::filesystem::permissions(pulse, std::filesystem::perms::owner_all);
 }
 
 std::optional<std::string> MediaSession::run(const std::vector<std::string>& words) {
