@@ -69,6 +69,15 @@ void Scanner::setPassiveIDs(std::set<Uuid> ids) {
     if (connections_.setPassive(std::move(ids))) keysChanged();
 }
 
+Subscription Scanner::tryOut(const Uuid& id) {
+    trial_ = id;
+    want();
+    return Subscription{[this] {
+        trial_.reset();
+        want();
+    }};
+}
+
 void Scanner::setDiscoveryActive(bool active) {
     discovery_.set(active);
     identifier_.setDiscoveryActive(active);
@@ -81,9 +90,12 @@ void Scanner::keysChanged() {
 }
 
 void Scanner::want() {
-    central_.want({.list = discoveryActive(),
-                   .connect = connections_.active(),
-                   .hear = connections_.onlyHeard()});
+    // How a device is heard shows only while the radio listens all the time, as for a list.
+    Wanted wanted{.list = discoveryActive() || trial_.has_value(),
+                  .connect = connections_.active(),
+                  .hear = connections_.onlyHeard()};
+    if (trial_ && !wanted.connect.contains(*trial_)) wanted.hear.insert(*trial_);
+    central_.want(wanted);
 }
 
 std::string Scanner::label(const Uuid& id) const {
@@ -116,7 +128,7 @@ void Scanner::didDiscover(const Advertisement& advertisement) {
 }
 
 bool Scanner::isWanted(const Advertisement& advertisement) const {
-    if (watchedIDs().contains(advertisement.id)) return true;
+    if (watchedIDs().contains(advertisement.id) || advertisement.id == trial_) return true;
     const auto type = advertisement.continuityType();
     if (!isAppleType(type)) return includeOtherDevices_ && !advertisement.name().empty();
     // Earphones and trackers: many in a room, none of them a key.

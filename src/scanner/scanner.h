@@ -62,6 +62,10 @@ public:
 
     void setPassiveIDs(std::set<Uuid> ids);
 
+    /// Listens to a device as if it were a key, all the time, while somebody tries how it is heard:
+    /// until the handle ends. One at a time.
+    [[nodiscard]] Subscription tryOut(const Uuid& id);
+
     /// Whether named devices of other makers are listed too.
     [[nodiscard]] bool includeOtherDevices() const { return includeOtherDevices_; }
 
@@ -115,6 +119,7 @@ private:
     DeviceTable devices_;
     std::unordered_set<Uuid> loggedDevices_; ///< also those that are forgotten
     bool includeOtherDevices_ = false;
+    std::optional<Uuid> trial_;
     bool catchingUp_ = false;
     KeyConnections connections_;
     ModelIdentifier identifier_;
