@@ -75,6 +75,7 @@ wegslot_module(coupling_bluez
     coupling/bluez/answers.cpp coupling/bluez/answers.h
     coupling/bluez/bluez_coupling_radio.cpp coupling/bluez/bluez_coupling_radio.h
     coupling/bluez/heart_rate_service.cpp coupling/bluez/heart_rate_service.h
+    coupling/bluez/later_removal.cpp coupling/bluez/later_removal.h
     coupling/bluez/obstacle.cpp coupling/bluez/obstacle.h coupling/bluez/pairable.cpp
     coupling/bluez/pairable.h coupling/bluez/pairing_agent.cpp coupling/bluez/pairing_agent.h
     coupling/bluez/peripheral_advertisement.cpp coupling/bluez/peripheral_advertisement.h

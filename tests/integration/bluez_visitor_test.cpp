@@ -291,6 +291,40 @@ TEST_F(CouplingVisitorTest, AnIdentityMayComeBeforeTheBondOrAfterItOrNever) {
     EXPECT_EQ(take(), Events{"changed ? " + identityText()});
 }
 
+TEST_F(CouplingVisitorTest, WhoIsPairedAndHandsOverNoIdentityIsToldOf) {
+    appearing();
+    visited();
+    // BlueZ calls nobody bonded of whom the kernel keeps nothing.
+    bluez.bluez.changeDevice(phone, {{"Paired", true}, {"Bonded", false}});
+    EXPECT_EQ(take(), Events{"bonded ? -"});
+}
+
+TEST_F(CouplingVisitorTest, WhoBondedIsForgottenAlsoWhenAllElseIsPutBack) {
+    appearing();
+    bonded();
+    gone();
+    static_cast<void>(take());
+    EXPECT_TRUE(bluez.removed.empty());
+    radio->forget();
+    radio->forget(); // it is under way
+    radio->disappear();
+    ASSERT_TRUE(isTold("gone"));
+    EXPECT_EQ(take(), Events{"gone"});
+    EXPECT_EQ(bluez.removed, std::vector<std::string>{pathOf(phone)});
+    radio->forget(); // there is nobody any more
+    gone();
+    EXPECT_EQ(bluez.removed.size(), 1U);
+}
+
+TEST_F(CouplingVisitorTest, WhoIsToBeForgottenIsEvenIfNobodyWaits) {
+    appearing();
+    bonded();
+    gone();
+    radio->forget();
+    radio.reset();
+    EXPECT_TRUE(loop.runUntil([this] { return bluez.removed.size() == 1; }));
+}
+
 TEST_F(CouplingVisitorTest, ABondThatComesAsTheVisitorGoesCountsAndItIsStillTheVisitor) {
     appearing();
     visited();

@@ -16,7 +16,11 @@ BluezCouplingRadio::BluezCouplingRadio(dbus::Connection::Open open, dbus::Connec
       borrow_(std::move(borrow)),
       delayed_(scheduler) {}
 
-BluezCouplingRadio::~BluezCouplingRadio() = default;
+BluezCouplingRadio::~BluezCouplingRadio() {
+    // Nobody waits any more: it is sent with what is left of the time.
+    if (!removal_) return;
+    if (const auto bus = world_.open()) (*bus)->send(*removing_);
+}
 
 void BluezCouplingRadio::putBack() {
     if (stay_ || note_.adapters().empty()) return;
@@ -28,6 +32,7 @@ void BluezCouplingRadio::putBack() {
 
 void BluezCouplingRadio::appear(const std::string& name, Confirmation confirmation) {
     if (stay_) return;
+    visitor_.reset();
     repair_.reset(); // the stay puts back what is noted
     loan_ = borrow_();
     stay_ = std::make_unique<Stay>(world_, name, confirmation,
@@ -35,6 +40,7 @@ void BluezCouplingRadio::appear(const std::string& name, Confirmation confirmati
 }
 
 void BluezCouplingRadio::over() {
+    visitor_ = stay_->removalOfVisitor();
     stay_.reset();
     loan_.reset();
     putBack(); // of a daemon that went
@@ -50,11 +56,25 @@ void BluezCouplingRadio::answer(bool same) {
 }
 
 void BluezCouplingRadio::forget() {
-    if (stay_) stay_->forget();
+    if (stay_) return stay_->forget();
+    if (!visitor_) return;
+    removing_ = std::exchange(visitor_, std::nullopt);
+    removal_ = std::make_unique<LaterRemoval>(
+        world_.open, world_.attach, world_.scheduler, *removing_,
+        [this] { delayed_.after(Nanoseconds{0}, [this] { removed(); }); });
+}
+
+void BluezCouplingRadio::removed() {
+    removal_.reset();
+    if (std::exchange(isAwaited_, false)) world_.tell(&CouplingListener::isGone);
 }
 
 void BluezCouplingRadio::disappear() {
     if (stay_) return stay_->leave();
+    if (removal_) {
+        isAwaited_ = true;
+        return;
+    }
     delayed_.after(Nanoseconds{0}, [this] { world_.tell(&CouplingListener::isGone); });
 }
 

@@ -3,12 +3,14 @@
 #pragma once
 
 #include "base/delayed_calls.h"
+#include "coupling/bluez/later_removal.h"
 #include "coupling/bluez/stay.h"
 #include "coupling/coupling_radio.h"
 
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace wegslot::coupling {
@@ -38,12 +40,17 @@ public:
 
 private:
     void over();
+    void removed();
 
     PairableNote note_;
     StayWorld world_;
     Borrow borrow_;
     Handle loan_;
     std::unique_ptr<Stay> stay_;
+    std::optional<dbus::Call> visitor_; ///< what has it forgotten, who bonded last
+    std::optional<dbus::Call> removing_;
+    std::unique_ptr<LaterRemoval> removal_; ///< by `removing_`
+    bool isAwaited_ = false;                ///< that removal
     std::unique_ptr<PairableRepair> repair_;
     DelayedCalls delayed_;
     Timer repaired_;

@@ -243,6 +243,12 @@ void Stay::forget() {
                                                   adapter_, *path, [this] { arrived(); }));
 }
 
+std::optional<dbus::Call> Stay::removalOfVisitor() const {
+    if (!visits_ || !visits_->isBonded() || visits_->visitor() == nullptr) return std::nullopt;
+    return callOf(adapter_, "org.bluez.Adapter1", "RemoveDevice",
+                  {dbus::ObjectPath{*visits_->visitor()}});
+}
+
 // --- The end of it ------------------------------------------------------------------------------
 
 void Stay::leave() {

@@ -52,6 +52,8 @@ public:
     void askForBond();
     void answer(bool same);
     void forget();
+    /// What has BlueZ forget the visitor that has bonded; nothing while there is none.
+    [[nodiscard]] std::optional<dbus::Call> removalOfVisitor() const;
     /// Puts everything back, once.
     void leave();
 

@@ -72,7 +72,9 @@ void Visits::came(std::string_view path, const bluez::Device& device) {
 void Visits::follow(const bluez::Device& device) {
     const Visitor now = visitorOf(device);
     const bool isNews = std::exchange(told_, now) != now;
-    if (!isBonded_ && device.isBonded()) {
+    // Who hands over no identity is paired and never bonded, for the kernel keeps nothing of it:
+    // that is to be told as well.
+    if (!isBonded_ && (device.paired || device.isBonded())) {
         isBonded_ = true;
         return tell_(&CouplingListener::bonded, now);
     }
