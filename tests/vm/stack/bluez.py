@@ -74,6 +74,11 @@ class Adapter:
         what = "on" if powered else "off"
         wait_for(lambda: self.is_powered() == powered, seconds, f"the adapter is {what}")
 
+    def set_pairable(self, pairable: bool) -> None:
+        self._interface(PROPERTIES).Set(
+            ADAPTER, "Pairable", dbus.Boolean(pairable, variant_level=1), timeout=ONLY_A_HANG
+        )
+
     def set_filter(self, wanted: dbus.Dictionary) -> None:
         self._interface(ADAPTER).SetDiscoveryFilter(wanted, timeout=ONLY_A_HANG)
 
