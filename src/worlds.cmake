@@ -184,7 +184,7 @@ wegslot_module(hud_qt
 wegslot_module(ui_linux
   FILES
     ui/linux/autostart_item.cpp ui/linux/autostart_item.h
-    ui/linux/bluetooth_settings.cpp ui/linux/bluetooth_settings.h ui/linux/color_scheme.cpp
+    ui/linux/color_scheme.cpp
     ui/linux/color_scheme.h ui/linux/desktop_opener.cpp ui/linux/desktop_opener.h
     ui/linux/tray_item.cpp ui/linux/tray_item.h ui/linux/tray_menu.cpp ui/linux/tray_menu.h
     ui/linux/tray_registration.cpp ui/linux/tray_registration.h
@@ -234,6 +234,11 @@ wegslot_module(panel_qt
     x11_qt icons_qt widgets_qt
   LIBRARIES Qt6::Widgets)
 
+wegslot_module(coupling_qt
+  FILES ui/qt/coupling/coupling_window.cpp ui/qt/coupling/coupling_window.h
+  USES base coupling scanner settings brand panel brand_qt icons_qt panel_qt
+  LIBRARIES Qt6::Widgets)
+
 wegslot_module(x11_tray_qt
   FILES ui/qt/x11_tray.cpp ui/qt/x11_tray.h
   TESTS ui/qt/x11_tray_test.cpp
@@ -252,7 +257,7 @@ wegslot_module(app_linux
   FILES
     app/linux/file_watch.cpp app/linux/file_watch.h app/linux/folders.cpp app/linux/folders.h
     app/linux/instance_lock.cpp app/linux/instance_lock.h app/linux/standard_output.cpp
-    app/linux/standard_output.h app/linux/user_language.cpp app/linux/user_language.h
+    app/linux/standard_input.cpp app/linux/standard_input.h app/linux/standard_output.h app/linux/user_language.cpp app/linux/user_language.h
   TESTS app/linux/instance_lock_test.cpp app/linux/user_language_test.cpp
   USES base dbus files_linux line_threads)
 
@@ -312,7 +317,8 @@ endif()
 wegslot_module(app_qt
   FILES
     app/qt/appearance.h app/qt/application.cpp app/qt/application.h app/qt/bus_pump.cpp
-    app/qt/bus_pump.h app/qt/check.cpp app/qt/check.h app/qt/demo_windows.h app/qt/display.cpp
+    app/qt/bus_pump.h app/qt/check.cpp app/qt/check.h app/qt/coupling_assistant.cpp
+    app/qt/coupling_assistant.h app/qt/demo_windows.h app/qt/display.cpp
     app/qt/display.h app/qt/menu_panel.cpp app/qt/menu_panel.h
     app/qt/qt_descriptors.cpp app/qt/qt_descriptors.h
     app/qt/qt_scheduler.cpp app/qt/qt_scheduler.h app/qt/real_world.cpp
@@ -324,7 +330,7 @@ wegslot_module(app_qt
     base coupling coupling_bluez file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
-    ui_ports control foreign_descriptor recording recording_linux stage
+    ui_ports control coupling coupling_bluez coupling_linux coupling_qt foreign_descriptor recording recording_linux stage
   LIBRARIES Qt6::Widgets)
 target_link_libraries(wegslot_app_qt PUBLIC wegslot_${real_updates})
 

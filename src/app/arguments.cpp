@@ -37,6 +37,18 @@ Result<Command> identityAfter(const std::vector<std::string_view>& words, std::s
     return Command{std::move(add)};
 }
 
+/// `couple [iphone|android|watch]`
+Result<Command> coupleAfter(const std::vector<std::string_view>& words, std::size_t& index) {
+    command::Couple couple;
+    if (index + 1 == words.size()) return Command{couple};
+    const std::string_view word = words[++index];
+    couple.kind = coupling::kindNamed(word);
+    if (!couple.kind)
+        return Failure{
+            message("%1: onbekend woord %2 (zie --help)", {"couple", std::string(word)})};
+    return Command{couple};
+}
+
 /// A word that adds to a command and asks for nothing by itself.
 struct Addition {
     std::string_view word;
@@ -118,6 +130,11 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         if (!add) return add.failure();
         return std::optional<Command>(*std::move(add));
     }
+    if (word == "couple") {
+        auto couple = coupleAfter(words, index);
+        if (!couple) return couple.failure();
+        return std::optional<Command>(*std::move(couple));
+    }
     if (word == "--same-as")
         return Failure{message("%1 hoort bij %2", {"--same-as", "--add-irk NAAM"})};
     if (control::isRequest(word))
@@ -183,6 +200,10 @@ std::string helpText() {
 Zonder opdracht start Wegslot: het lockt de sessie als je sleutels weg zijn.
 
 Een sleutel kiezen (toevoegen en verwijderen terwijl Wegslot niet draait):
+  couple [iphone|android|watch]
+                        koppel een telefoon of horloge stap voor stap, en maak
+                        er een sleutel van; draait Wegslot al, dan in zijn
+                        venster, en anders hier; stop met Ctrl-C
   --devices [--others]  toon elke seconde de apparaten in de buurt: id, naam,
                         soort en signaal in dBm; --others ook die van andere
                         makers; draait Wegslot al, dan wat dat hoort; stop met

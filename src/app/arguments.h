@@ -4,6 +4,7 @@
 #include "base/result.h"
 #include "base/uuid.h"
 #include "control/request.h"
+#include "coupling/step.h"
 
 #include <optional>
 #include <string>
@@ -51,6 +52,10 @@ struct AddIdentity {
     std::string name;           ///< the user's for the device
     std::optional<Uuid> sameAs; ///< what the device is when this computer is bonded with it
 };
+/// Couple a phone: step by step here, or in the window of the Wegslot that runs.
+struct Couple {
+    std::optional<coupling::Kind> kind; ///< what it is, as far as that is said
+};
 /// Ask a Wegslot that runs.
 struct Ask {
     control::Request request;
@@ -66,7 +71,7 @@ struct Snapshot {
 using Command =
     std::variant<command::Run, command::Demo, command::Help, command::Version, command::Devices,
                  command::Keys, command::Check, command::AddKey, command::RemoveKey,
-                 command::AddIdentity, command::Ask, command::Snapshot>;
+                 command::AddIdentity, command::Couple, command::Ask, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& typed);

@@ -136,14 +136,26 @@ TEST(Arguments, ARecordingNeedsAFileAndGoesWithNoOtherCommand) {
     EXPECT_EQ(fault({"--update-now", "--update-now"}), "--update-now staat er twee keer");
 }
 
+TEST(Arguments, CouplingMayBeToldWhatItIs) {
+    const auto kind = [](const Words& words) {
+        return std::get<command::Couple>(*parseArguments(words)).kind;
+    };
+    EXPECT_EQ(kind({"couple"}), std::nullopt);
+    EXPECT_EQ(kind({"couple", "iphone"}), coupling::Kind::iphone);
+    EXPECT_EQ(kind({"couple", "android"}), coupling::Kind::android);
+    EXPECT_EQ(kind({"couple", "watch"}), coupling::Kind::watch);
+    EXPECT_EQ(fault({"couple", "fridge"}), "couple: onbekend woord fridge (zie --help)");
+    EXPECT_EQ(fault({"couple", "watch", "--demo"}), "--demo gaat niet samen met couple");
+}
+
 TEST(Arguments, AnIdentityIsAddedUnderANameAndMayBeThatOfABond) {
     const auto add = [](const Words& words) {
         return std::get<command::AddIdentity>(*parseArguments(words));
     };
-    const std::string id = "00000000-0000-0000-0000-000000000001";
+    const std::string bond = "00000000-0000-0000-0000-000000000001";
     EXPECT_EQ(add({"--add-irk", " Telefoon van Zoë "}).name, "Telefoon van Zoë");
     EXPECT_FALSE(add({"--add-irk", "Telefoon"}).sameAs);
-    EXPECT_EQ(add({"--add-irk", "Telefoon", "--same-as", id}).sameAs, Uuid::parse(id));
+    EXPECT_EQ(add({"--add-irk", "Telefoon", "--same-as", bond}).sameAs, Uuid::parse(bond));
     EXPECT_EQ(fault({"--add-irk"}), "--add-irk verwacht een naam voor het apparaat");
     EXPECT_EQ(fault({"--add-irk", " "}), "--add-irk verwacht een naam voor het apparaat");
     EXPECT_EQ(fault({"--add-irk", "--same-as"}), "--add-irk verwacht een naam voor het apparaat");
@@ -151,7 +163,7 @@ TEST(Arguments, AnIdentityIsAddedUnderANameAndMayBeThatOfABond) {
     EXPECT_EQ(fault({"--add-irk", std::string(249, 'a')}), "--add-irk: geen bruikbare naam");
     EXPECT_EQ(fault({"--add-irk", "a", "--same-as"}), "--same-as verwacht een id (zie --devices)");
     EXPECT_EQ(fault({"--add-irk", "a", "--same-as", "b"}), "--same-as: geen geldig id: b");
-    EXPECT_EQ(fault({"--same-as", id}), "--same-as hoort bij --add-irk NAAM");
+    EXPECT_EQ(fault({"--same-as", bond}), "--same-as hoort bij --add-irk NAAM");
     EXPECT_EQ(fault({"--add-irk", "a", "--keys"}), "--keys gaat niet samen met --add-irk");
 }
 

@@ -32,6 +32,8 @@ struct Pause {
 struct Resume {};
 /// Look for a newer release, and install it.
 struct UpdateNow {};
+/// Open the window that couples a device.
+struct Couple {};
 /// Make a key of an identity that was added to where they are kept.
 struct AddIdentity {
     std::function<Result<Uuid>()> keep; ///< adds it, once somebody is there to ask; the key's id
@@ -45,9 +47,9 @@ struct Record {
 
 } // namespace request
 
-using Request =
-    std::variant<request::Status, request::Keys, request::Devices, request::Lock, request::Pause,
-                 request::Resume, request::UpdateNow, request::AddIdentity, request::Record>;
+using Request = std::variant<request::Status, request::Keys, request::Devices, request::Lock,
+                             request::Pause, request::Resume, request::UpdateNow, request::Couple,
+                             request::AddIdentity, request::Record>;
 
 /// Whether `word` is the first of a request.
 [[nodiscard]] bool isRequest(std::string_view word);

@@ -38,7 +38,7 @@ Coupling::Coupling(World world) : world_(std::move(world)) {
 
 Coupling::~Coupling() {
     forgetVisitor();
-    if (appearing_) world_.radio.disappear();
+    if (isOut_) world_.radio.disappear();
     world_.radio.setListener(nullptr);
 }
 
@@ -54,20 +54,26 @@ void Coupling::set(Step next, Nanoseconds limit, std::function<void()> over) {
     over_ = world_.scheduler.after(limit, std::move(over));
 }
 
+Page Coupling::page(const Step& step) const {
+    return pageOf(step, {.kind = kind_,
+                         .name = name_,
+                         .lostTimeout = world_.settings.lostTimeout.get(),
+                         .canPaste = static_cast<bool>(world_.paste)});
+}
+
 // --- What the person does -----------------------------------------------------------------------
 
 void Coupling::act(Action action) {
-    const Step& now = step_.get();
     switch (action) {
     case Action::iphone:
+        return choose(Kind::iphone);
     case Action::android:
+        return choose(Kind::android);
     case Action::watch:
-        if (!is<step::Choosing>(now)) return;
-        kind_ = action == Action::iphone    ? Kind::iphone
-                : action == Action::android ? Kind::android
-                                            : Kind::watch;
-        // A watch has hardly the room for a code, and some cannot show one.
-        return begin(kind_ == Kind::watch ? Confirmation::without : Confirmation::code);
+        return choose(Kind::watch);
+    case Action::paste:
+        if (is<step::Choosing>(step_.get()) && world_.paste) set(step::Pasting{});
+        return;
     case Action::yes:
         return answered(true);
     case Action::no:
@@ -83,6 +89,19 @@ void Coupling::act(Action action) {
     case Action::close:
         return leave(step::Closed{});
     }
+}
+
+void Coupling::choose(Kind kind) {
+    if (!is<step::Choosing>(step_.get())) return;
+    kind_ = kind;
+    // A watch has hardly the room for a code, and some cannot show one.
+    begin(kind == Kind::watch ? Confirmation::without : Confirmation::code);
+}
+
+void Coupling::paste(const std::string& name, std::string_view pasted) {
+    if (!is<step::Pasting>(step_.get())) return;
+    if (auto fault = world_.paste(name, pasted)) return set(step::Pasting{*std::move(fault)});
+    set(step::Pasted{name});
 }
 
 void Coupling::answered(bool yes) {
@@ -146,7 +165,7 @@ void Coupling::begin(Confirmation confirmation) {
     confirmation_ = confirmation;
     name_ = "Wegslot " + hexadecimal(world_.suffix(), 4);
     forgetVisitor();
-    appearing_ = true;
+    isOut_ = true;
     Log::write("Koppelen begonnen: verschijnt als " + name_);
     set(step::Preparing{});
     allOver_ = world_.scheduler.after(longestAppearance, [this] { fail(Ending::tookTooLong); });
@@ -232,7 +251,10 @@ void Coupling::fail(Ending ending, std::string why) {
 
 /// A bond is there for a key, and for nothing else.
 void Coupling::forgetVisitor() {
-    if (visitor_ && !isKey(*visitor_)) world_.radio.forget();
+    if (visitor_ && !isKey(*visitor_)) {
+        world_.radio.forget();
+        isOut_ = true; // it says when it is done
+    }
     visitor_.reset();
 }
 
@@ -244,7 +266,7 @@ bool Coupling::isKey(const Visitor& visitor) const {
 
 void Coupling::putBack(std::function<void()> next) {
     allOver_.reset();
-    if (!appearing_) return next();
+    if (!isOut_) return next();
     afterwards_ = std::move(next);
     if (is<step::PuttingBack>(step_.get())) return; // it is under way
     set(step::PuttingBack{});
@@ -260,7 +282,7 @@ void Coupling::cannotAppear(const Trouble& trouble) {
 }
 
 void Coupling::isGone() {
-    appearing_ = false;
+    isOut_ = false;
     Log::write("Koppelen: alles is teruggezet");
     if (const auto next = std::exchange(afterwards_, nullptr)) next();
 }
@@ -293,7 +315,7 @@ void Coupling::radioChanged(CentralState state) {
     const Step now = step_.get();
     const bool isOn = state == CentralState::poweredOn;
     // From the loop: the scanner has the new state only after all have been told.
-    if (isOn && !appearing_ && is<step::PuttingBack>(now))
+    if (isOn && !isOut_ && is<step::PuttingBack>(now))
         over_ = world_.scheduler.after(Nanoseconds{0}, [this] { listenWhenItCan(); });
     if (isOn || !listening_) return;
     listening_.reset();

@@ -10,6 +10,7 @@
 #include "base/scheduler.h"
 #include "coupling/coupling_radio.h"
 #include "coupling/listening.h"
+#include "coupling/page.h"
 #include "coupling/step.h"
 #include "model/settings.h"
 #include "scanner/scanner.h"
@@ -17,6 +18,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace wegslot::coupling {
 
@@ -51,6 +53,10 @@ public:
         Scheduler& scheduler;
         /// A number of four hexadecimal digits, so that two computers in a room differ.
         std::function<std::uint16_t()> suffix;
+        /// Makes a key called `name` of the identity that somebody pasted; why not. Empty where
+        /// that is done elsewhere.
+        std::function<std::optional<Failure>(const std::string& name, std::string_view pasted)>
+            paste = {};
     };
 
     explicit Coupling(World world);
@@ -59,8 +65,14 @@ public:
 
     [[nodiscard]] const Observable<Step>& step() const { return step_; }
     [[nodiscard]] Kind kind() const { return kind_; }
+    /// What a person sees of `step`, which may be the one that is being told.
+    [[nodiscard]] Page page(const Step& step) const;
 
     void act(Action action);
+    /// The answer to the first question; nothing at any other.
+    void choose(Kind kind);
+    /// What was pasted, where it was asked for. It is not kept.
+    void paste(const std::string& name, std::string_view pasted);
 
 private:
     void answered(bool yes);
@@ -107,7 +119,7 @@ private:
     std::string name_; ///< ours, as the phone lists it
     TimePoint visibleUntil_;
     std::optional<Visitor> visitor_; ///< with whom it bonds, or has bonded
-    bool appearing_ = false;         ///< there is something to put back
+    bool isOut_ = false;             ///< there is something to put back
     std::function<void()> afterwards_;
     std::optional<Listening> listening_;
     Subscription trial_;

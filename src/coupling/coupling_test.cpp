@@ -20,13 +20,14 @@ struct CouplingTest : testing::Test {
         make();
     }
 
-    void make() {
+    void make(decltype(Coupling::World::paste) paste = {}) {
         coupling.emplace(Coupling::World{.radio = radio,
                                          .scanner = world.scanner(),
                                          .settings = world.settings(),
                                          .clock = world.time,
                                          .scheduler = world.time,
-                                         .suffix = [] { return 0x4F2A; }});
+                                         .suffix = [] { return 0x4F2A; },
+                                         .paste = std::move(paste)});
     }
 
     World world;
@@ -425,7 +426,9 @@ TEST_F(CouplingTest, WhatIsSilentWhereItIsCarriedIsNoKeyAndItsBondGoes) {
     EXPECT_EQ(now<step::Judged>()->audibility, Audibility{audibility::Silent{}});
     EXPECT_TRUE(keys().empty());
     coupling->act(Action::close);
-    EXPECT_EQ(radio.takeCalls(), Calls{"forget"});
+    EXPECT_EQ(radio.takeCalls(), (Calls{"forget", "disappear"}));
+    EXPECT_TRUE(now<step::PuttingBack>());
+    tell().isGone();
     EXPECT_TRUE(now<step::Closed>());
 }
 
@@ -436,6 +439,34 @@ TEST_F(CouplingTest, WhatIsSilentWithItsScreenLitIsNotListenedToAnyLonger) {
     coupling->act(Action::proceed); // it was not lit
     EXPECT_TRUE(now<step::ListeningLit>());
     EXPECT_EQ(radio.takeCalls(), Calls{});
+}
+
+// --- An identity that is known already -----------------------------------------------------------
+
+TEST_F(CouplingTest, APastedIdentityIsHandedOnUntilItIsOne) {
+    std::vector<std::string> pasted;
+    coupling.reset();
+    make([&pasted](const std::string& name, std::string_view text) -> std::optional<Failure> {
+        pasted.push_back(name + ": " + std::string(text));
+        if (text == "x") return Failure{"dit is geen identiteit"};
+        return std::nullopt;
+    });
+    coupling->paste("Te vroeg", "x");
+    coupling->act(Action::paste);
+    EXPECT_EQ(coupling->step().get(), Step{step::Pasting{}});
+    coupling->paste("Horloge", "x");
+    EXPECT_EQ(coupling->step().get(), Step{step::Pasting{Failure{"dit is geen identiteit"}}});
+    coupling->paste("Horloge", "ok");
+    EXPECT_EQ(coupling->step().get(), Step{step::Pasted{"Horloge"}});
+    EXPECT_EQ(pasted, (Calls{"Horloge: x", "Horloge: ok"}));
+    coupling->act(Action::close);
+    EXPECT_TRUE(now<step::Closed>());
+    EXPECT_EQ(radio.takeCalls(), Calls{});
+}
+
+TEST_F(CouplingTest, WhereNobodyTakesAnIdentityNoneIsAskedFor) {
+    coupling->act(Action::paste);
+    EXPECT_TRUE(now<step::Choosing>());
 }
 
 // --- The ends -----------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 // Where somebody who couples a phone is, and what can be done there.
 #pragma once
 
+#include "base/result.h"
 #include "base/time.h"
 #include "coupling/coupling_radio.h"
 #include "coupling/listening.h"
@@ -9,11 +10,15 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 namespace wegslot::coupling {
 
 enum class Kind { iphone, android, watch };
+
+/// As the command line spells it: "iphone", "android" or "watch".
+[[nodiscard]] std::optional<Kind> kindNamed(std::string_view name);
 
 /// Why it came to nothing.
 enum class Ending {
@@ -33,6 +38,16 @@ namespace step {
 /// What is it?
 struct Choosing {
     friend bool operator==(const Choosing&, const Choosing&) = default;
+};
+/// Nothing is to be coupled: its identity is known already, and pasted.
+struct Pasting {
+    std::optional<Failure> fault = {}; ///< of what was pasted last
+    friend bool operator==(const Pasting&, const Pasting&) = default;
+};
+/// It is a key by the identity that was pasted.
+struct Pasted {
+    std::string name;
+    friend bool operator==(const Pasted&, const Pasted&) = default;
 };
 /// The radio is asked to appear.
 struct Preparing {
@@ -117,16 +132,17 @@ struct Closed {
 } // namespace step
 
 using Step =
-    std::variant<step::Choosing, step::Preparing, step::Visible, step::Acquainted, step::Bonding,
-                 step::Comparing, step::Identifying, step::Owning, step::PuttingBack,
-                 step::ListeningLit, step::Pocketing, step::ListeningAway, step::Judged,
-                 step::Hindered, step::Failed, step::Closed>;
+    std::variant<step::Choosing, step::Pasting, step::Pasted, step::Preparing, step::Visible,
+                 step::Acquainted, step::Bonding, step::Comparing, step::Identifying, step::Owning,
+                 step::PuttingBack, step::ListeningLit, step::Pocketing, step::ListeningAway,
+                 step::Judged, step::Hindered, step::Failed, step::Closed>;
 
 /// What a person can do; which of it when, the page of a step says. Anything else does nothing.
 enum class Action {
     iphone,
     android,
     watch,
+    paste,
     yes,
     no,
     proceed,         ///< the phone is put away; or once more

@@ -65,10 +65,6 @@ std::string detailOf(const SeenDevice& device) {
 
 std::string obstacleOf(const SeenDevice& device, const NearbyFacts& facts) {
     if (!facts.changesAddress(device.id)) return {};
-    if (facts.notOpened == device.id)
-        return translated(
-            "Dit apparaat wisselt van adres. Hier is geen venster om het te koppelen; "
-            "dat kan met bluetoothctl in een terminal.");
     return translated("Dit apparaat wisselt van adres. Koppel het eerst met deze computer.");
 }
 
@@ -76,7 +72,7 @@ Button chooseButton(bool hasObstacle) {
     if (!hasObstacle) return {.symbol = {}, .text = translated("Kies")};
     return {.symbol = {},
             .text = translated("Koppel…"),
-            .tooltip = translated("Open de Bluetooth-instellingen")};
+            .tooltip = translated("Koppel het apparaat met deze computer, stap voor stap")};
 }
 
 NearbyRow rowOf(const SeenDevice& device, const NearbyFacts& facts) {

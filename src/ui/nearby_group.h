@@ -89,8 +89,7 @@ struct NearbyFacts {
     std::set<Uuid> keys;
     TimePoint now; ///< on the clock of `lastSeen`
     std::function<bool(const Uuid&)> changesAddress;
-    std::optional<Uuid> notOpened = {}; ///< the one for which no window to couple it was found
-    bool showOthers = false;            ///< the setting
+    bool showOthers = false; ///< the setting
     bool isOpen = false;
     bool isNamelessOpen = false;
     /// As they were shown last; nothing while nobody points at the lists.

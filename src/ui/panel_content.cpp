@@ -94,7 +94,6 @@ NearbyGroup nearby(const PanelSources& sources, const Flags& flags) {
          .keys = std::move(keys),
          .now = sources.now,
          .changesAddress = [&scanner](const Uuid& id) { return scanner.changesAddress(id); },
-         .notOpened = flags.notOpened,
          .showOthers = sources.settings.showOtherDevices.get(),
          .isOpen = flags.showNearby,
          .isNamelessOpen = flags.showNameless,

@@ -118,7 +118,6 @@ struct Flags {
     std::optional<HeldThreshold> heldThreshold = {};
     std::optional<JustSet> justSet = {};
     std::optional<NearbyPlaces> heldPlaces = {};
-    std::optional<Uuid> notOpened = {}; ///< see `NearbyFacts`
 };
 
 } // namespace panel

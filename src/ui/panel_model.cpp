@@ -62,7 +62,6 @@ void PanelModel::disappear() {
     flags_.heldPlaces.reset();
     flags_.heldThreshold.reset();
     flags_.loginOffering = panel::LoginOffering::none;
-    flags_.notOpened.reset();
     flags_.justSet.reset();
     justSetEnds_.reset();
     flags_.removed.clear();
@@ -152,13 +151,6 @@ void PanelModel::acceptLogin() {
 
 void PanelModel::declineLogin() {
     flags_.loginOffering = panel::LoginOffering::none;
-    changed_();
-}
-
-void PanelModel::couple(const Uuid& id) {
-    const auto failure = objects_.requests.openBluetooth();
-    if (failure) Log::write("Koppelen mislukt: " + printable(failure->message.builtIn()));
-    flags_.notOpened = failure ? std::optional(id) : std::nullopt;
     changed_();
 }
 

@@ -33,8 +33,7 @@ public:
     struct Requests {
         std::function<void()> openLog;
         std::function<void()> quit;
-        /// Opens what couples devices with this computer.
-        std::function<std::optional<Failure>()> openBluetooth;
+        std::function<void()> couple; ///< a device with this computer
     };
 
     /// What the panel is about; everything must outlive it.
@@ -85,8 +84,8 @@ public:
     void acceptLogin();
     void declineLogin();
 
-    /// Opens what couples a listed device, so that it can be chosen.
-    void couple(const Uuid& id);
+    /// Opens what couples a device with this computer, so that it can be chosen.
+    void couple() const { objects_.requests.couple(); }
     /// It is no key from here on. For a moment, unless the panel goes, it can be taken back.
     void removeKey(const Uuid& id);
 

@@ -92,27 +92,15 @@ TEST_F(PanelModelKeysTest, ABoxThatIsTickedAnswersTheOfferToo) {
     EXPECT_FALSE(model->content().loginOffer);
 }
 
-TEST_F(PanelModelKeysTest, WhatCouplesAPhoneIsOpenedOrItsRowSaysThatNothingDoes) {
+TEST_F(PanelModelKeysTest, WhatCouplesAPhoneIsOpenedAndAsLongAsItChangesAddressItIsNoKey) {
     open();
     world.hearApple(1, -60, 0x10, "Mijn iPhone");
     world.central.setChanging(numbered(1), true);
     world.pass(1s);
     const auto first = [this] { return *model->content().nearby.named.places.at(0).row; };
     EXPECT_EQ(first().choose.text, "Koppel…");
-    const std::string before = first().obstacle;
-    model->couple(numbered(1));
-    EXPECT_EQ(asked, Names{"bluetooth"});
-    EXPECT_EQ(first().obstacle, before);
-
-    bluetoothFailure = Failure{"niets\ngevonden"};
-    static_cast<void>(changed());
-    model->couple(numbered(1));
-    EXPECT_TRUE(changed());
-    EXPECT_NE(first().obstacle, before);
-    EXPECT_TRUE(world.logged("Koppelen mislukt: niets\uFFFDgevonden"));
-    model->disappear(); // by the next time something may be installed
-    model->appear();
-    EXPECT_EQ(first().obstacle, before);
+    model->couple();
+    EXPECT_EQ(asked, Names{"couple"});
     world.central.setChanging(numbered(1), false);
     EXPECT_EQ(first().choose.text, "Kies");
     EXPECT_TRUE(world.settings().keys.get().empty());

@@ -32,6 +32,7 @@ struct TrayActions {
     std::function<void(Seconds)> pause;
     std::function<void()> pauseUntilMorning;
     std::function<void()> resume;
+    std::function<void()> couple; ///< opens the window for it
     std::function<void()> quit;
 };
 

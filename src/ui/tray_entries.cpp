@@ -12,6 +12,7 @@ std::vector<TrayEntry> trayEntries(const TrayActions& actions) {
             {message("Pauzeer 15 minuten"), pausing(Seconds{900})},
             {message("Pauzeer 1 uur"), pausing(Seconds{3600})},
             {message("Pauzeer tot 06:00"), actions.pauseUntilMorning},
+            {message("Apparaat koppelen"), actions.couple},
             {message("Stop"), actions.quit}};
 }
 

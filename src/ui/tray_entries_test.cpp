@@ -19,17 +19,18 @@ TEST(TrayEntries, EachDoesWhatItSays) {
              },
          .pauseUntilMorning = note("morning"),
          .resume = note("resume"),
+         .couple = note("couple"),
          .quit = note("quit")});
     std::vector<std::string> labels;
     for (const TrayEntry& entry : entries) {
         labels.push_back(entry.label.builtIn());
         entry.action();
     }
-    EXPECT_EQ(labels,
-              (std::vector<std::string>{"Open Wegslot", "Nu locken", "Hervat", "Pauzeer 15 minuten",
-                                        "Pauzeer 1 uur", "Pauzeer tot 06:00", "Stop"}));
+    EXPECT_EQ(labels, (std::vector<std::string>{"Open Wegslot", "Nu locken", "Hervat",
+                                                "Pauzeer 15 minuten", "Pauzeer 1 uur",
+                                                "Pauzeer tot 06:00", "Apparaat koppelen", "Stop"}));
     EXPECT_EQ(done, (std::vector<std::string>{"open", "lock", "resume", "900", "3600", "morning",
-                                              "quit"}));
+                                              "couple", "quit"}));
 }
 
 TEST(TrayEntries, OnlyAPauseCanBeResumed) {

@@ -289,6 +289,44 @@ TEST_F(ControlTest, UpdateNowIsHandedToTheOneThatRuns) {
     EXPECT_TRUE(application->isRunning());
 }
 
+TEST_F(ControlTest, CouplingIsRefusedByTheOneThatRunsWhereThereIsNoScreen) {
+    start();
+    const Ending ending = wegslot({"couple"});
+    EXPECT_EQ(ending.status, 1);
+    EXPECT_NE(ending.said.find("er is geen scherm voor een venster"), std::string::npos)
+        << ending.said;
+}
+
+TEST_F(ControlTest, WhoAsksForCouplingOpensAWindowAndNoMore) {
+    variables["DISPLAY"] = ":nowhere"; // a window that nobody sees
+    variables["QT_QPA_PLATFORM"] = "offscreen";
+    start();
+    const Ending ending = wegslot({"couple", "iphone"});
+    EXPECT_EQ(ending.status, 0);
+    EXPECT_EQ(ending.said, "Wegslot draait al; koppel in het venster dat opengaat\n");
+    EXPECT_TRUE(logs("Venster om te koppelen gevraagd door wegslot"));
+    // With the first question answered the radio would be lent, and nobody judged.
+    EXPECT_NE(busctl("call", {"Couple", "s", "iphone"}).status, 0);
+    EXPECT_FALSE(logs("Koppelen begonnen"));
+    EXPECT_EQ(status()["phase"], "present");
+}
+
+TEST_F(ControlTest, WithoutAnInstanceCouplingIsDoneInTheTerminal) {
+    const auto typed = [this](const std::string& lines) {
+        return run({"sh", "-c", "printf '" + lines + "' | " WEGSLOT_PROGRAM " couple"});
+    };
+    const Ending closed = typed("what\\n1\\n");
+    EXPECT_EQ(closed.status, 1); // there is no key
+    EXPECT_EQ(closed.said, "\nWat wil je koppelen?\n"
+                           "  Wegslot koppelt het één keer met deze computer, kijkt of het in je "
+                           "zak te horen is, en maakt er dan een sleutel van.\n"
+                           "  1 Sluit\n  2 Horloge\n  3 Android-telefoon\n  4 iPhone\n" +
+                               closed.said.substr(closed.said.size() / 2));
+    EXPECT_EQ(closed.said.substr(0, closed.said.size() / 2),
+              closed.said.substr(closed.said.size() / 2)); // what is no choice shows them again
+    EXPECT_EQ(typed("").status, 1);                        // nobody will type any more
+}
+
 TEST_F(ControlTest, ARecordingBeginsInTheRunningOneAndEndsWithWhoAskedForIt) {
     start();
     const std::string file = (home.path() / "opname.jsonl").string();

@@ -53,31 +53,6 @@ TEST_F(DesktopOpenerTest, TheFileIsOpenedByItsPath) {
     EXPECT_EQ(wordsOf(said(1).at(0)), "1 /var/log/my app $HOME.log");
 }
 
-TEST_F(DesktopOpenerTest, BluetoothIsOpenedByTheDesktopsOwnOrByWhatThereIs) {
-    // Nothing that the machine has.
-    const Environment alone{{{"PATH", folder.path().string()}}};
-    EXPECT_NE(opener.openBluetooth("GNOME"), std::nullopt);
-    const auto install = [this](const std::string& program) {
-        folder.write(program, "#!/bin/sh\necho \"" + program + " $*\" >> '" +
-                                  (folder.path() / "said").string() + "'\n");
-        fs::permissions(folder.path() / program, fs::perms::owner_all);
-    };
-    install("blueman-manager");
-    EXPECT_EQ(opener.openBluetooth("sway:wlroots"), std::nullopt);
-    EXPECT_EQ(said(1).back(), "blueman-manager ");
-    install("kcmshell5");
-    install("gnome-control-center");
-    EXPECT_EQ(opener.openBluetooth("KDE"), std::nullopt);
-    EXPECT_EQ(said(2).back(), "kcmshell5 kcm_bluetooth");
-    EXPECT_EQ(opener.openBluetooth("ubuntu:GNOME"), std::nullopt);
-    EXPECT_EQ(said(3).back(), "gnome-control-center bluetooth");
-    // The windows of other desktops do not open here.
-    EXPECT_EQ(opener.openBluetooth("XFCE"), std::nullopt);
-    EXPECT_EQ(said(4).back(), "blueman-manager ");
-    EXPECT_EQ(opener.openBluetooth(""), std::nullopt);
-    EXPECT_EQ(said(5).back(), "blueman-manager ");
-}
-
 TEST_F(DesktopOpenerTest, APathIsAlwaysFromTheRootSoThatItIsNoOption) {
     EXPECT_EQ(opener.open("--version"), std::nullopt);
     EXPECT_EQ(wordsOf(said(1).at(0)), "1 " + (fs::current_path() / "--version").string());

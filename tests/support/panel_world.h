@@ -29,8 +29,7 @@ struct PanelWorld {
     Observable<Scheme> scheme{Scheme::light};
     FakeLoginItem loginItem;
     Remembered remembered{world.store};
-    std::optional<Failure> bluetoothFailure; ///< why nothing opens that couples devices
-    std::vector<std::string> asked;          ///< what the panel asked others to do
+    std::vector<std::string> asked; ///< what the panel asked others to do
 
     /// Runs the core with these keys.
     [[nodiscard]] PanelModel::Objects run(const std::vector<KeyDevice>& keys = {}) {
@@ -44,11 +43,7 @@ struct PanelWorld {
                 .updates = {update, "1.3", true, ask("check"), ask("install")},
                 .loginItem = loginItem,
                 .remembered = remembered,
-                .requests = {ask("log"), ask("quit"),
-                             [this] {
-                                 asked.emplace_back("bluetooth");
-                                 return bluetoothFailure;
-                             }},
+                .requests = {ask("log"), ask("quit"), ask("couple")},
                 .clock = world.time,
                 .scheduler = world.time,
                 .clockTime = [](TimePoint) { return "14:30"; },

@@ -1,12 +1,15 @@
 #include "app/qt/application.h"
 
+#include "app/coupling_terminal.h"
 #include "app/demo.h"
 #include "app/identity_adder.h"
 #include "app/key_commands.h"
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
+#include "app/linux/standard_input.h"
 #include "app/qt/bus_pump.h"
 #include "app/qt/check.h"
+#include "app/qt/coupling_assistant.h"
 #include "app/qt/demo_windows.h"
 #include "app/qt/display.h"
 #include "app/qt/qt_scheduler.h"
@@ -104,9 +107,9 @@ struct Execute {
         AutostartItem loginItem(folders::autostart(), {}, folders::variable("XDG_CURRENT_DESKTOP"),
                                 world.processes);
         Remembered remembered(preferences);
-        const Snapshot snapshot({model, appearance, clock, scheduler, loginItem, remembered, [] {},
-                                 [] {}, []() -> std::optional<Failure> { return std::nullopt; }},
-                                picture.path, picture.tall, [] { QCoreApplication::quit(); });
+        const Snapshot snapshot(
+            {model, appearance, clock, scheduler, loginItem, remembered, [] {}, [] {}, [] {}},
+            picture.path, picture.tall, [] { QCoreApplication::quit(); });
         return QCoreApplication::exec();
     }
     int operator()(const command::Devices& devices) const {
@@ -138,6 +141,25 @@ struct Execute {
             [this] { return preferences.flush(); }, printLine,
             [](const Result<std::string>& outcome) { QCoreApplication::exit(said(outcome)); });
         return QCoreApplication::exec();
+    }
+    int operator()(const command::Couple& command) const {
+        RealWorld world(scheduler, clock);
+        world.readIdentities();
+        AppModel model(around(preferences, world));
+        coupling::Coupling coupling(couplingWorld(world.couplingRadio, model, clock, scheduler));
+        if (command.kind) coupling.choose(*command.kind);
+        bool isKey = false;
+        CouplingTerminal terminal(coupling, clock, printLine, [&](bool key) {
+            isKey = key;
+            QCoreApplication::quit();
+        });
+        const StandardInput typed(
+            world.descriptors, [&](std::string_view line) { terminal.typed(line); },
+            [&] { coupling.act(coupling::Action::close); });
+        const int status = QCoreApplication::exec();
+        if (const auto failure = preferences.flush())
+            return complain(failure->message.translated());
+        return status == EXIT_SUCCESS && isKey ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     int operator()(const command::Keys&) const {
         if (const auto& fault = preferences.fault().get())
@@ -233,6 +255,7 @@ std::optional<control::Request> handedOver(const Command& command) {
     // A second scan would take the radio's time from the guard's.
     if (const auto* const devices = std::get_if<command::Devices>(&command))
         return control::request::Devices{.others = devices->others};
+    if (std::holds_alternative<command::Couple>(command)) return control::request::Couple{};
     const auto* const run = std::get_if<command::Run>(&command);
     if (run == nullptr) return std::nullopt;
     if (run->updateNow) return control::request::UpdateNow{};
@@ -339,7 +362,8 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
                                 looks ? PreferencesFile::Access::readOnly
                                       : PreferencesFile::Access::whole);
     const bool writes = std::holds_alternative<command::AddKey>(command) ||
-                        std::holds_alternative<command::RemoveKey>(command) || pasted;
+                        std::holds_alternative<command::RemoveKey>(command) ||
+                        std::holds_alternative<command::Couple>(command) || pasted;
     if (const auto& fault = preferences.fault().get(); fault && writes)
         return complain(fault->message.translated());
     return ended(std::visit(Execute{scheduler, clock, preferences, program, preferencesPath,

@@ -28,12 +28,11 @@ public:
                   .remembered = remembered_,
                   .openLog = [] {},
                   .quit = [] { QCoreApplication::quit(); },
-                  .openBluetooth = []() -> std::optional<Failure> {
-                      return Failure{message("dit is een demo")};
-                  },
+                  .couple = [] {},
                   .stays = true}),
           icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
                 {.open = [this](const TrayClick& click) { panel_.toggle(click); },
+                 .couple = [] {},
                  .quit = [] { QCoreApplication::quit(); }}) {
         panel_.open();
     }

@@ -28,7 +28,7 @@ public:
         Remembered& remembered;
         std::function<void()> openLog;
         std::function<void()> quit;
-        std::function<std::optional<Failure>()> openBluetooth;
+        std::function<void()> couple;
         bool stays = false; ///< whatever else is clicked
     };
 

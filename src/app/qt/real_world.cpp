@@ -16,6 +16,9 @@ RealWorld::RealWorld(Scheduler& scheduler, const Clock& clock)
       identities(secrets),
       identitiesFile(IdentitiesFile::pathUnder(folders::data()), secrets),
       central(bluetoothBus, scheduler, clock, links, identities),
+      couplingRadio(
+          dbus::systemBus(forgeries), pump, scheduler, links, [this] { return central.lend(); },
+          coupling::PairableNote::pathUnder(folders::data())),
       session(systemBus),
       savers(sessionBus, scheduler),
       processes(descriptors),

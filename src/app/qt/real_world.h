@@ -6,6 +6,7 @@
 #include "app/qt/qt_descriptors.h"
 #include "base/clock.h"
 #include "base/scheduler.h"
+#include "coupling/bluez/bluez_coupling_radio.h"
 #include "dbus/connection.h"
 #include "dbus/forgeries.h"
 #include "identity/identities.h"
@@ -48,6 +49,7 @@ struct RealWorld {
     Identities identities; ///< none until they are read
     IdentitiesFile identitiesFile;
     BluezCentral central;
+    coupling::BluezCouplingRadio couplingRadio; ///< borrows the central's radio
     LoginSession session;
     ScreenSavers savers;
     LinuxProcesses processes;

@@ -53,13 +53,18 @@ RunningApplication::RunningApplication(const Setting& setting)
       remembered_(setting.preferences),
       switchedOff_(model_.settings(), remembered_, setting.clock),
       opener_(world_.processes),
+      assistant_(world_.couplingRadio, model_, appearance_, setting.clock, setting.scheduler,
+                 [this](const std::string& name, std::string_view pasted) {
+                     return addIdentity(name, pasted);
+                 }),
       panel_({model_, appearance_, setting.clock, setting.scheduler, loginItem_, remembered_,
-              [this] { openLog(); }, quit,
-              [this] { return opener_.openBluetooth(folders::variable("XDG_CURRENT_DESKTOP")); }}),
+              [this] { openLog(); }, quit, [this] { assistant_.open(); }}),
       trayBus_(dbus::sessionBus(world_.forgeries), pump, setting.scheduler,
                dbus::Connection::Complaints::none),
       icon_(appearance_, trayBus_, model_.monitor(), setting.clock, setting.scheduler,
-            {.open = [this](const TrayClick& click) { panel_.toggle(click); }, .quit = quit}),
+            {.open = [this](const TrayClick& click) { panel_.toggle(click); },
+             .couple = [this] { assistant_.open(); },
+             .quit = quit}),
       clockTime_(localClockTime(setting.clock)),
       control_(world_.sessionBus,
                {model_.settings(), model_.scanner(), model_.monitor(), setting.clock, clockTime_},
@@ -69,6 +74,7 @@ RunningApplication::RunningApplication(const Setting& setting)
                 .updateNow = [this] { model_.updateNow(); },
                 .record = [this](int file, bool anonymous) { return record(file, anonymous); },
                 .stopRecording = [this] { recorder_.stop(); },
+                .couple = [this] { return couple(); },
                 .readIdentities = [this] { return pastedKeys_.reread(); }}),
       activation_(world_.sessionBus, [this](const std::string& token) { panel_.open(token); }),
       preferencesWatch_(world_.descriptors, setting.preferencesPath,
@@ -76,6 +82,7 @@ RunningApplication::RunningApplication(const Setting& setting)
     // What was typed after they were read and before they were watched.
     setting_.preferences.reread();
     tellTroubles();
+    world_.couplingRadio.putBack();
     if (!world_.secrets.isLocked())
         Log::write(
             "Identiteiten kunnen in het wisselgeheugen belanden (RLIMIT_MEMLOCK is te klein)");
@@ -131,6 +138,23 @@ void RunningApplication::takeLockCommand() {
     world_.lockerLock.setOwn(words ? *words : LockCommand{});
     const std::string fault = words ? "" : words.failure().message.builtIn();
     if (fault != std::exchange(lockCommandFault_, fault) && !fault.empty()) Log::write(fault);
+}
+
+std::optional<Failure> RunningApplication::couple() {
+    if (!hasDisplay(displayEnvironment()))
+        return Failure{message("er is geen scherm voor een venster")};
+    assistant_.open();
+    return std::nullopt;
+}
+
+std::optional<Failure> RunningApplication::addIdentity(const std::string& name,
+                                                       std::string_view pasted) {
+    if (name.empty()) return Failure{message("Geef het apparaat eerst een naam")};
+    const auto identity = readIdentity(pasted);
+    if (!identity) return identity.failure();
+    const KnownIdentity known{.key = identity->key, .name = name, .fixedId = identity->id};
+    if (auto failure = world_.identitiesFile.change({}, {&known, 1})) return failure;
+    return pastedKeys_.reread();
 }
 
 void RunningApplication::openLog() {

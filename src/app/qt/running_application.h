@@ -3,6 +3,7 @@
 
 #include "app/linux/file_watch.h"
 #include "app/qt/appearance.h"
+#include "app/qt/coupling_assistant.h"
 #include "app/qt/menu_panel.h"
 #include "app/qt/real_updates.h"
 #include "app/qt/real_world.h"
@@ -24,6 +25,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace wegslot {
 
@@ -53,6 +55,9 @@ private:
     /// where it is neither file nor pipe.
     [[nodiscard]] std::optional<Failure> record(int descriptor, bool anonymous);
     void openLog();
+    [[nodiscard]] std::optional<Failure> couple();
+    [[nodiscard]] std::optional<Failure> addIdentity(const std::string& name,
+                                                     std::string_view pasted);
     void openWithoutIcon();
     void phaseChanged(const Phase& next);
     void tellTroubles();
@@ -70,6 +75,7 @@ private:
     Remembered remembered_;
     SwitchedOff switchedOff_;
     DesktopOpener opener_;
+    CouplingAssistant assistant_;
     MenuPanel panel_;
     /// Apart from the one with Wegslot's name: who may talk to that reaches no menu.
     dbus::Connection trayBus_;

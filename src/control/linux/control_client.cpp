@@ -108,6 +108,10 @@ struct ControlClient::Ask {
                translated("Wegslot draait al en zoekt nu naar een nieuwere versie"));
     }
 
+    void operator()(const control::request::Couple&) const {
+        simply("Couple", {}, translated("Wegslot draait al; koppel in het venster dat opengaat"));
+    }
+
     /// Goes on until it is ended.
     void operator()(const control::request::Record& request) const {
         const auto file = request.open();

@@ -147,21 +147,23 @@ std::vector<dbus::Method> ControlService::methods() {
                                 pass(action);
                             }};
     };
-    return {bare("Lock", "Lock", actions_.lock),
-            bare("Resume", "Hervatten", actions_.resume),
-            bare("UpdateNow", "Bijwerken", actions_.updateNow),
-            {"Devices", "b", "sba{sa{sv}}",
-             [this](const dbus::Message& call, dbus::Writer& answer) {
-                 const bool others = call.read().boolean().value_or(false);
-                 writeNearby(answer, control::nearby(sources_.scanner, others));
-             }},
-            {"Pause", "u", "",
-             [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }},
-            {"Record", "hb", "",
-             [this](const dbus::Message& call, dbus::Writer& answer) { record(call, answer); }},
-            {"ReadIdentities", "", "", [this](const dbus::Message& call, dbus::Writer& answer) {
-                 readIdentities(call, answer);
-             }}};
+    return {
+        bare("Lock", "Lock", actions_.lock),
+        bare("Resume", "Hervatten", actions_.resume),
+        bare("UpdateNow", "Bijwerken", actions_.updateNow),
+        {"Devices", "b", "sba{sa{sv}}",
+         [this](const dbus::Message& call, dbus::Writer& answer) {
+             const bool others = call.read().boolean().value_or(false);
+             writeNearby(answer, control::nearby(sources_.scanner, others));
+         }},
+        {"Pause", "u", "",
+         [this](const dbus::Message& call, dbus::Writer& answer) { pause(call, answer); }},
+        {"Record", "hb", "",
+         [this](const dbus::Message& call, dbus::Writer& answer) { record(call, answer); }},
+        {"ReadIdentities", "", "",
+         [this](const dbus::Message& call, dbus::Writer& answer) { readIdentities(call, answer); }},
+        {"Couple", "", "",
+         [this](const dbus::Message& call, dbus::Writer& answer) { couple(call, answer); }}};
 }
 
 void ControlService::pause(const dbus::Message& call, dbus::Writer& answer) {
@@ -210,6 +212,13 @@ void ControlService::stopRecording() {
 void ControlService::readIdentities(const dbus::Message& call, dbus::Writer& answer) {
     logRequest("Nieuwe identiteiten lezen", call);
     if (const auto fault = actions_.readIdentities()) answer.refuse(fault->message.builtIn());
+}
+
+/// It opens a window and no more, not even with the first question answered: who couples has the
+/// radio listen to no key meanwhile, and that is for a person alone to begin.
+void ControlService::couple(const dbus::Message& call, dbus::Writer& answer) {
+    logRequest("Venster om te koppelen", call);
+    if (const auto fault = actions_.couple()) answer.refuse(fault->message.builtIn());
 }
 
 void ControlService::logRequest(const std::string& what, const dbus::Message& call) {

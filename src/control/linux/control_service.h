@@ -24,6 +24,8 @@ public:
         /// Takes the descriptor over; says why not.
         std::function<std::optional<Failure>(int descriptor, bool anonymous)> record;
         std::function<void()> stopRecording;
+        /// Opens the window that couples a device; why not.
+        std::function<std::optional<Failure>()> couple;
         /// Takes in the identities that are kept; says why not.
         std::function<std::optional<Failure>()> readIdentities;
     };
@@ -43,6 +45,7 @@ private:
     void record(const dbus::Message& call, dbus::Writer& answer);
     void stopRecording();
     void readIdentities(const dbus::Message& call, dbus::Writer& answer);
+    void couple(const dbus::Message& call, dbus::Writer& answer);
     /// Does what a program asked for, which counts as no person's action.
     void pass(const std::function<void()>& action);
     void logRequest(const std::string& what, const dbus::Message& call);

@@ -1,5 +1,5 @@
-// Opens files through xdg-open, which knows the applications of every desktop, and the desktop's
-// window for Bluetooth. What it starts is a separate process and may outlive Wegslot.
+// Opens files through xdg-open, which knows the applications of every desktop. What it starts is a
+// separate process and may outlive Wegslot.
 #pragma once
 
 #include "base/handle.h"
@@ -10,8 +10,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace wegslot {
 
@@ -22,12 +20,7 @@ public:
     /// Nothing when the desktop has been asked; it says itself what it cannot open.
     [[nodiscard]] std::optional<Failure> open(const std::filesystem::path& file);
 
-    /// Opens the first of `bluetoothSettings` that is installed; a failure where none is.
-    [[nodiscard]] std::optional<Failure> openBluetooth(std::string_view desktop);
-
 private:
-    [[nodiscard]] std::optional<Failure> start(const std::vector<std::string>& words);
-
     Processes& processes_;
     std::map<ProcessId, Subscription> running_; ///< followed, so that they are laid to rest
 };

@@ -39,7 +39,7 @@ NearbyRowView::NearbyRowView(const PanelContext& context)
     obstacleLine_.addWidget(&obstacle_);
     layout_.addLayout(&obstacleLine_);
     connect(&choose_, &QAbstractButton::clicked, this, [this] {
-        if (hasObstacle_) return context_.model.couple(id_);
+        if (hasObstacle_) return context_.model.couple();
         context_.model.choose(id_);
     });
 }
