@@ -90,8 +90,7 @@ struct ExtendedAdvertisingTest : AdvertisingTest {
     }
 };
 
-// --- The older way
-// ---------------------------------------------------------------------------------
+// --- The older way --------------------------------------------------------------------------
 
 TEST_F(AdvertisingTest, WhatTheKernelSendsIsOnTheAirWhileItIsOn) {
     EXPECT_FALSE(controller.advertising().isOn());
@@ -137,8 +136,7 @@ TEST_F(AdvertisingTest, ExtendedCommandsAreUnknown) {
     EXPECT_EQ(tell(0x203B, {}), static_cast<std::uint8_t>(Status::UnknownCommand));
 }
 
-// --- The extended way
-// ------------------------------------------------------------------------------
+// --- The extended way -----------------------------------------------------------------------
 
 TEST_F(ExtendedAdvertisingTest, SetsAreOnAndOffByThemselves) {
     advertiseInTheExtendedWay(0);
@@ -173,6 +171,7 @@ TEST_F(ExtendedAdvertisingTest, AConnectionIsToldInTheEnhancedFormAndThenWhichSe
     connect(1);
     ASSERT_EQ(sent.size(), 2U);
     EXPECT_EQ(sent[0][3], 0x0A);
+    EXPECT_EQ(sent[0].size(), 34U);
     EXPECT_EQ(sent[0][7], 1);
     const LinkHandle handle = bystander.link->handle();
     EXPECT_EQ(sent[1], (Bytes{0x04, 0x3E, 6, 0x12, 0, 1, static_cast<std::uint8_t>(handle & 0xFF),
@@ -202,8 +201,7 @@ TEST_F(ExtendedAdvertisingTest, ASetSwitchedOnAnewBeginsItsTimeAnew) {
     EXPECT_EQ(controller.due(), start + 1900ms);
 }
 
-// --- A key for the link
-// ----------------------------------------------------------------------------
+// --- A key for the link ---------------------------------------------------------------------
 
 struct KeyForALink : AdvertisingTest {
     KeyForALink() {

@@ -71,9 +71,20 @@ TEST_F(AttributeClientTest, WithoutAHeartRateThereIsNothingToAskFor) {
     EXPECT_EQ(client.askAgain(), std::nullopt);
 }
 
+TEST_F(AttributeClientTest, ARefusalThatPairingDoesNotCureIsNone) {
+    client.start();
+    client.receive(Bytes{0x03, 0xF7, 0x00});
+    client.receive(Bytes{0x11, 6, 1, 0, 0xFF, 0xFF, 0x0D, 0x18});
+    client.receive(Bytes{0x09, 7, 2, 0, 0x02, 0xFF, 0xFF, 0x38, 0x2A});
+    client.receive(Bytes{0x01, 0x0A, 0xFF, 0xFF, 0x0E});
+    EXPECT_FALSE(client.isRefused());
+    EXPECT_TRUE(client.askAgain());
+}
+
 TEST_F(AttributeClientTest, AListThatContradictsItselfEndsTheSearch) {
     client.start();
     client.receive(Bytes{0x03, 0xF7, 0x00});
+    EXPECT_EQ(client.receive(Bytes{0x11, 7, 1, 0, 9, 0, 0x0D, 0x18, 0}), std::nullopt);
     EXPECT_EQ(client.receive(Bytes{0x11, 0x00, 0x01}), std::nullopt);
     EXPECT_EQ(client.receive(Bytes{0x11}), std::nullopt);
     EXPECT_EQ(client.receive(Bytes{}), std::nullopt);

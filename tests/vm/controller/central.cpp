@@ -35,7 +35,7 @@ void Central::receiveAttribute(ByteView answer) {
 void Central::receiveSecurity(ByteView message) {
     const bool isRequest =
         !message.empty() && SecurityCode{message[0]} == SecurityCode::SecurityRequest;
-    if (isRequest && !pairing_.isUnderWay()) return secure();
+    if (isRequest) return secure();
     carryOut(pairing_.receive(message));
 }
 

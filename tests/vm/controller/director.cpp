@@ -203,6 +203,7 @@ std::string Director::carryOut(const Connect& instruction) {
         if (device.link() != nullptr) return error("connected already: " + instruction.name);
         const std::optional<SetHandle> set = controller_.advertising().connectable();
         if (!set) return error("nobody to connect to");
+        device.address().changeIfDue(currentTime());
         controller_.connectFrom(device.address().shown(), device, *set);
         device.central().begin(*controller_.linkOf(device));
         return std::string(ok);

@@ -1,7 +1,7 @@
 #include "initiated_pairing.h"
 
 #include <algorithm>
-#include <iterator>
+#include <utility>
 
 #include "random_bytes.h"
 

@@ -23,8 +23,7 @@ std::uint8_t codeOf(const PairingMove& move) {
     return move.messages.empty() ? std::uint8_t{0} : move.messages.front().front();
 }
 
-// --- The older way
-// ---------------------------------------------------------------------------------
+// --- The older way --------------------------------------------------------------------------
 
 struct OlderPairing : testing::Test {
     OlderPairing() { other.linked(phoneShown, computerShown); }
@@ -96,6 +95,16 @@ TEST_F(OlderPairing, AnUnwillingSideEndsItWithItsReason) {
     EXPECT_FALSE(bond.isKept());
 }
 
+TEST_F(OlderPairing, ARandomNumberThatTheOtherWasNotBoundToEndsIt) {
+    const Bytes response =
+        other.receive(pairing.start(phoneShown, computerShown).messages[0]).value();
+    const Bytes confirmed = other.receive(pairing.receive(response).messages[0]).value();
+    pairing.receive(confirmed);
+    const PairingMove end = pairing.receive(securityMessage(SecurityCode::PairingRandom, Key{1}));
+    EXPECT_EQ(end.messages, (std::vector<Bytes>{{0x05, 0x04}}));
+    EXPECT_EQ(end.encryptWith, std::nullopt);
+}
+
 TEST_F(OlderPairing, WithoutAResolvingKeyItOffersNoIdentity) {
     InitiatedPairing nameless({.address = phoneIdentity, .resolvingKey = {}}, {}, bond);
     EXPECT_EQ(nameless.start(phoneShown, computerShown).messages.front()[initiatorKeysAt] &
@@ -117,25 +126,34 @@ TEST_F(OlderPairing, AnOwnerWhoIsAskedAndSaysNoEndsIt) {
     EXPECT_FALSE(asking.isUnderWay());
 }
 
-TEST_F(OlderPairing, DigitsThatItsOwnerTypesMakeTheKey) {
-    constexpr unsigned digits = 654321;
-    InitiatedPairing typing(phonesName, {.owner = OwnerAbility::Types, .isOlder = true}, bond);
+/// With a side that shows digits.
+struct TypedPairing : OlderPairing {
+    TypedPairing() {
+        const Bytes asked = typing.start(phoneShown, computerShown).messages.front();
+        std::copy(asked.begin(), asked.end(), context.request.begin());
+        context.response = {0x02, 0x01, 0, 0x05, 16, 0, 0};
+        typing.receive(context.response);
+    }
+
+    InitiatedPairing typing{phonesName, {.owner = OwnerAbility::Types, .isOlder = true}, bond};
     PairingContext context{.initiator = phoneShown, .responder = computerShown};
-    const Bytes asked = typing.start(phoneShown, computerShown).messages.front();
-    std::copy(asked.begin(), asked.end(), context.request.begin());
-    context.response = {0x02, 0x01, 0, 0x05, 16, 0, 0}; // it shows digits
-    typing.receive(context.response);
+};
+
+TEST_F(TypedPairing, DigitsThatItsOwnerTypesMakeTheKey) {
     ASSERT_TRUE(typing.question());
     EXPECT_EQ(typing.question()->kind, OwnersQuestion::Kind::Type);
-    const Bytes confirmed = typing.answer({.digits = digits}).messages.front();
-    const Key temporary{0xF1, 0xFB, 0x09}; // 654321
+    const Bytes confirmed = typing.answer({.digits = 654321}).messages.front();
+    const Key temporary{0xF1, 0xFB, 0x09}; // the same digits
     const PairingMove revealed = typing.receive(
         securityMessage(SecurityCode::PairingConfirm, confirmValue(temporary, {}, context)));
     EXPECT_EQ(keyIn(confirmed), confirmValue(temporary, keyIn(revealed.messages.front()), context));
 }
 
-// --- Secure connections
-// ----------------------------------------------------------------------------
+TEST_F(TypedPairing, AnOwnerWhoTypesNothingEndsIt) {
+    EXPECT_EQ(typing.answer({.consents = false}).messages, (std::vector<Bytes>{{0x05, 0x01}}));
+}
+
+// --- Secure connections ---------------------------------------------------------------------
 
 struct SecurePairing : testing::Test {
     /// The other side, up to its random number: its public key, and what binds it.
@@ -179,8 +197,9 @@ struct SecurePairing : testing::Test {
         return pairing.receive(securityMessage(SecurityCode::PairingRandom, ourRandom));
     }
 
-    /// Nothing to be asked; bonding and secure connections; identity and signing keys both ways.
-    static constexpr PairingMessage silent{0x02, 0x03, 0, 0x09, 16, 0x06, 0x04};
+    /// Nothing to be asked; bonding and secure connections; every key of the phone, and of its own
+    /// one for links, which nobody sends, and for signing.
+    static constexpr PairingMessage silent{0x02, 0x03, 0, 0x09, 16, 0x07, 0x05};
     /// As a screen with two buttons.
     static constexpr PairingMessage comparing{0x02, 0x01, 0, 0x0D, 16, 0x06, 0x00};
 
