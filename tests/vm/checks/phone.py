@@ -45,9 +45,9 @@ class PhoneConnects(Checks):
     def end_peripheral(self) -> None:
         if self.peripheral is None:
             return
-        self.peripheral.stop()
-        self.peripheral.end()
-        self.peripheral = None
+        peripheral, self.peripheral = self.peripheral, None
+        peripheral.stop()
+        peripheral.end()
         for path, interfaces in managed_objects(self.bus).items():
             if bluez.DEVICE in interfaces:
                 Device(self.bus, str(path)).remove()

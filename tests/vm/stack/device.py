@@ -102,11 +102,20 @@ class Device:
         return time.monotonic() - asked
 
     def remove(self) -> None:
-        """Takes the bond away, and the object."""
+        """Takes the bond away, and the object. BlueZ 5.82 is too busy for that while it disconnects."""
+        wait_for(self._is_removed, ONLY_A_HANG, f"{self.path.rpartition('/')[2]} is removed")
+
+    def _is_removed(self) -> bool:
         adapter = self.bus.get_object(bluez.NAME, bluez.ADAPTER_PATH, introspect=False)
-        dbus.Interface(adapter, bluez.ADAPTER).RemoveDevice(
-            dbus.ObjectPath(self.path), timeout=ONLY_A_HANG
-        )
+        try:
+            dbus.Interface(adapter, bluez.ADAPTER).RemoveDevice(
+                dbus.ObjectPath(self.path), timeout=ONLY_A_HANG
+            )
+        except dbus.DBusException as error:
+            if error.get_dbus_name() == "org.bluez.Error.Busy":
+                return False
+            raise
+        return True
 
     def characteristic(self, uuid: str) -> str | None:
         """The path of the first characteristic of that kind."""
