@@ -209,7 +209,7 @@ void Coupling::bond() {
 
 void Coupling::codeCame(std::uint32_t code) {
     if (!is<step::Bonding>(step_.get())) return world_.radio.answer(false);
-    set(step::Comparing{.code = code, .until = in(questionTime)}, questionTime, [this] {
+    set(step::Comparing{.code = code, .until = in(comparingTime)}, comparingTime, [this] {
         world_.radio.answer(false);
         fail(Ending::tookTooLong);
     });

@@ -27,9 +27,11 @@ public:
     // What a person needs to find a page of the phone's settings; the radio shows itself half a
     // minute longer, and then stops by itself.
     static constexpr Nanoseconds visibleTime = std::chrono::minutes{2};
-    /// BlueZ's own limit for an answer of its agent, and the standard's for a step of pairing is
-    /// half of it.
+    /// For a person to find the question on the phone; BlueZ gives an agent no longer.
     static constexpr Nanoseconds bondingTime = std::chrono::seconds{60};
+    /// A step of pairing that takes longer has failed (Bluetooth Core Specification 5.4, volume 3,
+    /// part H, 3.4).
+    static constexpr Nanoseconds comparingTime = std::chrono::seconds{30};
     static constexpr Nanoseconds questionTime = std::chrono::seconds{60};
     /// A phone begins by itself when it reads what only a bonded one may; if it has not by now, it
     /// is asked.

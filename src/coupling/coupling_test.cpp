@@ -202,11 +202,11 @@ TEST_F(CouplingTest, ACodeThatNobodyAskedForIsRefused) {
     EXPECT_TRUE(now<step::Visible>());
 }
 
-TEST_F(CouplingTest, ACodeThatNobodyAnswersIsRefusedAfterAMinute) {
+TEST_F(CouplingTest, ACodeThatNobodyAnswersIsRefusedAfterHalfAMinute) {
     meet();
     tell().codeCame(42);
     radio.calls.clear();
-    world.pass(60s);
+    world.pass(30s);
     EXPECT_EQ(radio.takeCalls(), (Calls{"not the same", "forget", "disappear"}));
     EXPECT_EQ(ending(), Ending::tookTooLong);
 }

@@ -165,7 +165,7 @@ void Stay::appear() {
     if (stage_ == Stage::appearing) visits_->open();
 }
 
-void Stay::fail(Trouble trouble) {
+void Stay::fail(const Trouble& trouble) {
     if (stage_ == Stage::leaving) return;
     if (visits_) visits_->close();
     world_.tell(&CouplingListener::cannotAppear, trouble);

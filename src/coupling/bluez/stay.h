@@ -92,7 +92,7 @@ private:
     void next();
     void appear();
     void released();
-    void fail(Trouble trouble);
+    void fail(const Trouble& trouble);
     void putBack(dbus::Call call);
     void arrived();
     void putPairableBack();

@@ -68,9 +68,9 @@ std::optional<RssiRead> rssiRead(std::span<const std::uint8_t> packet) {
     if (packet.size() < 10 || packet[0] != eventPacket || packet[1] != commandComplete ||
         number(packet, 4) != readRssiOpcode)
         return std::nullopt;
-    constexpr int notAvailable = 127;
-    const int rssi = static_cast<std::int8_t>(packet[9]);
-    const bool measured = packet[6] == 0 && rssi != notAvailable;
+    constexpr std::uint8_t notAvailable = 127;
+    const bool measured = packet[6] == 0 && packet[9] != notAvailable;
+    const int rssi = packet[9] < 0x80 ? packet[9] : packet[9] - 0x100; // two's complement
     return RssiRead{static_cast<std::uint16_t>(number(packet, 7) & handleBits),
                     measured ? std::optional(rssi) : std::nullopt};
 }
