@@ -9,29 +9,11 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A store in memory.
-class Shelf final : public IdentityStore {
-public:
-    [[nodiscard]] Result<KnownIdentities> read() override { return kept; }
-    [[nodiscard]] std::optional<Failure> change(std::span<const Uuid> gone,
-                                                std::span<const KnownIdentity> there) override {
-        if (fault) return fault;
-        std::erase_if(kept, [&](const KnownIdentity& known) {
-            return std::ranges::find(gone, known.id()) != gone.end();
-        });
-        kept.insert(kept.end(), there.begin(), there.end());
-        return std::nullopt;
-    }
-
-    KnownIdentities kept{&ordinaryMemory()};
-    std::optional<Failure> fault;
-};
-
 struct IdentityAdderTest : testing::Test {
     World world;
     AppModel model{world.surroundings()};
     Identities identities{ordinaryMemory()};
-    Shelf shelf;
+    MemoryIdentities store;
     std::vector<std::string> lines;
     std::optional<std::string> failure;
     std::optional<Failure> notKept;
@@ -41,7 +23,7 @@ struct IdentityAdderTest : testing::Test {
     void add() {
         world.central.setState(CentralState::poweredOn);
         adder.emplace(
-            model, identities, shelf, world.time, phonesIdentity(), [this] { return notKept; },
+            model, identities, store, world.time, phonesIdentity(), [this] { return notKept; },
             [this](std::string_view line) { lines.emplace_back(line); },
             [this](const Result<std::string>& outcome) {
                 if (outcome) lines.push_back(*outcome);
@@ -55,7 +37,7 @@ struct IdentityAdderTest : testing::Test {
 TEST_F(IdentityAdderTest, TheKeyIsThereAtOnceAndItIsSaidWhenItIsHeard) {
     add();
     ASSERT_EQ(model.settings().keys.get(), std::vector{pastedKey(phonesIdentity())});
-    EXPECT_EQ(shelf.kept, identitiesOf({phonesIdentity()}));
+    EXPECT_EQ(store.kept, identitiesOf({phonesIdentity()}));
     EXPECT_EQ(lines, std::vector<std::string>{"Sleutel toegevoegd: Telefoon, drempel -75 dBm"});
     world.pass(10s);
     world.central.advertise({.id = id, .rssi = -58});
@@ -77,7 +59,7 @@ TEST_F(IdentityAdderTest, WhatIsNotHeardIsAKeyAllTheSameAndItIsSaidWhatToDo) {
 }
 
 TEST_F(IdentityAdderTest, WhatCannotBeKeptIsNoKey) {
-    shelf.fault = Failure{"de schijf is vol"};
+    store.fault = Failure{"de schijf is vol"};
     add();
     world.pass(1s);
     EXPECT_EQ(failure, "de schijf is vol");
@@ -90,6 +72,6 @@ TEST_F(IdentityAdderTest, WithoutPreferencesNothingStaysBehind) {
     world.pass(1s);
     EXPECT_EQ(failure, "alleen te lezen");
     EXPECT_TRUE(model.settings().keys.get().empty());
-    EXPECT_TRUE(shelf.kept.empty());
+    EXPECT_TRUE(store.kept.empty());
     EXPECT_TRUE(lines.empty());
 }

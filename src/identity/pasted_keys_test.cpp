@@ -11,28 +11,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-class MemoryIdentities final : public IdentityStore {
-public:
-    [[nodiscard]] Result<KnownIdentities> read() override {
-        if (fault) return *fault;
-        return kept;
-    }
-    [[nodiscard]] std::optional<Failure> change(std::span<const Uuid> gone,
-                                                std::span<const KnownIdentity> there) override {
-        if (fault) return fault;
-        std::erase_if(kept, [&](const KnownIdentity& known) {
-            const bool isReplaced =
-                std::ranges::find(there, known.key, &KnownIdentity::key) != there.end();
-            return isReplaced || std::ranges::find(gone, known.id()) != gone.end();
-        });
-        kept.insert(kept.end(), there.begin(), there.end());
-        return std::nullopt;
-    }
-
-    KnownIdentities kept{&ordinaryMemory()};
-    std::optional<Failure> fault;
-};
-
 struct PastedKeysTest : testing::Test {
     CapturedLog log;
     VirtualTime time{TimePoint{std::chrono::hours{1}}};

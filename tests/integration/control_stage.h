@@ -1,5 +1,5 @@
-// A user with a phone and a Wegslot, asked from outside: by `busctl`, as any program on the
-// session's bus, and by its own command line.
+// A Wegslot that runs for a user with a phone, asked from outside: by `busctl`, as any program on
+// the session's bus, and by its own command line.
 #pragma once
 
 #include "scanner/bluez/device_id.h"
@@ -27,32 +27,21 @@ using Words = std::vector<std::string>;
 
 inline const std::string id = deviceId(someAddress, "public").text();
 
-struct ControlStage : testing::Test {
+/// One that starts, and a phone that sends as long as its strength is not 0.
+struct ProgramStage : testing::Test {
     BusLoop loop; // the system's bus and the session's at once
     OwnHome home;
     std::map<std::string, std::string> variables = home.variables(loop);
     LookAlikeBluez bluez{loop};
     MockedLogind logind{loop};
-    std::int16_t strength = -50;
+    std::string sender = someAddress;
+    std::int16_t strength = 0;
     std::optional<Program> application;
 
-    ControlStage() {
-        plugIn();
-        home.setPreferences(R"({"awayDelay": 1, "lostTimeout": 3, "warningSeconds": 2,)"
-                            R"( "pauseWhileActive": false, "keys": [{"id": ")" +
-                            id + R"(", "name": "Telefoon", "isApple": false, "threshold": -70}]})");
-    }
-
-    void plugIn() {
-        bluez.addAdapter();
-        bluez.addDevice(
-            someAddress, strength,
-            {{"AddressType", std::string("public")}, {"Name", std::string("Telefoon")}});
-    }
-
-    void start() {
+    /// Until the log says `started`.
+    void start(const std::string& started) {
         application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
-        ASSERT_TRUE(happens([this] { return logs("Sleutel in de buurt, bewaking actief"); }));
+        ASSERT_TRUE(happens([&] { return logs(started); }));
     }
 
     /// Until it is so, while the phone goes on sending if it is near.
@@ -62,7 +51,7 @@ struct ControlStage : testing::Test {
         return loop.runUntil([&] {
             if (Clock::now() >= next && strength != 0) {
                 strength = static_cast<std::int16_t>(-101 - strength);
-                bluez.report(someAddress, strength, {});
+                bluez.report(sender, strength, {});
                 next = Clock::now() + std::chrono::milliseconds{300};
             }
             return condition();
@@ -86,6 +75,27 @@ struct ControlStage : testing::Test {
         words.insert(words.begin(), WEGSLOT_PROGRAM);
         return run(std::move(words));
     }
+};
+
+/// The phone is its key.
+struct ControlStage : ProgramStage {
+    ControlStage() {
+        strength = -50;
+        plugIn();
+        home.setPreferences(R"({"awayDelay": 1, "lostTimeout": 3, "warningSeconds": 2,)"
+                            R"( "pauseWhileActive": false, "keys": [{"id": ")" +
+                            id + R"(", "name": "Telefoon", "isApple": false, "threshold": -70}]})");
+    }
+
+    void plugIn() {
+        bluez.addAdapter();
+        bluez.addDevice(
+            someAddress, strength,
+            {{"AddressType", std::string("public")}, {"Name", std::string("Telefoon")}});
+    }
+
+    void start() { ProgramStage::start("Sleutel in de buurt, bewaking actief"); }
+
     /// As anybody on the bus.
     [[nodiscard]] Ending busctl(const std::string& verb, Words words) {
         Words all{"busctl",

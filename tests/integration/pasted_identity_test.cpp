@@ -1,14 +1,8 @@
 // An identity given to the program as a person gives it, and the device behind it heard by the
 // running one; what is kept, and where it does not appear.
 
-#include "scanner/bluez/device_id.h"
+#include "tests/integration/control_stage.h"
 #include "tests/support/known_identities.h"
-#include "tests/support/look_alike_bluez.h"
-#include "tests/support/mocked_logind.h"
-#include "tests/support/own_home.h"
-#include "tests/support/program.h"
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 #include <filesystem>
@@ -18,66 +12,26 @@
 #include <sys/stat.h>
 
 using namespace wegslot;
-using Words = std::vector<std::string>;
 
 namespace {
 
 const std::string phonesAddress = "70:81:94:0D:FB:AA";
 
-struct PastedIdentityTest : testing::Test {
-    BusLoop loop; // the system's bus and the session's at once
-    OwnHome home;
-    std::map<std::string, std::string> variables = home.variables(loop);
-    LookAlikeBluez bluez{loop};
-    MockedLogind logind{loop};
-    std::optional<Program> application;
-    bool sends = false;
+struct PastedIdentityTest : ProgramStage {
     const std::string id = phonesIdentity().id().text();
     const std::filesystem::path file = home.path() / ".local/share/wegslot/identities.json";
 
     PastedIdentityTest() {
         variables["XDG_CACHE_HOME"] = "";
+        sender = phonesAddress;
         bluez.addAdapter();
     }
 
-    void start() {
-        application.emplace(Program::Start{.words = {WEGSLOT_PROGRAM}, .environment = variables});
-        ASSERT_TRUE(happens([this] { return logs("Bluetooth-status: Bluetooth staat aan"); }));
-    }
+    void start() { ProgramStage::start("Bluetooth-status: Bluetooth staat aan"); }
     /// From now on the phone is heard under its private address.
     void send() {
-        sends = true;
-        bluez.addDevice(phonesAddress, std::int16_t{-58}, {{"AddressType", std::string("random")}});
-    }
-    [[nodiscard]] bool happens(const std::function<bool()>& condition) {
-        std::int16_t rssi = -58;
-        auto next = std::chrono::steady_clock::now();
-        return loop.runUntil([&] {
-            if (sends && std::chrono::steady_clock::now() >= next) {
-                rssi = static_cast<std::int16_t>(-117 - rssi);
-                bluez.report(phonesAddress, rssi);
-                next = std::chrono::steady_clock::now() + std::chrono::milliseconds{300};
-            }
-            return condition();
-        });
-    }
-    [[nodiscard]] bool logs(const std::string& text) const {
-        return home.log().find(text) != std::string::npos;
-    }
-
-    struct Ending {
-        int status;
-        std::string said;
-    };
-
-    [[nodiscard]] Ending run(Words words) {
-        Program program({.words = std::move(words), .environment = variables});
-        EXPECT_TRUE(happens([&program] { return !program.isRunning(); }));
-        return {program.ended().value_or(-1), program.output()};
-    }
-    [[nodiscard]] Ending wegslot(Words words) {
-        words.insert(words.begin(), WEGSLOT_PROGRAM);
-        return run(std::move(words));
+        strength = -51;
+        bluez.addDevice(phonesAddress, strength, {{"AddressType", std::string("random")}});
     }
     [[nodiscard]] Ending paste(const std::string& text, const std::string& further = "") {
         return run({"sh", "-c", "printf %s \"$1\" | \"$0\" --add-irk Telefoon " + further,

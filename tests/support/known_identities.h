@@ -1,10 +1,13 @@
 // Identities for tests, in ordinary memory.
 #pragma once
 
-#include "identity/identities.h"
+#include "identity/identity_store.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <memory_resource>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,5 +32,28 @@ inline KnownIdentity watchsIdentity() { return {.key = keyOf(watchsKey), .name =
 inline KnownIdentities identitiesOf(std::initializer_list<KnownIdentity> list) {
     return {list, &ordinaryMemory()};
 }
+
+/// Where identities are kept, for as long as it lives.
+class MemoryIdentities final : public IdentityStore {
+public:
+    [[nodiscard]] Result<KnownIdentities> read() override {
+        if (fault) return *fault;
+        return kept;
+    }
+    [[nodiscard]] std::optional<Failure> change(std::span<const Uuid> gone,
+                                                std::span<const KnownIdentity> there) override {
+        if (fault) return fault;
+        std::erase_if(kept, [&](const KnownIdentity& known) {
+            const bool isReplaced =
+                std::ranges::find(there, known.key, &KnownIdentity::key) != there.end();
+            return isReplaced || std::ranges::find(gone, known.id()) != gone.end();
+        });
+        kept.insert(kept.end(), there.begin(), there.end());
+        return std::nullopt;
+    }
+
+    KnownIdentities kept{&ordinaryMemory()};
+    std::optional<Failure> fault;
+};
 
 } // namespace wegslot
