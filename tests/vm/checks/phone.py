@@ -9,7 +9,7 @@ from stack.call import Failed as CallFailed
 from stack.device import Changes, Device, device_paths, managed_objects
 from stack.peripheral import HEART_RATE_BELT, Peripheral
 from stack.phone import Phone
-from stack.waiting import ONLY_A_HANG, wait_for
+from stack.waiting import ONLY_A_HANG, wait_for, watch_for
 
 from .base import Checks, expect
 
@@ -175,6 +175,7 @@ class PhoneConnects(Checks):
         phone.answer()
         self.wait_for_identity(phone, device)
         device.disconnect()
+        watch_for(3)  # BlueZ 5.66 has crashed where what had just bonded was removed
         device.remove()
         phone.rotate()
         device = self.connect(phone)
