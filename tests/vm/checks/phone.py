@@ -19,6 +19,8 @@ NO_CLASSIC = 0x04
 REFUSED_DIGITS = "0C"
 CANCELLED = "08"
 AT_THE_CHEST = "01"
+# Seconds. BlueZ 5.66 has crashed where a device that had just paired was removed sooner.
+REMOVABLE = 3
 
 
 class PhoneConnects(Checks):
@@ -175,7 +177,7 @@ class PhoneConnects(Checks):
         phone.answer()
         self.wait_for_identity(phone, device)
         device.disconnect()
-        watch_for(3)  # BlueZ 5.66 has crashed where what had just bonded was removed
+        watch_for(REMOVABLE)
         device.remove()
         phone.rotate()
         device = self.connect(phone)
