@@ -43,7 +43,9 @@ std::optional<std::uint16_t> adapterNumber(std::string_view path) {
 StandingLinks standingWith(const Address& address, std::span<const ListedConnection> connections) {
     StandingLinks links;
     for (const ListedConnection& connection : connections) {
-        if (connection.address != address || connection.state != connectedState) continue;
+        const bool stands =
+            connection.state == connectedState || connection.state == configuringState;
+        if (connection.address != address || !stands) continue;
         if (connection.type != lowEnergyLink) {
             links.classic = true;
             continue;

@@ -25,9 +25,11 @@ using Address = std::array<std::uint8_t, 6>;
 
 /// Link types of the kernel: what a low-energy link is listed as.
 inline constexpr std::uint8_t lowEnergyLink = 0x80;
-/// The state of one that stands (BT_CONNECTED of the kernel's net/bluetooth/bluetooth.h); those
-/// still being made are listed too.
+/// The states of one that stands (BT_CONNECTED and BT_CONFIG of the kernel's
+/// net/bluetooth/bluetooth.h): in the second, over Low Energy, both ends still tell each other what
+/// they can, and BlueZ has announced it. Those still being made are listed too.
 inline constexpr std::uint16_t connectedState = 1;
+inline constexpr std::uint16_t configuringState = 7;
 
 /// The packet type of events.
 inline constexpr std::uint8_t eventPacket = 0x04;

@@ -40,6 +40,9 @@ TEST(HciWire, OfAnAddressItsStandingLinksAreKnownByTheirKind) {
               (StandingLinks{.lowEnergy = true, .calledUs = true}));
     EXPECT_EQ(standingWith(phone, All{listed(phone, lowEnergyLink, 1)}),
               StandingLinks{.lowEnergy = true});
+    EXPECT_EQ(
+        standingWith(phone, All{listed(phone, lowEnergyLink, 0, 7)}),
+        (StandingLinks{.lowEnergy = true, .calledUs = true})); // announced, and pairing perhaps
     EXPECT_EQ(standingWith(phone, All{listed(phone, classic, 0)}), StandingLinks{.classic = true});
     EXPECT_EQ(standingWith(phone, All{listed(phone, classic, 1), listed(phone, lowEnergyLink, 0)}),
               (StandingLinks{.lowEnergy = true, .calledUs = true, .classic = true}));
