@@ -198,9 +198,7 @@ void Coupling::acquaintanceCame(const Visitor& visitor) {
 }
 
 void Coupling::visitorLeft() {
-    const Step now = step_.get();
-    if (is<step::Bonding>(now) || is<step::Comparing>(now)) beVisible(true);
-    if (is<step::Acquainted>(now)) beVisible(false);
+    if (is<step::Bonding>(step_.get()) || is<step::Comparing>(step_.get())) beVisible(true);
 }
 
 void Coupling::bond() {

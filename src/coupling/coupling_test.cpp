@@ -1,104 +1,14 @@
 #include "coupling/coupling.h"
 
-#include "tests/support/fake_coupling_radio.h"
-#include "tests/support/world.h"
+#include "tests/support/coupling_stage.h"
 
 using namespace wegslot;
 using namespace wegslot::coupling;
 using namespace std::chrono_literals;
 
-namespace {
+struct CouplingTest : CouplingStage {};
 
-using Calls = std::vector<std::string>;
-
-const Visitor stranger{};
-const Visitor phone{.name = "Telefoon", .identity = numbered(7)};
-
-struct CouplingTest : testing::Test {
-    CouplingTest() {
-        world.run();
-        make();
-    }
-
-    void make(decltype(Coupling::World::paste) paste = {}) {
-        coupling.emplace(Coupling::World{.radio = radio,
-                                         .scanner = world.scanner(),
-                                         .settings = world.settings(),
-                                         .clock = world.time,
-                                         .scheduler = world.time,
-                                         .suffix = [] { return 0x4F2A; },
-                                         .paste = std::move(paste)});
-    }
-
-    World world;
-    FakeCouplingRadio radio;
-    std::optional<Coupling> coupling;
-
-    [[nodiscard]] CouplingListener& tell() { return *radio.listener; }
-
-    template <typename Case>
-    [[nodiscard]] const Case* now() const {
-        return std::get_if<Case>(&coupling->step().get());
-    }
-
-    [[nodiscard]] const std::vector<KeyDevice>& keys() { return world.settings().keys.get(); }
-
-    void appear(Action kind = Action::iphone) {
-        coupling->act(kind);
-        tell().appears();
-    }
-
-    void meet(Action kind = Action::iphone) {
-        appear(kind);
-        tell().visitorCame(stranger);
-    }
-
-    void compare() {
-        meet();
-        tell().codeCame(1);
-    }
-
-    /// Up to the question whose it is.
-    void bond() {
-        meet();
-        tell().bonded(phone);
-    }
-
-    /// Up to where it is listened to, at the table.
-    void own() {
-        bond();
-        coupling->act(Action::yes);
-        tell().isGone();
-        radio.calls.clear();
-    }
-
-    /// Up to where it is listened to, where it is carried.
-    void pocket() {
-        own();
-        world.keepHearing(7, -50, 20);
-        coupling->act(Action::proceed);
-    }
-
-    /// The end of a walk through all of it.
-    void finishListening(int every) {
-        for (int second = 0; second < 120; ++second) {
-            if (second % every == 0) world.hear(7, -70);
-            world.pass(1s);
-        }
-    }
-
-    /// What came of it once all is back.
-    [[nodiscard]] std::optional<Ending> ending() {
-        if (!now<step::PuttingBack>()) return std::nullopt;
-        tell().isGone();
-        const auto* const failed = now<step::Failed>();
-        return failed == nullptr ? std::nullopt : std::optional(failed->ending);
-    }
-};
-
-} // namespace
-
-// --- Appearing ----------------------------------------------------------------------------------
+// --- Appearing -----------------------------------------------------------------------------------
 
 TEST_F(CouplingTest, BeginsWithTheKindAndAppearsUnderANameOfItsOwn) {
     EXPECT_TRUE(now<step::Choosing>());
@@ -159,7 +69,7 @@ TEST_F(CouplingTest, WhoComesAndGoesTakesNoTimeFromTheTwoMinutes) {
     EXPECT_EQ(ending(), Ending::nobodyCame);
 }
 
-// --- Bonding ------------------------------------------------------------------------------------
+// --- Bonding -------------------------------------------------------------------------------------
 
 TEST_F(CouplingTest, AVisitorThatDoesNotBeginIsAskedAfterThreeSeconds) {
     meet();
@@ -275,7 +185,7 @@ TEST_F(CouplingTest, ABondFromBeforeThatNobodyAnswersForStays) {
     EXPECT_EQ(radio.takeCalls(), Calls{});
 }
 
-// --- The proof ----------------------------------------------------------------------------------
+// --- The proof -----------------------------------------------------------------------------------
 
 TEST_F(CouplingTest, ABondWithoutAnIdentityIsNoneAndIsForgotten) {
     meet();
@@ -330,117 +240,6 @@ TEST_F(CouplingTest, AllOfItTakesLessThanSixMinutes) {
     EXPECT_EQ(ending(), Ending::tookTooLong);
 }
 
-// --- Listening ----------------------------------------------------------------------------------
-
-TEST_F(CouplingTest, AllIsPutBackBeforeItIsListenedTo) {
-    bond();
-    radio.calls.clear();
-    coupling->act(Action::yes);
-    EXPECT_TRUE(now<step::PuttingBack>());
-    EXPECT_EQ(radio.takeCalls(), Calls{"disappear"});
-    tell().isGone();
-    EXPECT_TRUE(now<step::ListeningLit>());
-}
-
-TEST_F(CouplingTest, ARadioThatWasLentIsWaitedFor) {
-    bond();
-    world.central.setState(CentralState::resetting);
-    coupling->act(Action::yes);
-    tell().isGone();
-    EXPECT_TRUE(now<step::PuttingBack>());
-    world.pass(2s);
-    world.central.setState(CentralState::poweredOn);
-    world.pass(1ms);
-    EXPECT_TRUE(now<step::ListeningLit>());
-}
-
-TEST_F(CouplingTest, ARadioThatDoesNotComeBackIsSaid) {
-    bond();
-    world.central.setState(CentralState::resetting);
-    coupling->act(Action::yes);
-    tell().isGone();
-    world.pass(15s);
-    EXPECT_TRUE(now<step::Hindered>());
-}
-
-TEST_F(CouplingTest, ARadioThatGoesOffWhileItListensIsNoSilenceOfThePhone) {
-    pocket();
-    world.central.setState(CentralState::poweredOff);
-    EXPECT_TRUE(now<step::Hindered>());
-    world.pass(5min);
-    EXPECT_TRUE(now<step::Hindered>());
-    EXPECT_TRUE(keys().empty());
-}
-
-TEST_F(CouplingTest, WhatIsHeardWellBecomesAKeyWithAThresholdFromWhereItIsCarried) {
-    pocket();
-    EXPECT_TRUE(keys().empty());
-    finishListening(2);
-    ASSERT_TRUE(now<step::Judged>());
-    EXPECT_EQ(now<step::Judged>()->audibility, Audibility{audibility::Good{}});
-    ASSERT_EQ(keys().size(), 1U);
-    EXPECT_EQ(keys()[0].id, numbered(7));
-    EXPECT_EQ(keys()[0].name, "Telefoon");
-    EXPECT_EQ(keys()[0].threshold, Dbm{-85}); // -70 in the pocket; -50 on the table gave -65
-    EXPECT_EQ(now<step::Judged>()->threshold, Dbm{-85});
-    EXPECT_EQ(radio.takeCalls(), Calls{});
-}
-
-TEST_F(CouplingTest, ItsThresholdCanBeSetFromHere) {
-    pocket();
-    finishListening(2);
-    world.keepHearing(7, -60, 6);
-    coupling->act(Action::setFromHere);
-    EXPECT_EQ(keys()[0].threshold, Dbm{-75});
-    EXPECT_EQ(now<step::Judged>()->threshold, Dbm{-75});
-    EXPECT_FALSE(now<step::Judged>()->unheard);
-    world.pass(1min);
-    coupling->act(Action::setFromHere); // it is not heard
-    EXPECT_EQ(keys()[0].threshold, Dbm{-75});
-    EXPECT_TRUE(now<step::Judged>()->unheard);
-}
-
-TEST_F(CouplingTest, WhatHasGapsBecomesAKeyAndItsGapsCanBeAllowed) {
-    pocket();
-    finishListening(20);
-    ASSERT_TRUE(now<step::Judged>());
-    EXPECT_EQ(now<step::Judged>()->audibility, Audibility{audibility::Moderate{20s}});
-    EXPECT_EQ(keys().size(), 1U);
-    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{15});
-    coupling->act(Action::takeLostTimeout);
-    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{30});
-}
-
-TEST_F(CouplingTest, ALongerTimeOfTheUsersIsNotShortened) {
-    world.settings().lostTimeout.set(Seconds{60});
-    pocket();
-    finishListening(20);
-    coupling->act(Action::takeLostTimeout);
-    EXPECT_EQ(world.settings().lostTimeout.get(), Seconds{60});
-}
-
-TEST_F(CouplingTest, WhatIsSilentWhereItIsCarriedIsNoKeyAndItsBondGoes) {
-    pocket();
-    world.pass(2min);
-    ASSERT_TRUE(now<step::Judged>());
-    EXPECT_EQ(now<step::Judged>()->audibility, Audibility{audibility::Silent{}});
-    EXPECT_TRUE(keys().empty());
-    coupling->act(Action::close);
-    EXPECT_EQ(radio.takeCalls(), (Calls{"forget", "disappear"}));
-    EXPECT_TRUE(now<step::PuttingBack>());
-    tell().isGone();
-    EXPECT_TRUE(now<step::Closed>());
-}
-
-TEST_F(CouplingTest, WhatIsSilentWithItsScreenLitIsNotListenedToAnyLonger) {
-    own();
-    world.pass(20s);
-    ASSERT_TRUE(now<step::Judged>());
-    coupling->act(Action::proceed); // it was not lit
-    EXPECT_TRUE(now<step::ListeningLit>());
-    EXPECT_EQ(radio.takeCalls(), Calls{});
-}
-
 // --- An identity that is known already -----------------------------------------------------------
 
 TEST_F(CouplingTest, APastedIdentityIsHandedOnUntilItIsOne) {
@@ -469,7 +268,7 @@ TEST_F(CouplingTest, WhereNobodyTakesAnIdentityNoneIsAskedFor) {
     EXPECT_TRUE(now<step::Choosing>());
 }
 
-// --- The ends -----------------------------------------------------------------------------------
+// --- The ends ------------------------------------------------------------------------------------
 
 TEST_F(CouplingTest, EveryStepHasAWayBackAndAWayOut) {
     using Walk = void (CouplingTest::*)();

@@ -63,6 +63,7 @@ struct CouplingWorld : testing::Test {
     static constexpr auto identity = "AA:BB:CC:DD:EE:01";
     static constexpr auto phone = "4A:00:00:00:00:01"; ///< a private address of it
     static constexpr auto other = "4A:00:00:00:00:02";
+    static constexpr auto turnedDown = "org.bluez.Error.Rejected";
 
     CapturedLog log;
     BusLoop loop;
@@ -137,6 +138,11 @@ struct CouplingWorld : testing::Test {
         links.callers.insert(identity);
         bluez.bluez.changeDevice(phone, all);
         loop.settle();
+    }
+    void bonded() {
+        visited();
+        bonds();
+        ASSERT_EQ(take(), (Events{"bonded Telefoon " + identityText()}));
     }
     std::shared_ptr<std::string> ask(const std::string& member, const std::string& address) {
         auto answer = bluez.ask(member, {dbus::ObjectPath{pathOf(address)}});
