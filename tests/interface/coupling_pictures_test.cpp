@@ -155,6 +155,13 @@ std::vector<QImage> allPages(Scheme scheme) {
     stage.coupling->act(Action::paste);
     stage.coupling->paste("", "x");
     keep();
+    stage.coupling->paste("Horloge", "goed");
+    keep();
+    stage.renew();
+    stage.coupling->act(Action::android);
+    stage.radio.listener->cannotAppear({.obstacle = Obstacle::noRoom});
+    stage.radio.listener->isGone();
+    keep();
     return pages;
 }
 
