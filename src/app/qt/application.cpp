@@ -157,6 +157,7 @@ struct Execute {
             world.descriptors, [&](std::string_view line) { terminal.typed(line); },
             [&] { coupling.act(coupling::Action::close); });
         const int status = QCoreApplication::exec();
+        putBack(coupling, scheduler);
         if (const auto failure = preferences.flush())
             return complain(failure->message.translated());
         return status == EXIT_SUCCESS && isKey ? EXIT_SUCCESS : EXIT_FAILURE;

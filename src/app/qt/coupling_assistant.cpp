@@ -2,9 +2,18 @@
 
 #include "platform/linux/random_uuid.h"
 
+#include <QEventLoop>
+
 #include <variant>
 
 namespace wegslot {
+namespace {
+
+bool isClosed(const coupling::Step& step) {
+    return std::holds_alternative<coupling::step::Closed>(step);
+}
+
+} // namespace
 
 coupling::Coupling::World couplingWorld(coupling::CouplingRadio& radio, AppModel& model,
                                         const Clock& clock, Scheduler& scheduler) {
@@ -19,6 +28,26 @@ coupling::Coupling::World couplingWorld(coupling::CouplingRadio& radio, AppModel
             }};
 }
 
+void putBack(coupling::Coupling& coupling, Scheduler& scheduler) {
+    if (isClosed(coupling.step().get())) return;
+    QEventLoop loop;
+    bool isBack = false;
+    const auto steps = coupling.step().onChange([&](const coupling::Step& step) {
+        if (!isClosed(step)) return;
+        isBack = true;
+        loop.quit();
+    });
+    const auto limit = scheduler.after(std::chrono::seconds{8}, [&loop] { loop.quit(); });
+    coupling.act(coupling::Action::close);
+    if (!isBack) loop.exec();
+}
+
+CouplingAssistant::~CouplingAssistant() {
+    steps_.reset();
+    window_.reset();
+    if (coupling_) putBack(*coupling_, scheduler_);
+}
+
 void CouplingAssistant::open() {
     if (!coupling_) {
         ending_.reset();
@@ -31,7 +60,7 @@ void CouplingAssistant::open() {
                                                      .clock = clock_,
                                                      .scheduler = scheduler_});
         steps_ = coupling_->step().onChange([this](const coupling::Step& step) {
-            if (!std::holds_alternative<coupling::step::Closed>(step)) return;
+            if (!isClosed(step)) return;
             // It may be one of their buttons that is being pressed.
             ending_ = scheduler_.after(Nanoseconds{0}, [this] {
                 steps_.reset();

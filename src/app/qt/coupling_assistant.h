@@ -29,6 +29,9 @@ public:
           clock_(clock),
           scheduler_(scheduler),
           paste_(std::move(paste)) {}
+    CouplingAssistant(const CouplingAssistant&) = delete;
+    CouplingAssistant& operator=(const CouplingAssistant&) = delete;
+    ~CouplingAssistant();
 
     /// Opens the window, or brings it forward. That is all that comes of it: any program may ask.
     void open();
@@ -45,6 +48,10 @@ private:
     Subscription steps_;
     Timer ending_;
 };
+
+/// Closes it and runs an event loop until all is put back, eight seconds at most: a phone's link
+/// takes five to end where it hangs, and its bond two more. For a program that was asked to end.
+void putBack(coupling::Coupling& coupling, Scheduler& scheduler);
 
 /// What it takes to couple with a core that runs.
 [[nodiscard]] coupling::Coupling::World couplingWorld(coupling::CouplingRadio& radio,

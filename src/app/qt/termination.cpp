@@ -1,7 +1,9 @@
 #include "app/qt/termination.h"
 
 #include <QCoreApplication>
+#include <QTimer>
 
+#include <chrono>
 #include <csignal>
 
 #include <sys/signalfd.h>
@@ -21,7 +23,15 @@ Termination::Termination() {
 std::unique_ptr<QSocketNotifier> Termination::watch() const {
     auto notifier = std::make_unique<QSocketNotifier>(handle_, QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, QCoreApplication::instance(),
-                     [] { QCoreApplication::quit(); });
+                     [told = notifier.get()] {
+                         QCoreApplication::quit();
+                         // Never read, so that any loop after this one ends as well; but told again
+                         // only ten times a second, so that one that has something to put back gets
+                         // to it.
+                         told->setEnabled(false);
+                         QTimer::singleShot(std::chrono::milliseconds{100}, told,
+                                            [told] { told->setEnabled(true); });
+                     });
     return notifier;
 }
 
