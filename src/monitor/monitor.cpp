@@ -11,17 +11,17 @@
 
 namespace wegslot {
 
-Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
+Monitor::Monitor(Settings& settings, KeySignals& signals, Platform platform,
                  std::unique_ptr<WarningHUD> hud)
     : settings_(settings),
-      scanner_(scanner),
+      signals_(signals),
       platform_(platform),
       hud_(std::move(hud)),
-      presence_(settings, scanner),
+      presence_(settings, signals),
       beat_(tickInterval, platform.clock.now()) {
     subscriptions_.push_back(settings_.keys.follow([this](const auto& keys) { watch(keys); }));
     subscriptions_.push_back(settings_.showOtherDevices.follow(
-        [this](bool show) { scanner_.setIncludeOtherDevices(show); }));
+        [this](bool show) { signals_.setIncludeOtherDevices(show); }));
     subscriptions_.push_back(
         settings_.enabled.onChange([this](bool enabled) { enabledChanged(enabled); }));
     subscriptions_.push_back(
@@ -36,12 +36,12 @@ Monitor::Monitor(Settings& settings, Scanner& scanner, Platform platform,
 
 void Monitor::tick(TimePoint now) {
     judgedAt_ = now;
-    scanner_.refreshSnapshot();
+    signals_.refreshSnapshot();
     keyStates_.set(presence_.evaluateAll(now));
 
     if (!settings_.enabled.get()) return rest(phase::Disabled{});
-    if (!scanner_.isPoweredOn())
-        return rest(phase::BluetoothUnavailable{scanner_.stateDescription()});
+    if (!signals_.isPoweredOn())
+        return rest(phase::BluetoothUnavailable{signals_.stateDescription()});
     if (settings_.keys.get().empty()) return rest(phase::NoKeys{});
     if (screenLocked_) return set(phase::Locked{});
     if (lockRequestedAt_) return awaitConfirmation(now);
@@ -71,8 +71,8 @@ void Monitor::watch(const std::vector<KeyDevice>& keys) {
         if (key.isApple == false) passive.insert(key.id);
     }
     // In this order: a new listen-only key must not be taken for one to connect.
-    scanner_.setPassiveIDs(std::move(passive));
-    scanner_.setWatchedIDs(std::move(all));
+    signals_.setPassiveIDs(std::move(passive));
+    signals_.setWatchedIDs(std::move(all));
 }
 
 void Monitor::set(Phase next) {

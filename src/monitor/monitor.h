@@ -18,7 +18,7 @@
 #include "platform/activity_detector.h"
 #include "platform/lock_controller.h"
 #include "platform/session_events.h"
-#include "scanner/scanner.h"
+#include "scanner/key_signals.h"
 
 #include <memory>
 #include <optional>
@@ -44,7 +44,7 @@ public:
     };
 
     /// `hud` is the monitor's from here on; everything else must outlive it.
-    Monitor(Settings& settings, Scanner& scanner, Platform platform,
+    Monitor(Settings& settings, KeySignals& signals, Platform platform,
             std::unique_ptr<WarningHUD> hud);
 
     Monitor(const Monitor&) = delete;
@@ -101,7 +101,7 @@ private:
     [[nodiscard]] Nanoseconds wallOffset() const;
 
     Settings& settings_;
-    Scanner& scanner_;
+    KeySignals& signals_;
     Platform platform_;
     std::unique_ptr<WarningHUD> hud_;
     Observable<Phase> phase_{wegslot::phase::WaitingForReturn{}};

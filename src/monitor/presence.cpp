@@ -5,11 +5,11 @@
 namespace wegslot {
 
 KeyState Presence::evaluate(const KeyDevice& key, TimePoint now) {
-    const auto seen = scanner_.lastSeen(key.id);
+    const auto seen = signals_.lastSeen(key.id);
     if (!seen) return KeyState::away;
     if (now - *seen > rounded(settings_.lostTimeout.get())) return KeyState::away;
 
-    const auto rssi = scanner_.smoothedRSSI(key.id);
+    const auto rssi = signals_.smoothedRSSI(key.id);
     if (rssi && *rssi >= key.threshold) {
         belowSince_.erase(key.id);
         return KeyState::near;

@@ -6,7 +6,7 @@
 #include "model/key_device.h"
 #include "model/settings.h"
 #include "monitor/key_state.h"
-#include "scanner/scanner.h"
+#include "scanner/key_signals.h"
 
 #include <map>
 
@@ -14,9 +14,9 @@ namespace wegslot {
 
 class Presence {
 public:
-    Presence(const Settings& settings, const Scanner& scanner)
+    Presence(const Settings& settings, const KeySignals& signals)
         : settings_(settings),
-          scanner_(scanner) {}
+          signals_(signals) {}
 
     /// Judges `key`; the first weak reading of a run starts its clock.
     [[nodiscard]] KeyState evaluate(const KeyDevice& key, TimePoint now);
@@ -29,7 +29,7 @@ public:
 
 private:
     const Settings& settings_;
-    const Scanner& scanner_;
+    const KeySignals& signals_;
     std::map<Uuid, TimePoint> belowSince_;
 };
 

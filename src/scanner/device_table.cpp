@@ -47,6 +47,13 @@ std::optional<Dbm> DeviceTable::smoothedRSSI(const Uuid& id, Nanoseconds window,
     return found->second.samples.median(now, window);
 }
 
+std::vector<SignalHistory::Sample> DeviceTable::samplesSince(const Uuid& id,
+                                                             TimePoint since) const {
+    const auto found = entries_.find(id);
+    if (found == entries_.end()) return {};
+    return found->second.samples.since(since);
+}
+
 std::vector<Uuid> DeviceTable::forgetStale(const std::set<Uuid>& watched, TimePoint now) {
     limit_ = mostDevices;
     std::vector<Uuid> forgotten;

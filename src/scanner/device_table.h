@@ -46,6 +46,10 @@ public:
     [[nodiscard]] std::optional<Dbm> smoothedRSSI(const Uuid& id, Nanoseconds window,
                                                   TimePoint now) const;
 
+    /// What is kept of a device's samples after `since`, oldest first.
+    [[nodiscard]] std::vector<SignalHistory::Sample> samplesSince(const Uuid& id,
+                                                                  TimePoint since) const;
+
     /// Forgets the stale devices that are not in `watched` and returns their ids.
     std::vector<Uuid> forgetStale(const std::set<Uuid>& watched, TimePoint now);
 

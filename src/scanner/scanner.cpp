@@ -61,6 +61,10 @@ std::optional<Dbm> Scanner::smoothedRSSI(const Uuid& id, Seconds window) const {
     return devices_.smoothedRSSI(id, rounded(window), clock_.now());
 }
 
+std::vector<SignalHistory::Sample> Scanner::samplesSince(const Uuid& id, TimePoint since) const {
+    return devices_.samplesSince(id, since);
+}
+
 void Scanner::setWatchedIDs(std::set<Uuid> ids) {
     if (connections_.setWatched(std::move(ids))) keysChanged();
 }

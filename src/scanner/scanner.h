@@ -9,6 +9,7 @@
 #include "scanner/bluetooth_central.h"
 #include "scanner/device_table.h"
 #include "scanner/key_connections.h"
+#include "scanner/key_signals.h"
 #include "scanner/model_identifier.h"
 
 #include <set>
@@ -18,7 +19,7 @@
 
 namespace wegslot {
 
-class Scanner final : public CentralDelegate {
+class Scanner final : public CentralDelegate, public KeySignals {
 public:
     /// A first sighting is logged from this strength on: about the same room.
     static constexpr int loggedFrom = DeviceTable::nearFrom;
@@ -31,45 +32,45 @@ public:
     /// The last state that the stack reported.
     [[nodiscard]] const Observable<CentralState>& state() const { return state_; }
 
-    [[nodiscard]] bool isPoweredOn() const { return state_.get() == CentralState::poweredOn; }
+    [[nodiscard]] bool isPoweredOn() const override {
+        return state_.get() == CentralState::poweredOn;
+    }
 
-    /// The state as a sentence for a person.
-    [[nodiscard]] Message stateDescription() const;
+    [[nodiscard]] Message stateDescription() const override;
 
     /// The nearby devices, strongest first, as of the last `refreshSnapshot`.
     [[nodiscard]] const Observable<std::vector<SeenDevice>>& snapshot() const { return snapshot_; }
 
-    /// Hears what has come in, forgets who has been silent too long and publishes the list anew.
-    void refreshSnapshot();
+    /// Also forgets who has been silent too long and publishes the list anew.
+    void refreshSnapshot() override;
 
     /// Whether what is told now came in before and was only now asked for.
     [[nodiscard]] bool isCatchingUp() const { return catchingUp_; }
 
-    /// When the device was last heard; nothing when it is unknown or forgotten.
-    [[nodiscard]] std::optional<TimePoint> lastSeen(const Uuid& id) const;
+    [[nodiscard]] std::optional<TimePoint> lastSeen(const Uuid& id) const override;
 
-    /// The median signal of the last `window`; nothing without a sample in it.
     [[nodiscard]] std::optional<Dbm> smoothedRSSI(const Uuid& id,
-                                                  Seconds window = Seconds{5.0}) const;
+                                                  Seconds window = Seconds{5.0}) const override;
 
-    /// All keys: their advertisements always count and they are never forgotten.
+    /// The samples of a key that came after `since`, oldest first, as far as they are still kept.
+    [[nodiscard]] std::vector<SignalHistory::Sample> samplesSince(const Uuid& id,
+                                                                  TimePoint since) const;
+
     [[nodiscard]] const std::set<Uuid>& watchedIDs() const { return connections_.watched(); }
 
-    void setWatchedIDs(std::set<Uuid> ids);
+    void setWatchedIDs(std::set<Uuid> ids) override;
 
-    /// Those of the keys that are only listened to, never connected.
     [[nodiscard]] const std::set<Uuid>& passiveIDs() const { return connections_.passive(); }
 
-    void setPassiveIDs(std::set<Uuid> ids);
+    void setPassiveIDs(std::set<Uuid> ids) override;
 
     /// Listens to a device as if it were a key, all the time, while somebody tries how it is heard:
     /// until the handle ends. One at a time.
     [[nodiscard]] Subscription tryOut(const Uuid& id);
 
-    /// Whether named devices of other makers are listed too.
     [[nodiscard]] bool includeOtherDevices() const { return includeOtherDevices_; }
 
-    void setIncludeOtherDevices(bool include) { includeOtherDevices_ = include; }
+    void setIncludeOtherDevices(bool include) override { includeOtherDevices_ = include; }
 
     /// Whether somebody looks at the list of nearby devices: their models are identified then.
     [[nodiscard]] bool discoveryActive() const { return identifier_.discoveryActive(); }

@@ -31,6 +31,12 @@ std::optional<Dbm> SignalHistory::median(TimePoint now, Nanoseconds window) cons
     return Dbm{static_cast<double>(*middle)};
 }
 
+std::vector<SignalHistory::Sample> SignalHistory::since(TimePoint since) const {
+    const auto oldest = samples_.begin() + static_cast<std::ptrdiff_t>(first_);
+    const auto later = std::ranges::upper_bound(oldest, samples_.end(), since, {}, &Sample::date);
+    return {later, samples_.end()};
+}
+
 void SignalHistory::merge(const SignalHistory& other) {
     const auto own = static_cast<std::ptrdiff_t>(samples_.size());
     samples_.insert(samples_.end(),
