@@ -74,13 +74,13 @@ struct Place {
         return isOld(folder) || isNew(folder);
     }
 
-    /// The build that the script started, once it has.
+    /// The build that the script started, once it has. Where it was killed and run again, two
+    /// programs tell theirs, and each empties the file first.
     [[nodiscard]] std::string started() const {
         const auto deadline = std::chrono::steady_clock::now() + onlyAHang;
-        while (!fs::exists(apps / "started") || fs::is_empty(apps / "started"))
-            if (std::chrono::steady_clock::now() > deadline) return "nothing";
         std::string build;
-        std::ifstream(apps / "started") >> build;
+        while (!(std::ifstream(apps / "started") >> build))
+            if (std::chrono::steady_clock::now() > deadline) return "nothing";
         return build;
     }
 
