@@ -40,10 +40,15 @@ struct Opinion {
     friend bool operator==(const Opinion&, const Opinion&) = default;
 };
 
+/// Between the minute before and this one nothing was judged: the computer slept.
+struct Rested {
+    friend bool operator==(const Rested&, const Rested&) = default;
+};
+
 /// What came to the core or out of it, in order. Of a trace's events those that a judgement can
 /// depend on: the settings (keys by rows, without names), the radio's state, the screen, input,
 /// what was answered of camera and microphone (without a name), and what somebody asked for.
-using Happening = std::variant<trace::Event, PhaseEntered, Opinion>;
+using Happening = std::variant<trace::Event, PhaseEntered, Opinion, Rested>;
 
 struct Event {
     TimePoint at;

@@ -16,14 +16,18 @@ Target& target() {
     return shared;
 }
 
+thread_local bool isSilent = false;
+
 } // namespace
 
 void Log::write(std::string_view message) {
+    if (isSilent) return;
     const std::lock_guard lock(target().mutex);
     if (target().destination != nullptr) target().destination->write(message);
 }
 
 void Log::say(const Message& message) {
+    if (isSilent) return;
     const std::lock_guard lock(target().mutex);
     if (target().destination != nullptr) target().destination->say(message);
 }
@@ -32,5 +36,9 @@ LogDestination* Log::setDestination(LogDestination* destination) {
     const std::lock_guard lock(target().mutex);
     return std::exchange(target().destination, destination);
 }
+
+LogSilence::LogSilence() : wasSilent_(std::exchange(isSilent, true)) {}
+
+LogSilence::~LogSilence() { isSilent = wasSilent_; }
 
 } // namespace wegslot

@@ -39,4 +39,18 @@ public:
     static LogDestination* setDestination(LogDestination* destination);
 };
 
+/// While it lives, nothing that its own thread writes is logged: what is only imagined did not
+/// happen.
+class LogSilence {
+public:
+    LogSilence();
+    ~LogSilence();
+
+    LogSilence(const LogSilence&) = delete;
+    LogSilence& operator=(const LogSilence&) = delete;
+
+private:
+    bool wasSilent_;
+};
+
 } // namespace wegslot

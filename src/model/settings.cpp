@@ -42,6 +42,13 @@ void Settings::reread() {
     visit([](auto& setting) { setting.reread(); });
 }
 
+void Settings::assign(const Preferences& values) {
+    visit([&values](auto& setting) {
+        const auto found = values.find(setting.name());
+        if (found != values.end()) setting.assign(found->second);
+    });
+}
+
 void Settings::addKey(const SeenDevice& device) {
     auto list = keys.get();
     if (std::ranges::any_of(list, [&](const KeyDevice& key) { return key.id == device.id; }))

@@ -37,6 +37,9 @@ public:
             std::visit([&look](const auto* setting) { look(*setting); }, any);
     }
 
+    /// Assigns each value that is named, in the order in which the settings stand below.
+    void assign(const Preferences& values);
+
     /// Adds `device` as a key, unless it is one. Its threshold starts 15 dB below the present
     /// signal (a body in between costs about that much), within -90 and -65 dBm.
     void addKey(const SeenDevice& device);

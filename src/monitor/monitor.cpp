@@ -10,6 +10,18 @@
 #include <utility>
 
 namespace wegslot {
+namespace {
+
+struct Do {
+    Monitor& monitor;
+
+    void operator()(const action::LockNow&) const { monitor.lockNow(); }
+    void operator()(const action::Resume&) const { monitor.resume(); }
+    void operator()(const action::CancelWarning&) const { monitor.cancelWarning(); }
+    void operator()(const action::Pause& pause) const { monitor.pause(pause.duration); }
+};
+
+} // namespace
 
 Monitor::Monitor(Settings& settings, KeySignals& signals, Platform platform,
                  std::unique_ptr<WarningHUD> hud)
@@ -126,6 +138,8 @@ void Monitor::take(const UserAction& action) {
     cause_ = PhaseCause::request;
     asked_.set(action);
 }
+
+void Monitor::ask(const UserAction& action) { std::visit(Do{*this}, action); }
 
 void Monitor::lockNow() {
     take(action::LockNow{});

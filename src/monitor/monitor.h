@@ -69,6 +69,9 @@ public:
     /// Each of the following four is told here before it is done.
     [[nodiscard]] const Observable<UserAction>& asked() const { return asked_; }
 
+    /// Does that one of them which is asked.
+    void ask(const UserAction& action);
+
     /// Locks at once, whatever the phase.
     void lockNow();
 

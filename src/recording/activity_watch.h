@@ -4,6 +4,7 @@
 
 #include "base/clock.h"
 #include "platform/activity_detector.h"
+#include "platform/input_watch.h"
 #include "trace/event.h"
 
 #include <optional>
@@ -17,24 +18,17 @@ public:
     /// How often it is meant to be asked: a touch is told at most so much late.
     static constexpr Nanoseconds interval = std::chrono::milliseconds{200};
 
-    /// Between two answers about one touch; touches that are closer together count as one.
-    static constexpr Nanoseconds jitter = std::chrono::milliseconds{10};
-
     /// What was touched before this is made is not told.
     ActivityWatch(ActivityDetector& activity, const Clock& clock)
         : activity_(activity),
-          clock_(clock),
-          toldUntil_(clock.now()) {}
+          inputs_(activity, clock) {}
 
     /// What has happened since it was asked last.
     [[nodiscard]] std::vector<trace::Event> changes();
 
 private:
-    [[nodiscard]] bool touched();
-
     ActivityDetector& activity_;
-    const Clock& clock_;
-    TimePoint toldUntil_; ///< every touch up to here is told
+    InputWatch inputs_;
     bool camera_ = false;
     std::optional<std::string> microphone_;
 };

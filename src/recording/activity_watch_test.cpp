@@ -143,7 +143,7 @@ TEST_F(ActivityWatchTest, AnAnswerThatWaversIsStillTheSameTouch) {
     stated.idle = 20ms;
     EXPECT_EQ(watched.changes().size(), 1U);
     time.advance(ActivityWatch::interval);
-    stated.idle = 20ms + ActivityWatch::interval - ActivityWatch::jitter;
+    stated.idle = 20ms + ActivityWatch::interval - InputWatch::jitter;
     EXPECT_TRUE(watched.changes().empty());
 }
 

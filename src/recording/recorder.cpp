@@ -1,25 +1,12 @@
 #include "recording/recorder.h"
 
 #include "log/log.h"
+#include "trace/settings_values.h"
 
-#include <limits>
 #include <utility>
 
 namespace wegslot {
 namespace {
-
-/// A value as a trace has it, which has to have every one.
-PreferenceValue traced(const auto& value) { return *stored(value); }
-
-PreferenceValue traced(const std::vector<KeyDevice>& keys) {
-    if (auto list = stored(keys)) return *std::move(list);
-    // A list may hold what no stored one can: no signal reaches a threshold that is no number.
-    std::vector<KeyDevice> writable = keys;
-    for (KeyDevice& key : writable)
-        if (!(key.threshold.value < std::numeric_limits<double>::max()))
-            key.threshold = Dbm{std::numeric_limits<double>::max()};
-    return stored(writable).value_or(Data{"[]"});
-}
 
 std::set<Uuid> idsOf(const std::vector<KeyDevice>& keys) {
     std::set<Uuid> ids;
@@ -81,16 +68,9 @@ void Recorder::followSettings() {
     settings.visit([this](const auto& setting) {
         subscriptions_.push_back(setting.onChange([this, &setting](const auto& value) {
             if (isRecording())
-                tell(trace::SettingsChange{{{std::string(setting.name()), traced(value)}}});
+                tell(trace::SettingsChange{{{std::string(setting.name()), trace::valueOf(value)}}});
         }));
     });
-}
-
-Preferences Recorder::preferences() const {
-    Preferences values;
-    model_.settings().visit(
-        [&values](const auto& setting) { values.emplace(setting.name(), traced(setting.get())); });
-    return values;
 }
 
 void Recorder::begin(Request request, CoreIs core) {
@@ -104,7 +84,7 @@ void Recorder::begin(Request request, CoreIs core) {
     model_.setLinkBeforeScanner(this);
     activityTimer_ = platform_.scheduler.every(ActivityWatch::interval, [this] { tellActivity(); });
     tell(trace::Start{platform_.clock.wallClock()}, now);
-    tell(trace::SettingsChange{preferences()}, now);
+    tell(trace::SettingsChange{trace::valuesOf(model_.settings())}, now);
     if (core == CoreIs::running) tellStanding(now);
     tellKnown(model_.scanner().watchedIDs(), now);
     tellActivity(now);

@@ -62,7 +62,6 @@ private:
     void tell(trace::Event event, std::optional<TimePoint> at = {});
     [[nodiscard]] TimePoint beforeJudgement() const;
     void tellKnown(const std::set<Uuid>& ids, std::optional<TimePoint> at = {});
-    [[nodiscard]] Preferences preferences() const;
 
     AppModel& model_;
     BluetoothCentral& radio_;

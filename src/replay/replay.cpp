@@ -17,23 +17,6 @@ Preferences overlaid(Preferences values, const Preferences& overrides, bool only
     return values;
 }
 
-// Assigns each value that is named, in the order in which the settings have them.
-void assign(Settings& settings, const Preferences& values) {
-    settings.visit([&values](auto& setting) {
-        const auto found = values.find(setting.name());
-        if (found != values.end()) setting.assign(found->second);
-    });
-}
-
-struct Ask {
-    Monitor& monitor;
-
-    void operator()(const action::LockNow&) const { monitor.lockNow(); }
-    void operator()(const action::Resume&) const { monitor.resume(); }
-    void operator()(const action::CancelWarning&) const { monitor.cancelWarning(); }
-    void operator()(const action::Pause& pause) const { monitor.pause(pause.duration); }
-};
-
 } // namespace
 
 // The core and the world that the trace plays around it.
@@ -84,7 +67,7 @@ struct Replay::Perform {
     void operator()(const trace::End&) const {}
 
     void operator()(const trace::SettingsChange& event) const {
-        assign(core.model.settings(), overlaid(event.value, overrides, true));
+        core.model.settings().assign(overlaid(event.value, overrides, true));
     }
 
     void operator()(const trace::RadioState& event) const {
@@ -158,9 +141,7 @@ struct Replay::Perform {
         core.model.scanner().setDiscoveryActive(event.value);
     }
 
-    void operator()(const trace::Action& event) const {
-        std::visit(Ask{core.model.monitor()}, event.value);
-    }
+    void operator()(const trace::Action& event) const { core.model.monitor().ask(event.value); }
 
     void operator()(const trace::Show& event) const {
         switch (event.value) {

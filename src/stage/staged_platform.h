@@ -35,7 +35,9 @@ public:
     explicit StagedActivity(const Clock& clock) : clock_(clock) {}
 
     /// The user touches keyboard or mouse now; before the first touch the idle time is unknown.
-    void touch() { lastInput_ = clock_.now(); }
+    void touch() { touchedAt(clock_.now()); }
+
+    void touchedAt(TimePoint at) { lastInput_ = at; }
 
     void setCamera(bool inUse) { camera_ = inUse; }
 

@@ -1,5 +1,6 @@
 // Hundreds of random lives of the core, each compared with the oracle at every event. Another
 // number of lives: WEGSLOT_LIVES. One life again, told: WEGSLOT_SEED.
+#include "tests/properties/how_many.h"
 #include "tests/properties/life.h"
 
 #include <gtest/gtest.h>
@@ -13,12 +14,6 @@
 using namespace wegslot;
 
 namespace {
-
-std::optional<std::uint64_t> environment(const char* name) {
-    const char* const text = std::getenv(name);
-    if (text == nullptr || *text == '\0') return std::nullopt;
-    return std::strtoull(text, nullptr, 10);
-}
 
 // What a hundred lives cannot miss, unless they have become too dull to prove anything.
 constexpr const char* expected[] = {"phase bluetoothUnavailable",
@@ -58,13 +53,13 @@ std::string story(std::uint64_t seed) {
 } // namespace
 
 TEST(Lives, KeepEveryInvariantAndDoWhatTheOracleDoes) {
-    if (const auto seed = environment("WEGSLOT_SEED")) {
+    if (const auto seed = environmentNumber("WEGSLOT_SEED")) {
         const std::string told = story(*seed);
         std::cout << "the end of life " << *seed << ":\n" << told;
         EXPECT_EQ(told.find("FAULT"), std::string::npos);
         return;
     }
-    const std::uint64_t count = environment("WEGSLOT_LIVES").value_or(300);
+    const std::uint64_t count = howManyLives(300);
     std::map<std::string, int> tally;
     for (std::uint64_t seed = 1; seed <= count; ++seed) {
         Life life(seed);

@@ -3,13 +3,13 @@
 #include "recording/recorder.h"
 #include "replay/replay.h"
 #include "replay/replay_output.h"
+#include "tests/properties/how_many.h"
 #include "tests/properties/life.h"
 #include "tests/support/world.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -20,11 +20,6 @@ using namespace wegslot;
 namespace {
 
 using Lines = std::vector<std::string>;
-
-std::uint64_t lives() {
-    const char* const text = std::getenv("WEGSLOT_LIVES");
-    return text == nullptr || *text == '\0' ? 60 : std::strtoull(text, nullptr, 10);
-}
 
 /// A duration as a trace has it.
 Seconds told(Seconds duration) {
@@ -146,7 +141,7 @@ Lines judgements(const Lines& lines) {
 } // namespace
 
 TEST(RecordedLives, AReplayDoesWhatTheCoreDid) {
-    for (std::uint64_t seed = 1; seed <= lives(); ++seed) {
+    for (std::uint64_t seed = 1; seed <= howManyLives(60); ++seed) {
         const Recorded life = recorded(seed, false);
         ASSERT_TRUE(life.faults.empty()) << "seed " << seed << ": " << life.faults.front();
         Replayed again = replayed(life.trace);
@@ -162,7 +157,7 @@ TEST(RecordedLives, AReplayDoesWhatTheCoreDid) {
 }
 
 TEST(RecordedLives, AnAnonymousOneIsJudgedTheSame) {
-    for (std::uint64_t seed = 1; seed <= lives(); ++seed) {
+    for (std::uint64_t seed = 1; seed <= howManyLives(60); ++seed) {
         const Recorded life = recorded(seed, true);
         const Replayed again = replayed(life.trace);
         ASSERT_EQ(again.fault, "") << "seed " << seed;
@@ -173,7 +168,7 @@ TEST(RecordedLives, AnAnonymousOneIsJudgedTheSame) {
 }
 
 TEST(RecordedLives, OneThatBeginsInTheMiddleIsAValidTrace) {
-    for (std::uint64_t seed = 1; seed <= lives(); ++seed) {
+    for (std::uint64_t seed = 1; seed <= howManyLives(60); ++seed) {
         const Recorded life = recorded(seed, seed % 2 == 0, static_cast<int>(20 + 7 * seed % 200));
         ASSERT_EQ(replayed(life.trace).fault, "") << "seed " << seed;
         std::istringstream lines(life.trace);

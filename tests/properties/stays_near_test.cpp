@@ -9,6 +9,7 @@
 // connection ended and that is not due at once.
 #include "core/app_model.h"
 #include "stage/staged_platform.h"
+#include "tests/properties/how_many.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/dice.h"
 #include "tests/support/fake_central.h"
@@ -16,7 +17,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <iostream>
 #include <numeric>
 #include <sstream>
@@ -310,10 +310,8 @@ private:
 
 /// `count` of them, or as many as the environment says, or the one that it names.
 std::vector<std::uint64_t> seeds(std::uint64_t count) {
-    const char* const one = std::getenv("WEGSLOT_SEED");
-    if (one != nullptr) return {std::strtoull(one, nullptr, 10)};
-    const char* const many = std::getenv("WEGSLOT_LIVES");
-    std::vector<std::uint64_t> seeds(many == nullptr ? count : std::strtoull(many, nullptr, 10));
+    if (const auto one = environmentNumber("WEGSLOT_SEED")) return {*one};
+    std::vector<std::uint64_t> seeds(howManyLives(count));
     std::iota(seeds.begin(), seeds.end(), 0);
     return seeds;
 }
