@@ -95,17 +95,15 @@ struct Standing {
     std::optional<TimePoint> input;
 
     void hear(const Event& event) {
-        const auto* const told = std::get_if<trace::Event>(&event.what);
-        if (told == nullptr) return;
-        if (const auto* const change = std::get_if<trace::SettingsChange>(told))
+        if (const auto* const change = event.as<trace::SettingsChange>())
             for (const auto& [name, value] : change->value)
                 settings.insert_or_assign(name, value);
-        if (const auto* const state = std::get_if<trace::RadioState>(told)) radio = state->state;
-        if (const auto* const session = std::get_if<trace::Session>(told))
+        if (const auto* const state = event.as<trace::RadioState>()) radio = state->state;
+        if (const auto* const session = event.as<trace::Session>())
             screenLocked = session->value == SessionEvent::locked;
-        if (const auto* const now = std::get_if<trace::Camera>(told)) camera = now->value;
-        if (const auto* const now = std::get_if<trace::Microphone>(told)) microphone = now->value;
-        if (std::holds_alternative<trace::Input>(*told)) input = event.at;
+        if (const auto* const now = event.as<trace::Camera>()) camera = now->value;
+        if (const auto* const now = event.as<trace::Microphone>()) microphone = now->value;
+        if (event.as<trace::Input>() != nullptr) input = event.at;
     }
 };
 
@@ -241,8 +239,7 @@ private:
             if (const auto* const told = std::get_if<trace::Event>(&event.what))
                 std::visit([this, instant, at](const auto& what) { perform(what, instant, at); },
                            *told);
-            if (const auto* const entered = std::get_if<PhaseEntered>(&event.what))
-                screen_.livedPhase(*entered);
+            if (const auto* const entered = event.phase()) screen_.livedPhase(*entered);
         }
     }
 

@@ -29,6 +29,11 @@ struct PhaseEntered {
     std::string reason; ///< the code of why, as others are told; empty where there is none
     PhaseCause cause = PhaseCause::judgement;
     std::optional<TimePoint> until; ///< the end of a pause, the deadline of a warning
+
+    [[nodiscard]] bool isJudgedLock() const {
+        return name == "locked" && cause == PhaseCause::judgement;
+    }
+
     friend bool operator==(const PhaseEntered&, const PhaseEntered&) = default;
 };
 
@@ -53,6 +58,16 @@ using Happening = std::variant<trace::Event, PhaseEntered, Opinion, Rested>;
 struct Event {
     TimePoint at;
     Happening what;
+
+    /// The event of a trace; null when it is another, or none.
+    template <typename Told>
+    [[nodiscard]] const Told* as() const {
+        const auto* const told = std::get_if<trace::Event>(&what);
+        return told == nullptr ? nullptr : std::get_if<Told>(told);
+    }
+
+    /// Null when it is none.
+    [[nodiscard]] const PhaseEntered* phase() const { return std::get_if<PhaseEntered>(&what); }
 };
 
 struct KeyMinute {

@@ -83,17 +83,12 @@ private:
                    stretch_.events[next].at <= stretch_.instants[i].at;
                  ++next) {
                 const Event& event = stretch_.events[next];
-                if (const auto* const entered = std::get_if<PhaseEntered>(&event.what))
-                    phase = entered->name;
-                isAsked |= event.at == stretch_.instants[i].at && isAction(event);
+                if (const auto* const entered = event.phase()) phase = entered->name;
+                isAsked |=
+                    event.at == stretch_.instants[i].at && event.as<trace::Action>() != nullptr;
             }
             stretch_.instants[i].isSettled = phase == "present" && !isAsked && allNear(i);
         }
-    }
-
-    [[nodiscard]] static bool isAction(const Event& event) {
-        const auto* const told = std::get_if<trace::Event>(&event.what);
-        return told != nullptr && std::holds_alternative<trace::Action>(*told);
     }
 
     [[nodiscard]] bool allNear(std::size_t i) const {
@@ -111,6 +106,17 @@ private:
 std::size_t Stretch::from(TimePoint at) const {
     const auto found = std::ranges::lower_bound(instants, at, {}, &Instant::at);
     return static_cast<std::size_t>(found - instants.begin());
+}
+
+Preferences Stretch::settingsAt(TimePoint at) const {
+    Preferences settings;
+    for (const Event& event : events) {
+        if (event.at > at) break;
+        if (const auto* const change = event.as<trace::SettingsChange>())
+            for (const auto& [name, value] : change->value)
+                settings.insert_or_assign(name, value);
+    }
+    return settings;
 }
 
 std::vector<Stretch> stretches(const std::vector<Minute>& minutes) {

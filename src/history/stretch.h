@@ -39,6 +39,9 @@ struct Stretch {
 
     /// The first instant that is not before `at`; the number of instants if there is none.
     [[nodiscard]] std::size_t from(TimePoint at) const;
+
+    /// All settings as they stood.
+    [[nodiscard]] Preferences settingsAt(TimePoint at) const;
 };
 
 /// One for each run of the program, in their order. Where some minutes lack within a run, as after

@@ -1,5 +1,5 @@
-// What Wegslot notes for itself beside the user's choices, and keeps where they are kept. Nothing
-// of it is a choice or decides anything in the core, so it is neither recorded nor replayed.
+// What is kept beside the settings of the core and decides nothing in it, so that it is neither
+// recorded nor replayed: what Wegslot notes for itself, and for how long it remembers.
 #pragma once
 
 #include "model/setting.h"
@@ -26,6 +26,10 @@ public:
     /// When Wegslot was switched off, in seconds since 1970 on the clock on the wall; 0 while it is
     /// on. Any double.
     Setting<Seconds> offSince{list_, "offSince", Seconds{0}};
+    /// For how many days the history is kept, 0 to 30; 0 keeps none. Any double.
+    Setting<double> historyDays{list_, "historyDays", 7};
+    /// The keys' numbers in it.
+    Setting<KeyRows> historyRows{list_, "historyRows", {}};
 };
 
 } // namespace wegslot

@@ -28,6 +28,8 @@ PreferenceValue read(const PreferencesStore& store, std::string_view name,
 
 std::optional<PreferenceValue> stored(bool value) { return value; }
 
+std::optional<PreferenceValue> stored(double value) { return value; }
+
 std::optional<PreferenceValue> stored(Seconds value) { return value.count(); }
 
 std::optional<PreferenceValue> stored(LockRule rule) { return std::string(storedText(rule)); }
@@ -38,6 +40,8 @@ std::optional<PreferenceValue> stored(const std::vector<KeyDevice>& keys) {
     return Data{*std::move(list)};
 }
 
+std::optional<PreferenceValue> stored(const KeyRows& rows) { return Data{encodeRows(rows)}; }
+
 template <>
 std::optional<bool> meaning(const PreferenceValue& value) {
     const bool* const chosen = std::get_if<bool>(&value);
@@ -45,9 +49,15 @@ std::optional<bool> meaning(const PreferenceValue& value) {
 }
 
 template <>
-std::optional<Seconds> meaning(const PreferenceValue& value) {
+std::optional<double> meaning(const PreferenceValue& value) {
     const double* const number = std::get_if<double>(&value);
-    return number == nullptr ? std::nullopt : std::optional(Seconds{*number});
+    return number == nullptr ? std::nullopt : std::optional(*number);
+}
+
+template <>
+std::optional<Seconds> meaning(const PreferenceValue& value) {
+    const auto number = meaning<double>(value);
+    return number ? std::optional(Seconds{*number}) : std::nullopt;
 }
 
 template <>
@@ -60,6 +70,12 @@ template <>
 std::optional<std::vector<KeyDevice>> meaning(const PreferenceValue& value) {
     const auto* const list = std::get_if<Data>(&value);
     return list == nullptr ? std::nullopt : decodeKeys(list->bytes);
+}
+
+template <>
+std::optional<KeyRows> meaning(const PreferenceValue& value) {
+    const auto* const rows = std::get_if<Data>(&value);
+    return rows == nullptr ? std::nullopt : decodeRows(rows->bytes);
 }
 
 } // namespace wegslot

@@ -5,6 +5,7 @@
 #include "base/observable.h"
 #include "base/time.h"
 #include "model/key_device.h"
+#include "model/key_rows.h"
 #include "model/lock_rule.h"
 #include "model/preferences_store.h"
 
@@ -19,10 +20,13 @@ namespace wegslot {
 // A value as a store holds it; nothing for what none can hold.
 
 [[nodiscard]] std::optional<PreferenceValue> stored(bool value);
+[[nodiscard]] std::optional<PreferenceValue> stored(double value);
 [[nodiscard]] std::optional<PreferenceValue> stored(Seconds value);
 [[nodiscard]] std::optional<PreferenceValue> stored(LockRule rule);
 /// Nothing for a list with a threshold that is no number.
 [[nodiscard]] std::optional<PreferenceValue> stored(const std::vector<KeyDevice>& keys);
+
+[[nodiscard]] std::optional<PreferenceValue> stored(const KeyRows& rows);
 
 /// What a stored value means; nothing when it is of another kind, or means nothing.
 template <typename T>
@@ -30,11 +34,15 @@ template <typename T>
 template <>
 std::optional<bool> meaning(const PreferenceValue& value);
 template <>
+std::optional<double> meaning(const PreferenceValue& value);
+template <>
 std::optional<Seconds> meaning(const PreferenceValue& value);
 template <>
 std::optional<LockRule> meaning(const PreferenceValue& value);
 template <>
 std::optional<std::vector<KeyDevice>> meaning(const PreferenceValue& value);
+template <>
+std::optional<KeyRows> meaning(const PreferenceValue& value);
 
 /// What `store` has under `name`, of the same kind as `like`.
 [[nodiscard]] PreferenceValue read(const PreferencesStore& store, std::string_view name,
@@ -44,8 +52,9 @@ template <typename T>
 class Setting;
 
 /// A setting of any kind there is.
-using AnySetting = std::variant<Setting<bool>*, Setting<Seconds>*, Setting<LockRule>*,
-                                Setting<std::vector<KeyDevice>>*>;
+using AnySetting =
+    std::variant<Setting<bool>*, Setting<double>*, Setting<Seconds>*, Setting<LockRule>*,
+                 Setting<std::vector<KeyDevice>>*, Setting<KeyRows>*>;
 
 /// All settings over one store, in the order in which they were made.
 struct SettingsList {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "base/time.h"
+#include "model/choice_range.h"
 #include "scanner/dbm.h"
 #include "ui/brand.h"
 
@@ -60,8 +61,8 @@ struct Stepper {
 
 /// Continuous, from `lowest` to `highest`.
 struct ThresholdSlider {
-    static constexpr Dbm lowest{-95};
-    static constexpr Dbm highest{-40};
+    static constexpr Dbm lowest = thresholdChoice.lowest;
+    static constexpr Dbm highest = thresholdChoice.highest;
 
     Dbm value;
 

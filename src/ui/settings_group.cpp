@@ -73,13 +73,13 @@ SettingsGroup settingsGroup(const Settings& settings, bool isOpen, bool launchAt
 DelayRange rangeOf(Delay delay) {
     switch (delay) {
     case Delay::awayDelay:
-        return {Seconds{2}, Seconds{60}, Seconds{1}};
+        return awayDelayChoice;
     case Delay::lostTimeout:
-        return {Seconds{5}, Seconds{120}, Seconds{5}};
+        return lostTimeoutChoice;
     case Delay::warningSeconds:
         break;
     }
-    return {Seconds{3}, Seconds{30}, Seconds{1}};
+    return warningSecondsChoice;
 }
 
 Setting<Seconds>& settingOf(Settings& settings, Delay delay) {

@@ -2,6 +2,7 @@
 // The list always has the same parts in the same places; parts that are not shown say so.
 #pragma once
 
+#include "model/choice_range.h"
 #include "model/settings.h"
 #include "ui/panel_parts.h"
 #include "ui/update_presentation.h"
@@ -32,11 +33,7 @@ struct SettingsGroup {
                                           const UpdateFacts& update);
 
 /// What a stepper goes through.
-struct DelayRange {
-    Seconds lowest;
-    Seconds highest;
-    Seconds step;
-};
+using DelayRange = ChoiceRange<Seconds>;
 
 [[nodiscard]] DelayRange rangeOf(Delay delay);
 

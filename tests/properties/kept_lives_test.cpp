@@ -33,7 +33,7 @@ struct Entered {
 std::vector<Entered> lived(const Stretch& stretch, std::size_t from) {
     std::vector<Entered> phases;
     for (const Event& event : stretch.events)
-        if (const auto* const entered = std::get_if<PhaseEntered>(&event.what))
+        if (const auto* const entered = event.phase())
             if (from == 0 || event.at > stretch.instants[from].at)
                 phases.push_back({event.at, entered->name, entered->cause});
     return phases;

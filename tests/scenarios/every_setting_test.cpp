@@ -2,6 +2,7 @@
 // who wants to type it finds it in the manual.
 
 #include "base/text.h"
+#include "model/remembered.h"
 #include "recording/recorder.h"
 #include "tests/support/world.h"
 #include "trace/reader.h"
@@ -18,6 +19,8 @@ namespace {
 
 bool another(bool value) { return !value; }
 
+double another(double value) { return value + 1; }
+
 Seconds another(Seconds value) { return value + Seconds{1.5}; }
 
 LockRule another(LockRule rule) {
@@ -27,6 +30,11 @@ LockRule another(LockRule rule) {
 std::vector<KeyDevice> another(std::vector<KeyDevice> keys) {
     keys.push_back(keyNamed("Sleutel", 1 + static_cast<unsigned>(keys.size())));
     return keys;
+}
+
+KeyRows another(KeyRows rows) {
+    rows.emplace(numbered(static_cast<unsigned>(rows.size())), static_cast<int>(rows.size()) + 1);
+    return rows;
 }
 
 /// As a person types it.
@@ -61,10 +69,7 @@ Preferences replayed(const std::vector<std::string>& lines) {
         EXPECT_TRUE(read) << line;
         const auto* const change = std::get_if<trace::SettingsChange>(&read->event);
         if (change == nullptr) continue;
-        settings.visit([change](auto& setting) {
-            const auto found = change->value.find(setting.name());
-            if (found != change->value.end()) setting.assign(found->second);
-        });
+        settings.assign(change->value);
     }
     return store.values();
 }
@@ -105,11 +110,15 @@ TEST_F(EverySetting, ThatWasChangedBeforeARecordingReadsBackAsItWas) {
 
 TEST(Manual, ListsEveryPreferenceWithItsDefaultAndNoOtherInBothLanguages) {
     std::vector<std::string> rows;
+    Preferences defaults;
+    Remembered::addDefaults(defaults);
     Settings::specimen().visit([&rows](const auto& setting) {
         rows.push_back("| `" + std::string(setting.name()) + "` | `" +
                        std::visit(Typed{}, setting.byDefault()) + "`");
     });
-    rows.push_back("| `lockCommand` | –"); // read at the start only, so no setting
+    // Neither decides anything in the core.
+    rows.push_back("| `historyDays` | `" + std::visit(Typed{}, defaults.at("historyDays")) + "`");
+    rows.push_back("| `lockCommand` | –"); // read at the start only
     EXPECT_EQ(rowsOf("gebruik.md", "voorkeur"), rows);
     EXPECT_EQ(rowsOf("using.md", "preference"), rows);
 }
