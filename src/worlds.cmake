@@ -13,11 +13,12 @@ wegslot_module(file_log THREADED
 
 wegslot_module(files_linux
   FILES
-    files/linux/file_content.cpp files/linux/file_content.h files/linux/own_file.cpp
+    files/linux/file_content.cpp files/linux/file_content.h files/linux/made_private.cpp
+    files/linux/made_private.h files/linux/own_file.cpp
     files/linux/own_file.h files/linux/replace_file.cpp files/linux/replace_file.h
   TESTS
-    files/linux/file_content_test.cpp files/linux/own_file_test.cpp
-    files/linux/replace_file_test.cpp)
+    files/linux/file_content_test.cpp files/linux/made_private_test.cpp
+    files/linux/own_file_test.cpp files/linux/replace_file_test.cpp)
 
 wegslot_module(identity_linux
   FILES

@@ -1,6 +1,7 @@
 #include "identity/linux/identities_file.h"
 
 #include "base/system_error.h"
+#include "files/linux/made_private.h"
 #include "files/linux/replace_file.h"
 #include "identity/linux/secret_text.h"
 #include "identity/stored_identities.h"
@@ -18,10 +19,6 @@ namespace wegslot {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr mode_t ownerOnly = 0600;
-constexpr mode_t folderOfOwner = 0700;
-constexpr mode_t everything = 07777;
 
 /// In bytes: as many as there may be, with long names.
 constexpr std::size_t largestFile = 64 << 10U;
@@ -41,16 +38,6 @@ public:
 private:
     int number_;
 };
-
-/// What a folder or file of this user's is made to be; why it is not, 0 where it is.
-int madePrivate(int descriptor, mode_t kind, mode_t rights) {
-    struct stat facts {};
-    if (fstat(descriptor, &facts) != 0) return errno;
-    if ((facts.st_mode & S_IFMT) != kind) return EINVAL;
-    if (facts.st_uid != geteuid()) return EPERM;
-    const mode_t unwanted = facts.st_mode & everything & ~rights;
-    return unwanted == 0 || fchmod(descriptor, rights) == 0 ? 0 : errno;
-}
 
 bool isOneOf(std::span<const Uuid> ids, const Uuid& id) {
     return std::ranges::find(ids, id) != ids.end();
@@ -80,7 +67,7 @@ Result<KnownIdentities> IdentitiesFile::read() {
     const Descriptor file(open(file_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     if (!file.isOpen() && errno == ENOENT) return KnownIdentities(&memory_);
     if (!file.isOpen()) return trouble(systemError(errno));
-    if (const int error = madePrivate(file.number(), S_IFREG, ownerOnly))
+    if (const int error = madePrivate(file.number(), S_IFREG, fileOfOwner))
         return trouble(systemError(error));
     auto text = secretText(file.number(), largestFile, memory_, [](auto) { return false; });
     if (!text) return trouble(systemError(errno));
@@ -114,7 +101,7 @@ std::optional<Failure> IdentitiesFile::change(std::span<const Uuid> gone,
 }
 
 std::optional<Failure> IdentitiesFile::write(const KnownIdentities& all) const {
-    const int error = replaceFile(file_, encodeIdentities(all, memory_), ownerOnly);
+    const int error = replaceFile(file_, encodeIdentities(all, memory_), fileOfOwner);
     return error == 0 ? std::nullopt : std::optional(trouble(systemError(error)));
 }
 
