@@ -11,7 +11,7 @@
 
 namespace wegslot::trace {
 
-/// Ends the reading of a line. Thrown and caught within the reader of traces only.
+/// Ends the reading of a line. Caught by what reads, which makes a failure of it.
 struct Invalid {
     std::string message;
 };

@@ -53,15 +53,24 @@ Nanoseconds time(const JsonNode& node) {
     return std::chrono::seconds{seconds} + std::chrono::milliseconds{milliseconds};
 }
 
-trace::Line line(std::string_view written) {
+JsonNode tree(std::string_view written) {
     if (written.find_first_not_of(" \t\r") == std::string_view::npos) fail("lege regel");
-    const auto tree = parseJson(written);
-    if (!tree) fail("geen geldige JSON");
-    Fields fields(*tree, "de regel");
+    auto parsed = parseJson(written);
+    if (!parsed) fail("geen geldige JSON");
+    return *std::move(parsed);
+}
+
+trace::Event onlyEvent(Fields& fields) {
+    const auto [name, node] = fields.only();
+    return trace::readEvent(name, *node);
+}
+
+trace::Line line(std::string_view written) {
+    const JsonNode root = tree(written);
+    Fields fields(root, "de regel");
     trace::Line line;
     line.time = time(fields.required("t"));
-    const auto [name, node] = fields.only();
-    line.event = readEvent(name, *node);
+    line.event = onlyEvent(fields);
     return line;
 }
 
@@ -92,13 +101,23 @@ Result<trace::Line> TraceReader::read(std::string_view text) {
     }
 }
 
+Result<trace::Event> readEvent(std::string_view text) {
+    try {
+        const JsonNode root = tree(text);
+        Fields fields(root, "de gebeurtenis");
+        return onlyEvent(fields);
+    } catch (const Invalid& invalid) {
+        return Failure{invalid.message};
+    }
+}
+
 Result<PreferenceValue> readPreference(std::string_view name, std::string_view value) {
     try {
-        const auto tree = parseJson(value).value_or(JsonNode{std::string(value)});
+        const auto node = parseJson(value).value_or(JsonNode{std::string(value)});
         std::optional<PreferenceValue> read;
         Settings::specimen().visit([&](const auto& setting) {
             if (setting.name() != name) return;
-            read = trace::readPreference(setting.byDefault(), name, tree);
+            read = trace::readPreference(setting.byDefault(), name, node);
             checkMeaning(setting, *read);
         });
         if (!read) fail("onbekende waarde " + jsonString(name) + " van voorkeur");

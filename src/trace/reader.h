@@ -27,6 +27,9 @@ private:
     Position position_ = Position::beginning;
 };
 
+/// Reads an event alone: an object of one member, a line without its time.
+Result<trace::Event> readEvent(std::string_view text);
+
 /// Reads `value` as the preference `name` of a settings line: JSON, or else a bare text.
 Result<PreferenceValue> readPreference(std::string_view name, std::string_view value);
 

@@ -77,6 +77,17 @@ TEST(TraceReader, WhatIsNoObjectIsRefused) {
     EXPECT_EQ(fault("{"), "geen geldige JSON");
 }
 
+TEST(TraceReader, AnEventAloneHasNoTime) {
+    EXPECT_TRUE(readEvent(R"({"input":true})"));
+    for (const auto& [text, fault] :
+         {std::pair{R"({"t":0,"input":true})", "twee gebeurtenissen: \"t\" en \"input\""},
+          {"{}", "geen gebeurtenis"},
+          {"", "lege regel"},
+          {"[]", "de gebeurtenis is geen object"},
+          {R"({"input":false})", "input kan alleen true zijn"}})
+        EXPECT_EQ(readEvent(text).failure().message, fault);
+}
+
 TEST(TraceReader, OnlyAStartAndTheFirstSettingsAreSetUp) {
     TraceReader reader;
     EXPECT_TRUE(reader.read(R"({"t":0,"start":"2026-11-15T23:50:00Z"})"));

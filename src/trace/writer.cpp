@@ -155,19 +155,27 @@ std::string seconds(Nanoseconds time) {
     return text;
 }
 
+Put& addEvent(Put& object, const Event& event) {
+    return std::visit(
+        [&object](const auto& kind) -> Put& {
+            Put fields;
+            kind.fields(kind, fields);
+            return object.add(kind.word, fields.value());
+        },
+        event);
+}
+
 } // namespace
 
 std::string written(const trace::Line& line) {
-    return std::visit(
-        [&line](const auto& event) {
-            Put fields;
-            event.fields(event, fields);
-            Put whole;
-            whole.add("t", seconds(line.time));
-            whole.add(event.word, fields.value());
-            return whole.value() + "\n";
-        },
-        line.event);
+    Put whole;
+    whole.add("t", seconds(line.time));
+    return addEvent(whole, line.event).value() + "\n";
+}
+
+std::string written(const trace::Event& event) {
+    Put whole;
+    return addEvent(whole, event).value();
 }
 
 } // namespace wegslot
