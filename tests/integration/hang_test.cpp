@@ -2,6 +2,7 @@
 // nobody reads, files that are somebody else's or mistyped.
 
 #include "scanner/bluez/device_id.h"
+#include "tests/support/hanging_disk.h"
 #include "tests/support/look_alike.h"
 #include "tests/support/look_alike_bluez.h"
 #include "tests/support/own_home.h"
@@ -17,7 +18,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
@@ -110,36 +110,6 @@ int fullPipe(const std::string& file) {
     }
     return end;
 }
-
-/// A disk with one file whose content cannot be changed, nor that be refused, until it is ended.
-class HangingDisk {
-public:
-    HangingDisk() {
-        if (geteuid() != 0) return;
-        server_.emplace(Program::Start{.words = {HANGING_DISK, folder_.path().string()}});
-        isThere_ = becomesTrue([this] { return says("ready"); });
-    }
-    HangingDisk(const HangingDisk&) = delete;
-    HangingDisk& operator=(const HangingDisk&) = delete;
-    ~HangingDisk() { end(); }
-
-    void end() {
-        if (!isThere_) return;
-        isThere_ = false;
-        server_->stop();
-        umount2(folder_.path().c_str(), MNT_DETACH);
-    }
-    [[nodiscard]] bool isThere() const { return isThere_; }
-    [[nodiscard]] bool says(const std::string& text) const {
-        return server_->output().find(text) != std::string::npos;
-    }
-    [[nodiscard]] std::string file() const { return (folder_.path() / "file").string(); }
-
-private:
-    TemporaryFolder folder_;
-    std::optional<Program> server_;
-    bool isThere_ = false;
-};
 
 /// Somebody who asks for a recording into `file`; they hang themselves once they let go of it.
 pid_t recordInto(const std::string& file, const std::string& address) {
