@@ -31,6 +31,18 @@ wegslot_module(identity_linux
     identity/linux/secret_text_test.cpp
   USES base files_linux identity)
 
+wegslot_module(history_linux THREADED
+  FILES
+    history/linux/database.cpp history/linux/database.h history/linux/history_file.cpp
+    history/linux/history_file.h history/linux/history_file_read.cpp
+    history/linux/history_writer.cpp history/linux/history_writer.h history/linux/place.cpp
+    history/linux/place.h history/linux/schema.cpp history/linux/schema.h
+  TESTS
+    history/linux/history_faults_test.cpp history/linux/history_file_test.cpp
+    history/linux/history_writer_test.cpp
+  USES base files_linux history line_threads log
+  LIBRARIES PkgConfig::SQLITE)
+
 wegslot_module(preferences_file
   FILES model/linux/preferences_file.cpp model/linux/preferences_file.h
   TESTS model/linux/preferences_file_test.cpp
