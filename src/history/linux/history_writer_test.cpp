@@ -119,11 +119,8 @@ TEST_F(HistoryWriterTest, OnlyItsUserMayReadItOrLookIntoItsFolder) {
 }
 
 TEST_F(HistoryWriterTest, RightsThatOthersHadAreTakenBack) {
-    fs::create_directory(file.parent_path());
-    for (const char* const ending : {"", "-wal"}) {
-        std::ofstream{beside(ending)};
-        fs::permissions(beside(ending), fs::perms::all);
-    }
+    KeepingWriter(file).keep(minute(0));
+    fs::permissions(file, fs::perms::all);
     fs::permissions(file.parent_path(), fs::perms::all);
     KeepingWriter writer(file);
     writer.keep(minute(0));
