@@ -7,9 +7,8 @@
 namespace wegslot::control {
 namespace {
 
-/// Without what it carries.
 template <std::size_t... index>
-std::optional<Phase> phaseNamed(const std::string& wanted, std::index_sequence<index...>) {
+std::optional<Phase> phaseNamed(std::string_view wanted, std::index_sequence<index...>) {
     std::optional<Phase> found;
     const auto consider = [&](Phase phase) {
         if (name(phase) == wanted) found = std::move(phase);
@@ -43,11 +42,15 @@ struct Complete {
 
 } // namespace
 
+std::optional<Phase> phaseNamed(std::string_view name) {
+    return phaseNamed(name, std::make_index_sequence<std::variant_size_v<Phase>>{});
+}
+
 std::optional<Message> toldPhase(const std::string& name, const Reason& reason,
                                  std::optional<std::int64_t> pausedUntil,
                                  const ClockTime& wallTime) {
     if (reason.code.empty()) return std::nullopt;
-    auto phase = phaseNamed(name, std::make_index_sequence<std::variant_size_v<Phase>>{});
+    auto phase = phaseNamed(name);
     if (!phase || !std::visit(Complete{reason, pausedUntil}, *phase)) return std::nullopt;
     return text(*phase, wallTime);
 }

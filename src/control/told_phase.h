@@ -7,8 +7,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace wegslot::control {
+
+/// The phase of that name, without what it carries.
+[[nodiscard]] std::optional<Phase> phaseNamed(std::string_view name);
 
 /// The text of the phase of that name. Nothing for what is not known here: then there is only the
 /// text that came with it. `wallTime` writes instants of the clock on the wall.
