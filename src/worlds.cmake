@@ -252,6 +252,19 @@ wegslot_module(coupling_qt
   USES base coupling scanner settings brand panel brand_qt icons_qt panel_qt
   LIBRARIES Qt6::Widgets)
 
+wegslot_module(insight_qt
+  FILES
+    insight/qt/chosen_view.cpp insight/qt/chosen_view.h insight/qt/event_list.cpp
+    insight/qt/event_list.h insight/qt/insight_window.cpp insight/qt/insight_window.h
+    insight/qt/legend_view.cpp insight/qt/legend_view.h insight/qt/local_zone.cpp
+    insight/qt/local_zone.h insight/qt/look.cpp insight/qt/look.h
+    insight/qt/surroundings.h insight/qt/timeline_painter.cpp insight/qt/timeline_painter.h
+    insight/qt/timeline_view.cpp insight/qt/timeline_view.h
+  TESTS insight/qt/local_zone_test.cpp
+  USES base brand brand_qt desktop_qt icons_qt insight monitor panel panel_qt phase_presentation
+    widgets_qt
+  LIBRARIES Qt6::Widgets)
+
 wegslot_module(x11_tray_qt
   FILES ui/qt/x11_tray.cpp ui/qt/x11_tray.h
   TESTS ui/qt/x11_tray_test.cpp
