@@ -29,6 +29,7 @@ public:
         since_ = std::max(since_, wall);
     }
     void takeUp(TimePoint wall) { since_ = std::max(since_, wall); }
+    void forget() { now_.reset(); }
 
     /// What is outside of `day` is cut off.
     [[nodiscard]] std::vector<Stretch<T>> within(const Span& day) const {
@@ -67,6 +68,8 @@ private:
     void hear(const Minute& minute);
     void judge(const Minute& minute, std::size_t number);
     void isKnown(TimePoint wall, std::int64_t run);
+    void begin(std::int64_t run);
+    void takeOpinions(const Minute& minute);
     void follow(TimePoint wall);
     void rest(TimePoint wall);
     [[nodiscard]] std::vector<Lane> lanes();
@@ -77,8 +80,9 @@ private:
     std::map<history::Row, GrowingLane> lanes_;
     Course<std::string> phase_;
     std::vector<Span> unknown_;
-    std::optional<TimePoint> known_; ///< until when, on the wall
-    std::int64_t run_ = 0;
+    std::optional<TimePoint> known_;      ///< until when, on the wall
+    std::int64_t run_ = 0;                ///< of what is known
+    std::optional<std::int64_t> lastRun_; ///< that something was told of
 };
 
 void Growing::rest(TimePoint wall) {
@@ -91,15 +95,15 @@ void Growing::rest(TimePoint wall) {
 
 /// Something is known of this instant: what was not known before it ends here.
 void Growing::isKnown(TimePoint wall, std::int64_t run) {
+    const TimePoint before = known_.value_or(sources_.day.from);
     const bool isOtherRun = known_ && run != run_;
-    const bool isGap = known_ && (isOtherRun || wall - *known_ > longestSilence);
-    if (isGap) {
+    const bool isGap = isOtherRun || wall - before > longestSilence;
+    if (known_ && isGap) {
         rest(*known_);
         chronicle_.lost();
-        if (isOtherRun) phase_.tell(*known_, std::nullopt);
     }
+    if (isGap) unknown_.push_back({before, wall});
     if (isGap || !known_) {
-        unknown_.push_back({known_.value_or(sources_.day.from), wall});
         for (auto& [row, lane] : lanes_)
             lane.threshold.takeUp(wall);
         phase_.takeUp(wall);
@@ -141,25 +145,45 @@ void Growing::follow(TimePoint wall) {
     if (!chronicle_.phase().empty()) phase_.tell(wall, chronicle_.phase());
 }
 
+/// Another run knows nothing of the one before.
+void Growing::begin(std::int64_t run) {
+    if (std::exchange(lastRun_, run) == run) return;
+    chronicle_.ended();
+    // How long it lasted nobody knows: as far as something is known, if anything is.
+    if (known_) phase_.rest(*known_);
+    phase_.forget();
+}
+
 void Growing::take(const Minute& minute) {
-    if (known_ && minute.run != run_) chronicle_.ended();
-    hear(minute);
+    const TimePoint wall = later(minute.start, minute.wallOffset);
+    if (wall >= sources_.day.to) return takeOpinions(minute);
+    begin(minute.run);
+    // Of long before the day counts only what was set and entered.
+    const bool isOfTheDay = later(wall, Minute::length + longestSilence) >= sources_.day.from;
+    const std::size_t judgements = isOfTheDay ? minute.judged.size() : 0;
+    if (isOfTheDay) hear(minute);
     std::size_t number = 0;
     for (const history::Event& event : minute.events) {
         // An instant is judged after what came in at it, and before what came of it.
         const bool isOutcome = std::holds_alternative<history::PhaseEntered>(event.what);
-        while (number < minute.judged.size() && (minute.judged[number] < event.at ||
-                                                 (isOutcome && minute.judged[number] == event.at)))
+        while (number < judgements && (minute.judged[number] < event.at ||
+                                       (isOutcome && minute.judged[number] == event.at)))
             judge(minute, number++);
         chronicle_.at(event.at, minute);
         chronicle_.happened(event.what);
+        const auto* const told = std::get_if<trace::Event>(&event.what);
         const bool isSetting =
-            std::holds_alternative<trace::Event>(event.what) &&
-            std::holds_alternative<trace::SettingsChange>(std::get<trace::Event>(event.what));
+            told != nullptr && std::holds_alternative<trace::SettingsChange>(*told);
         if (isOutcome || isSetting) follow(later(event.at, minute.wallOffset));
     }
-    while (number < minute.judged.size())
+    while (number < judgements)
         judge(minute, number++);
+}
+
+/// Of after the day counts only what its user thought of it since.
+void Growing::takeOpinions(const Minute& minute) {
+    for (const history::Event& event : minute.events)
+        if (std::holds_alternative<history::Opinion>(event.what)) chronicle_.happened(event.what);
 }
 
 std::vector<Lane> Growing::lanes() {
@@ -186,7 +210,8 @@ void Growing::addUnknown(Timeline& timeline) const {
         timeline.unknown.push_back(span);
     }
     const TimePoint known = std::max(known_.value_or(day.from), day.from);
-    if (known < day.to) timeline.unknown.push_back({known, day.to});
+    const bool isWhole = !known_ || known <= day.from;
+    if (isWhole || day.to - known > longestSilence) timeline.unknown.push_back({known, day.to});
     for (const Span& span : timeline.unknown) {
         const Message text = span == day         ? message("Van deze dag is niets bewaard")
                              : span.to == day.to ? message("Hierna is niets bekend")

@@ -238,6 +238,41 @@ TEST_F(TimelineTest, NothingIsKnownAfterMoreThanTenSecondsWithoutAJudgement) {
                                            {{nine + 20s + 1ns, nine + 21s}, phase::Present{}}}));
 }
 
+TEST_F(TimelineTest, ADayThatIsKnownFromEndToEndHasNoGaps) {
+    const auto unknownWith = [this](Nanoseconds first, Nanoseconds last) {
+        minutes().clear();
+        for (TimePoint at = start + first; at < day.to - last; at += 10s)
+            judge(at, {});
+        judge(day.to - last, {});
+        return timeline().unknown;
+    };
+    EXPECT_TRUE(unknownWith(0s, 1s).empty());
+    EXPECT_TRUE(unknownWith(10s, 10s).empty());
+    EXPECT_EQ(unknownWith(10s + 1ns, 10s), (std::vector<Span>{{start, start + 10s + 1ns}}));
+    EXPECT_EQ(unknownWith(10s, 10s + 1ns), (std::vector<Span>{{day.to - 10s - 1ns, day.to}}));
+}
+
+TEST_F(TimelineTest, ThePhaseOfARunEndsWithIt) {
+    setKeys(start - 5h, {{1, -75}});
+    enter(start - 5h, "present", "keyNear");
+    begin(2);
+    judge(nine, nine + 5s, {{1, KeyState::near}});
+    const Timeline seen = timeline();
+    EXPECT_TRUE(seen.phases.empty());
+    EXPECT_EQ(seen.lanes.at(0).thresholds, // which the settings keep
+              (std::vector<Stretch<Dbm>>{{{nine, nine + 4s}, Dbm{-75}}}));
+}
+
+TEST_F(TimelineTest, WhatComesAfterTheDayIsNotOfIt) {
+    judge(nine, nine + 5s, {});
+    enter(nine, "present", "keyNear");
+    enter(day.to, "locked", "lockAsked", PhaseCause::request);
+    judge(day.to, day.to + 5s, {});
+    const Timeline seen = timeline();
+    EXPECT_EQ(seen.phases, (std::vector<Stretch<Phase>>{{{nine, nine + 4s}, phase::Present{}}}));
+    EXPECT_EQ(seen.unknown, (std::vector<Span>{{start, nine}, {nine + 4s, day.to}}));
+}
+
 TEST_F(TimelineTest, ADayOfWhichNothingIsKeptSaysSo) {
     setKeys(start - 1h, {{1, -75}});
     const Timeline seen = timeline();
