@@ -209,9 +209,9 @@ void Growing::addUnknown(Timeline& timeline) const {
         if (span.from >= span.to) continue;
         timeline.unknown.push_back(span);
     }
-    const TimePoint known = std::max(known_.value_or(day.from), day.from);
-    const bool isWhole = !known_ || known <= day.from;
-    if (isWhole || day.to - known > longestSilence) timeline.unknown.push_back({known, day.to});
+    const TimePoint last = std::max(known_.value_or(day.from), day.from);
+    const bool isWhole = !known_ || last <= day.from;
+    if (isWhole || day.to - last > longestSilence) timeline.unknown.push_back({last, day.to});
     for (const Span& span : timeline.unknown) {
         const Message text = span == day         ? message("Van deze dag is niets bewaard")
                              : span.to == day.to ? message("Hierna is niets bekend")
