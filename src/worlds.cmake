@@ -35,12 +35,13 @@ wegslot_module(history_linux THREADED
   FILES
     history/linux/database.cpp history/linux/database.h history/linux/history_file.cpp
     history/linux/history_file.h history/linux/history_file_read.cpp
-    history/linux/history_writer.cpp history/linux/history_writer.h history/linux/place.cpp
+    history/linux/history_writer.cpp history/linux/history_writer.h
+    history/linux/kept_history.cpp history/linux/kept_history.h history/linux/place.cpp
     history/linux/place.h history/linux/schema.cpp history/linux/schema.h
   TESTS
     history/linux/history_faults_test.cpp history/linux/history_file_test.cpp
     history/linux/history_writer_test.cpp
-  USES base files_linux history line_threads log
+  USES base files_linux history line_threads log monitor platform scanner settings
   LIBRARIES PkgConfig::SQLITE)
 
 wegslot_module(preferences_file
@@ -173,6 +174,12 @@ wegslot_module(hud_linux
     hud/linux/warning_sound.cpp hud/linux/warning_sound.h
   USES base hud dbus monitor
   LIBRARIES PkgConfig::CANBERRA Threads::Threads)
+
+wegslot_module(background_qt
+  FILES base/qt/qt_background.cpp base/qt/qt_background.h
+  TESTS base/qt/qt_background_test.cpp
+  USES base
+  LIBRARIES Qt6::Core)
 
 wegslot_module(brand_qt
   FILES ui/qt/brand_qt.cpp ui/qt/brand_qt.h
@@ -322,9 +329,8 @@ if(WEGSLOT_UPDATES)
   wegslot_module(update_qt
     FILES
       update/qt/curl_http_client.cpp update/qt/curl_http_client.h update/qt/curl_library.cpp
-      update/qt/curl_library.h update/qt/qt_background.cpp update/qt/qt_background.h
+      update/qt/curl_library.h
       update/qt/web_address.cpp update/qt/web_address.h
-    TESTS update/qt/qt_background_test.cpp
     USES base update
     LIBRARIES Qt6::Core)
   # Its declarations alone: it is loaded when it is first needed.
@@ -332,7 +338,7 @@ if(WEGSLOT_UPDATES)
 
   wegslot_module(real_updates_web
     FILES app/qt/real_updates.cpp
-    USES real_updates app_linux dbus update update_linux update_qt
+    USES real_updates app_linux background_qt dbus update update_linux update_qt
     LIBRARIES Qt6::Core)
   set(real_updates real_updates_web)
 else()
@@ -345,7 +351,7 @@ wegslot_module(app_qt
     app/qt/appearance.h app/qt/application.cpp app/qt/application.h app/qt/bus_pump.cpp
     app/qt/bus_pump.h app/qt/check.cpp app/qt/check.h app/qt/coupling_assistant.cpp
     app/qt/coupling_assistant.h app/qt/demo_windows.h app/qt/display.cpp
-    app/qt/display.h app/qt/menu_panel.cpp app/qt/menu_panel.h
+    app/qt/display.h app/qt/insight.cpp app/qt/insight.h app/qt/menu_panel.cpp app/qt/menu_panel.h
     app/qt/qt_descriptors.cpp app/qt/qt_descriptors.h
     app/qt/qt_scheduler.cpp app/qt/qt_scheduler.h app/qt/real_world.cpp
     app/qt/real_world.h app/qt/running_application.cpp app/qt/running_application.h
@@ -353,7 +359,7 @@ wegslot_module(app_qt
     app/qt/terminal.cpp app/qt/terminal.h app/qt/termination.cpp app/qt/termination.h app/qt/warning.cpp app/qt/warning.h
   TESTS app/qt/display_test.cpp app/qt/qt_loop_test.cpp
   USES
-    base coupling coupling_bluez file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
+    background_qt history history_linux insight insight_qt     base coupling coupling_bluez file_log identity identity_linux log line_threads random_uuid settings preferences_file files_linux scanner monitor hud hud_linux
     hud_qt app_model app_commands dbus bluez platform platform_linux idle_linux media_linux app_linux control_linux brand tray
     ui_linux icons_qt x11_qt x11_tray_qt desktop_qt phase_presentation update real_updates panel panel_qt
     ui_ports control coupling coupling_bluez coupling_linux coupling_qt foreign_descriptor recording recording_linux stage

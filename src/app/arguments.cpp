@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 namespace wegslot {
 namespace {
@@ -49,6 +50,52 @@ Result<Command> coupleAfter(const std::vector<std::string_view>& words, std::siz
     return Command{couple};
 }
 
+/// The word after the one at `index`, which then is there.
+Result<std::string> valueAfter(const std::vector<std::string_view>& words, std::size_t& index,
+                               const Message& missing) {
+    if (index + 1 == words.size() || words[index + 1].starts_with('-')) return Failure{missing};
+    return std::string(words[++index]);
+}
+
+/// `why [--at TIME] [--last N]`
+Result<Command> whyAfter(const std::vector<std::string_view>& words, std::size_t& index) {
+    command::Why why;
+    while (index + 1 < words.size() &&
+           (words[index + 1] == "--at" || words[index + 1] == "--last")) {
+        const bool isTime = words[++index] == "--at";
+        const auto value = valueAfter(words, index,
+                                      isTime ? message("%1 verwacht een tijd", {"--at"})
+                                             : message("%1 verwacht een aantal", {"--last"}));
+        if (!value) return value.failure();
+        if (isTime) {
+            why.at = *value;
+            continue;
+        }
+        const auto [end, error] =
+            std::from_chars(value->data(), value->data() + value->size(), why.last);
+        if (error != std::errc{} || end != value->data() + value->size() || why.last == 0)
+            return Failure{message("%1: geen aantal: %2", {"--last", *value})};
+    }
+    return Command{std::move(why)};
+}
+
+/// `history [--since TIME] [--csv | --clear]`
+Result<Command> historyAfter(const std::vector<std::string_view>& words, std::size_t& index) {
+    command::History history;
+    while (index + 1 < words.size()) {
+        const std::string_view word = words[index + 1];
+        if (word != "--csv" && word != "--clear" && word != "--since") break;
+        ++index;
+        history.csv |= word == "--csv";
+        history.clear |= word == "--clear";
+        if (word != "--since") continue;
+        auto value = valueAfter(words, index, message("%1 verwacht een tijd", {"--since"}));
+        if (!value) return value.failure();
+        history.since = *std::move(value);
+    }
+    return Command{std::move(history)};
+}
+
 /// A word that adds to a command and asks for nothing by itself.
 struct Addition {
     std::string_view word;
@@ -63,6 +110,12 @@ bool setOption(Command& command) {
     return kind != nullptr;
 }
 
+bool setJson(Command& command) {
+    return setOption<command::Check, &command::Check::json>(command) ||
+           setOption<command::Why, &command::Why::json>(command) ||
+           setOption<command::History, &command::History::json>(command);
+}
+
 template <bool command::Recording::*option>
 bool setOfRecording(Command& command) {
     auto* const run = std::get_if<command::Run>(&command);
@@ -74,7 +127,7 @@ bool setOfRecording(Command& command) {
 constexpr std::array additions{
     Addition{"--others", "--devices", setOption<command::Devices, &command::Devices::others>},
     Addition{"--lock", "--check", setOption<command::Check, &command::Check::lock>},
-    Addition{"--json", "--check", setOption<command::Check, &command::Check::json>},
+    Addition{"--json", "--check", setJson},
     Addition{"--anonymous", "--record", setOfRecording<&command::Recording::anonymous>},
     Addition{"--force", "--record", setOfRecording<&command::Recording::force>}};
 
@@ -134,6 +187,12 @@ Result<std::optional<Command>> commandOf(const std::vector<std::string_view>& wo
         auto couple = coupleAfter(words, index);
         if (!couple) return couple.failure();
         return std::optional<Command>(*std::move(couple));
+    }
+    if (word == "insight") return std::optional<Command>(command::Insight{});
+    if (word == "why" || word == "history") {
+        auto command = word == "why" ? whyAfter(words, index) : historyAfter(words, index);
+        if (!command) return command.failure();
+        return std::optional<Command>(*std::move(command));
     }
     if (word == "--same-as")
         return Failure{message("%1 hoort bij %2", {"--same-as", "--add-irk NAAM"})};
@@ -235,6 +294,18 @@ Een draaiend Wegslot iets vragen:
   pause DUUR            pauzeer: 15m, 90s, 1,5u, 2h, of een aantal seconden;
                         van 1 s tot 4 uur
   resume                hervat
+
+Nagaan waarom (ook als Wegslot niet draait):
+  why [--at TIJD] [--last N] [--json]
+                        zeg van de laatste waarschuwing, lock of pauze, of van
+                        die rond die tijd, wat Wegslot van je sleutels hoorde
+                        en welke ene instelling het anders had gemaakt; de tijd
+                        als 12:31, 2026-11-22 of "2026-11-22 12:31"
+  history [--since TIJD] [--json | --csv]
+                        toon wat er sinds die tijd bewaard is, en anders van
+                        de laatste dag
+  history --clear       wis wat er bewaard is
+  insight               open het venster dat het laat zien
 
 Bijwerken:
   --update-now          zoek meteen naar een nieuwere versie en installeer die;

@@ -6,6 +6,7 @@
 #include "control/request.h"
 #include "coupling/step.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -56,6 +57,21 @@ struct AddIdentity {
 struct Couple {
     std::optional<coupling::Kind> kind; ///< what it is, as far as that is said
 };
+/// Explain the last decisions, or the one nearest to a time, from what is kept.
+struct Why {
+    std::string at; ///< as it was typed; empty for the last
+    std::size_t last = 1;
+    bool json = false;
+};
+/// Print what is kept, or forget it.
+struct History {
+    std::string since; ///< as it was typed; empty for the last day
+    bool json = false;
+    bool csv = false;
+    bool clear = false;
+};
+/// The window over what is kept.
+struct Insight {};
 /// Ask a Wegslot that runs.
 struct Ask {
     control::Request request;
@@ -71,7 +87,8 @@ struct Snapshot {
 using Command =
     std::variant<command::Run, command::Demo, command::Help, command::Version, command::Devices,
                  command::Keys, command::Check, command::AddKey, command::RemoveKey,
-                 command::AddIdentity, command::Couple, command::Ask, command::Snapshot>;
+                 command::AddIdentity, command::Couple, command::Why, command::History,
+                 command::Insight, command::Ask, command::Snapshot>;
 
 /// Reads the words after the program's name. A failure is one line for the user.
 Result<Command> parseArguments(const std::vector<std::string_view>& typed);

@@ -167,6 +167,37 @@ TEST(Arguments, AnIdentityIsAddedUnderANameAndMayBeThatOfABond) {
     EXPECT_EQ(fault({"--add-irk", "a", "--keys"}), "--keys gaat niet samen met --add-irk");
 }
 
+TEST(Arguments, WhyMayNameATimeOrANumber) {
+    const auto why = [](const std::vector<std::string_view>& words) {
+        return std::get<command::Why>(*parseArguments(words));
+    };
+    EXPECT_EQ(why({"why"}).last, 1U);
+    EXPECT_EQ(why({"why"}).at, "");
+    EXPECT_EQ(why({"why", "--at", "12:31"}).at, "12:31");
+    EXPECT_EQ(why({"why", "--last", "3", "--json"}).last, 3U);
+    EXPECT_TRUE(why({"why", "--last", "3", "--json"}).json);
+    EXPECT_TRUE(why({"--json", "why"}).json);
+    EXPECT_EQ(fault({"why", "--at"}), "--at verwacht een tijd");
+    EXPECT_EQ(fault({"why", "--last", "--json"}), "--last verwacht een aantal");
+    for (const char* const number : {"0", "x", "1x", "99999999999999999999999"})
+        EXPECT_EQ(fault({"why", "--last", number}), "--last: geen aantal: " + std::string(number));
+    EXPECT_EQ(fault({"why", "12:31"}), "onbekend woord 12:31 (zie --help)");
+}
+
+TEST(Arguments, TheHistoryIsShownOrCleared) {
+    const auto history = [](const std::vector<std::string_view>& words) {
+        return std::get<command::History>(*parseArguments(words));
+    };
+    EXPECT_FALSE(history({"history"}).clear);
+    EXPECT_EQ(history({"history", "--since", "2026-11-22", "--csv"}).since, "2026-11-22");
+    EXPECT_TRUE(history({"history", "--since", "2026-11-22", "--csv"}).csv);
+    EXPECT_TRUE(history({"history", "--json"}).json);
+    EXPECT_TRUE(history({"history", "--clear"}).clear);
+    EXPECT_EQ(fault({"history", "--since"}), "--since verwacht een tijd");
+    EXPECT_TRUE(asksFor<command::Insight>({"insight"}));
+    EXPECT_EQ(fault({"insight", "why"}), "why gaat niet samen met insight");
+}
+
 TEST(Arguments, AnythingElseIsNamedInOneLine) {
     EXPECT_EQ(fault({"--onzin"}), "onbekende schakelaar --onzin (zie --help)");
     EXPECT_EQ(fault({"onzin"}), "onbekend woord onzin (zie --help)");

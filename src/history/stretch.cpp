@@ -17,6 +17,15 @@ bool follows(const Minute& minute, const Minute& before) {
            });
 }
 
+/// Judging needs all settings; of what was before, some may have been forgotten.
+bool tellsHowThingsStand(const Minute& minute) {
+    return std::ranges::any_of(minute.events, [](const Event& event) {
+        const auto* const change = event.as<trace::SettingsChange>();
+        return change != nullptr && change->value.contains("keys") &&
+               change->value.contains("rule");
+    });
+}
+
 /// Replays the samples of one key in step with the instants.
 struct Listener {
     Row row;
@@ -122,6 +131,10 @@ Preferences Stretch::settingsAt(TimePoint at) const {
 std::vector<Stretch> stretches(const std::vector<Minute>& minutes) {
     std::vector<Stretch> found;
     for (auto minute = minutes.begin(); minute != minutes.end();) {
+        if (!tellsHowThingsStand(*minute)) {
+            ++minute;
+            continue;
+        }
         Joining joining;
         const Minute* before = nullptr;
         for (; minute != minutes.end() && (before == nullptr || follows(*minute, *before));

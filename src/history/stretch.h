@@ -44,8 +44,8 @@ struct Stretch {
     [[nodiscard]] Preferences settingsAt(TimePoint at) const;
 };
 
-/// One for each run of the program, in their order. Where some minutes lack within a run, as after
-/// a full disk, another one begins.
+/// One for each run of the program, in their order, from where its settings are known. Where some
+/// minutes lack within a run, as after a full disk, another one begins.
 [[nodiscard]] std::vector<Stretch> stretches(const std::vector<Minute>& minutes);
 
 } // namespace wegslot::history

@@ -40,6 +40,8 @@ public:
 
     void operator()(const trace::Event& event);
     void operator()(const history::PhaseEntered& phase);
+    /// What nobody knows of shows by itself.
+    void operator()(const history::Rested& /*rested*/) {}
     void operator()(const history::Opinion& opinion) { opinions_.push_back(opinion); }
 
 private:

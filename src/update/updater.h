@@ -3,10 +3,10 @@
 // are told. It knows neither network nor disk.
 #pragma once
 
+#include "base/background.h"
 #include "base/observable.h"
 #include "base/scheduler.h"
 #include "update/app_control.h"
-#include "update/background.h"
 #include "update/bundle_info.h"
 #include "update/http_client.h"
 #include "update/installer.h"

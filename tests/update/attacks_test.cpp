@@ -2,12 +2,12 @@
 // each attempt has its message, and changes nothing. The updater with its real client, installer
 // and tools, against a real server.
 
+#include "base/qt/qt_background.h"
 #include "tests/support/captured_log.h"
 #include "tests/support/fake_updates.h"
 #include "tests/update/published_update.h"
 #include "update/linux/linux_installer.h"
 #include "update/qt/curl_http_client.h"
-#include "update/qt/qt_background.h"
 
 #include <QCoreApplication>
 

@@ -36,6 +36,8 @@ fs::path configuration() { return folderOf("XDG_CONFIG_HOME", ".config"); }
 
 fs::path data() { return folderOf("XDG_DATA_HOME", ".local/share"); }
 
+fs::path state() { return folderOf("XDG_STATE_HOME", ".local/state"); }
+
 fs::path temporary() {
     std::error_code unusable;
     const fs::path folder = fs::temp_directory_path(unusable);

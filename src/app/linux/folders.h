@@ -14,6 +14,8 @@ namespace wegslot::folders {
 [[nodiscard]] std::filesystem::path home();
 [[nodiscard]] std::filesystem::path configuration();
 [[nodiscard]] std::filesystem::path data();
+/// For what outlasts a restart and is no loss elsewhere.
+[[nodiscard]] std::filesystem::path state();
 
 /// For files that may be gone tomorrow: TMPDIR, or /tmp where that is no folder.
 [[nodiscard]] std::filesystem::path temporary();

@@ -2,16 +2,19 @@
 
 #include "app/coupling_terminal.h"
 #include "app/demo.h"
+#include "app/history_commands.h"
 #include "app/identity_adder.h"
 #include "app/key_commands.h"
 #include "app/linux/folders.h"
 #include "app/linux/instance_lock.h"
 #include "app/linux/standard_input.h"
+#include "app/local_time.h"
 #include "app/qt/bus_pump.h"
 #include "app/qt/check.h"
 #include "app/qt/coupling_assistant.h"
 #include "app/qt/demo_windows.h"
 #include "app/qt/display.h"
+#include "app/qt/insight.h"
 #include "app/qt/qt_scheduler.h"
 #include "app/qt/real_world.h"
 #include "app/qt/running_application.h"
@@ -24,6 +27,7 @@
 #include "control/linux/control_client.h"
 #include "core/app_model.h"
 #include "dbus/forgeries.h"
+#include "history/linux/history_file.h"
 #include "hud/hidden_hud.h"
 #include "identity/linux/asked_identity.h"
 #include "log/linux/file_log.h"
@@ -42,6 +46,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -180,6 +185,20 @@ struct Execute {
                           });
         return QCoreApplication::exec();
     }
+    /// A time that somebody typed, or none.
+    [[nodiscard]] Result<std::optional<TimePoint>> asked(const std::string& typed,
+                                                         const char* option) const {
+        if (typed.empty()) return std::optional<TimePoint>();
+        const auto time = typedTime(typed, clock.wallClock());
+        if (!time) return Failure{message("%1: geen tijd: %2", {option, typed})};
+        return time;
+    }
+    [[nodiscard]] static fs::path historyFile() {
+        return history::HistoryFile::pathUnder(folders::state());
+    }
+    [[nodiscard]] std::map<history::Row, std::string> names() const {
+        return keyNames(Settings(preferences), Remembered(preferences));
+    }
     int operator()(const command::RemoveKey& command) const {
         Settings settings(preferences);
         LockedMemory secrets;
@@ -188,6 +207,39 @@ struct Execute {
         const PastedKeys pasted(settings, identities, file, scheduler,
                                 PastedKeys::WithoutKey::kept);
         return said(removeKey(settings, command.id, [this] { return preferences.flush(); }));
+    }
+    int operator()(const command::Why& why) const {
+        const auto at = asked(why.at, "--at");
+        if (!at) return complain(at.failure().message.translated());
+        const auto minutes = history::HistoryFile::readAll(historyFile());
+        if (!minutes) return complain(minutes.failure().message.translated());
+        const auto lines = whyLines(*minutes, why, *at, readerOf(names()));
+        if (!lines) return complain(lines.failure().message.translated());
+        for (const std::string& line : *lines)
+            printLine(line);
+        return EXIT_SUCCESS;
+    }
+    int operator()(const command::History& history) const {
+        if (history.clear) {
+            const auto failure = history::HistoryFile::remove(historyFile());
+            return failure ? complain(failure->message.translated()) : EXIT_SUCCESS;
+        }
+        const auto since = asked(history.since, "--since");
+        if (!since) return complain(since.failure().message.translated());
+        const TimePoint now = clock.wallClock();
+        const TimePoint aDayAgo = later(now, -std::chrono::hours{24});
+        const auto minutes = history::HistoryFile::read(historyFile(), since->value_or(aDayAgo),
+                                                        later(now, std::chrono::hours{24}));
+        if (!minutes) return complain(minutes.failure().message.translated());
+        printHistory(*minutes, history, readerOf(names()), printLine);
+        return EXIT_SUCCESS;
+    }
+    int operator()(const command::Insight&) const {
+        if (!hasDisplay(displayEnvironment()))
+            return complain(translated("er is geen scherm voor een venster"));
+        const ComplainingLog complaints;
+        const Insight window(scheduler, clock, historyFile(), names());
+        return QCoreApplication::exec();
     }
     // Answered before there is a loop.
     int operator()(const auto&) const { return EXIT_SUCCESS; }
@@ -279,6 +331,7 @@ std::vector<fs::path> lockFolders(const fs::path& preferences) {
 /// The application object that the command needs: for a picture there need be no screen.
 std::unique_ptr<QCoreApplication> applicationFor(const Command& command, int& argc, char** argv) {
     if (std::holds_alternative<command::Run>(command) ||
+        std::holds_alternative<command::Insight>(command) ||
         std::holds_alternative<command::Demo>(command))
         return windowedApplication(argc, argv);
     if (std::holds_alternative<command::Snapshot>(command))
@@ -309,6 +362,9 @@ int runApplication(const Command& command, const BundleInfo& program, int& argc,
     // These look on, beside a Wegslot that runs.
     if (std::holds_alternative<command::Check>(command) ||
         std::holds_alternative<command::Keys>(command) ||
+        std::holds_alternative<command::Why>(command) ||
+        std::holds_alternative<command::History>(command) ||
+        std::holds_alternative<command::Insight>(command) ||
         std::holds_alternative<command::Snapshot>(command)) {
         std::optional<ComplainingLog> complaints;
         if (std::holds_alternative<command::Check>(command)) complaints.emplace();

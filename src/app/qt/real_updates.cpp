@@ -1,11 +1,11 @@
 #include "app/qt/real_updates.h"
 
 #include "app/linux/folders.h"
+#include "base/qt/qt_background.h"
 #include "update/linux/desktop_control.h"
 #include "update/linux/linux_installer.h"
 #include "update/linux/own_bundle.h"
 #include "update/qt/curl_http_client.h"
-#include "update/qt/qt_background.h"
 
 #include <QCoreApplication>
 

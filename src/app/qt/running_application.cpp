@@ -24,6 +24,12 @@ std::filesystem::path ownProgram() {
     return std::filesystem::canonical("/proc/self/exe", unknown);
 }
 
+/// 1 and more, in 24 bits: nobody has so many keys that two are likely to be alike.
+int randomNumber() {
+    const Uuid id = randomUuid();
+    return 1 + (id.bytes[0] * 256 + id.bytes[1]) * 256 + id.bytes[2];
+}
+
 void quit() { QCoreApplication::quit(); }
 
 } // namespace
@@ -31,12 +37,14 @@ void quit() { QCoreApplication::quit(); }
 RunningApplication::RunningApplication(const Setting& setting)
     : setting_(setting),
       world_(setting.scheduler, setting.clock),
+      activity_(world_.platform.activity),
       updates_(world_.sessionBus),
       model_([this] {
           return AppModel::Surroundings{
               .preferences = setting_.preferences,
               .central = world_.central,
-              .platform = world_.platform,
+              .platform = {setting_.clock, setting_.scheduler, world_.platform.session, activity_,
+                           world_.platform.lock},
               .makeHud =
                   [this] { return warning(world_.sessionBus, setting_.clock, setting_.scheduler); },
               .bundle = updates_.program().value_or(setting_.program),
@@ -47,10 +55,19 @@ RunningApplication::RunningApplication(const Setting& setting)
                   setting.preferences.fault().get() ? PastedKeys::WithoutKey::kept
                                                     : PastedKeys::WithoutKey::forgotten),
       recorder_(model_, world_.platform, randomUuid, setting.recording),
+      remembered_(setting.preferences),
+      history_({.settings = model_.settings(),
+                .scanner = model_.scanner(),
+                .monitor = model_.monitor(),
+                .clock = setting_.clock,
+                .session = world_.platform.session,
+                .activity = activity_,
+                .remembered = remembered_,
+                .file = history::HistoryFile::pathUnder(folders::state()),
+                .draw = randomNumber}),
       appearance_(world_.sessionBus),
       loginItem_(folders::autostart(), ownProgram(), folders::variable("XDG_CURRENT_DESKTOP"),
                  world_.processes),
-      remembered_(setting.preferences),
       switchedOff_(model_.settings(), remembered_, setting.clock),
       opener_(world_.processes),
       assistant_(world_.couplingRadio, model_, appearance_, setting.clock, setting.scheduler,

@@ -12,6 +12,8 @@
 #include "control/linux/activation.h"
 #include "control/linux/control_service.h"
 #include "core/app_model.h"
+#include "history/linux/kept_history.h"
+#include "history/noted_activity.h"
 #include "hud/linux/notice.h"
 #include "identity/pasted_keys.h"
 #include "model/linux/preferences_file.h"
@@ -66,13 +68,15 @@ private:
 
     Setting setting_;
     RealWorld world_;
+    history::NotedActivity activity_;
     RealUpdates updates_;
     AppModel model_;
     PastedKeys pastedKeys_;
     Recorder recorder_; ///< at once after the model: it comes before whoever uses the monitor
+    Remembered remembered_;
+    history::KeptHistory history_;
     Appearance appearance_;
     AutostartItem loginItem_;
-    Remembered remembered_;
     SwitchedOff switchedOff_;
     DesktopOpener opener_;
     CouplingAssistant assistant_;

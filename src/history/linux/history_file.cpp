@@ -117,8 +117,8 @@ HistoryFile::HistoryFile(std::filesystem::path file, int days)
 
 HistoryFile::~HistoryFile() { orders_->end(); }
 
-std::filesystem::path HistoryFile::pathUnder(const std::filesystem::path& data) {
-    return data / "wegslot" / "history.db";
+std::filesystem::path HistoryFile::pathUnder(const std::filesystem::path& state) {
+    return state / "wegslot" / "history.db";
 }
 
 void HistoryFile::keep(Minute minute) {

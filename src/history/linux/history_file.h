@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace wegslot::history {
@@ -29,8 +30,11 @@ public:
     /// Waits until all is written, for a second at most; a disk that hangs is left behind.
     ~HistoryFile() override;
 
-    /// "wegslot/history.db" under the user's folder for data.
-    [[nodiscard]] static std::filesystem::path pathUnder(const std::filesystem::path& data);
+    /// "wegslot/history.db" under the user's folder for state.
+    [[nodiscard]] static std::filesystem::path pathUnder(const std::filesystem::path& state);
+
+    /// Removes all that was kept there, also while another process keeps it, which begins anew.
+    [[nodiscard]] static std::optional<Failure> remove(const std::filesystem::path& file);
 
     /// All that one of these keeps is one run: one more than the highest that the file had, instead
     /// of what the minute says. Instants are kept to the millisecond, rounded down.
@@ -49,6 +53,14 @@ public:
     /// anywhere, in another process too; waits for the disk.
     [[nodiscard]] static Result<std::vector<Minute>> read(const std::filesystem::path& file,
                                                           TimePoint fromWall, TimePoint untilWall);
+
+    /// All of it.
+    [[nodiscard]] static Result<std::vector<Minute>> readAll(const std::filesystem::path& file);
+
+    /// The first and the last instant of what is kept, by the clock on the wall; nothing where
+    /// nothing is.
+    [[nodiscard]] static Result<std::optional<std::pair<TimePoint, TimePoint>>>
+    kept(const std::filesystem::path& file);
 
     /// Adds to a run what is said of it, now or later: its instant is that of the run's own clock.
     /// Otherwise as `read`. Where nothing of the run was kept, a failure.

@@ -1,6 +1,7 @@
 #include "history/linux/history_file.h"
 
 #include "history/happening_text.h"
+#include "history/linux/place.h"
 #include "history/linux/schema.h"
 #include "history/packed.h"
 
@@ -112,6 +113,24 @@ Result<std::vector<Minute>> HistoryFile::read(const fs::path& file, TimePoint fr
     }
 }
 
+Result<std::vector<Minute>> HistoryFile::readAll(const fs::path& file) {
+    return read(file, TimePoint::min() + 2 * Minute::length, TimePoint::max() - 2 * Minute::length);
+}
+
+Result<std::optional<std::pair<TimePoint, TimePoint>>> HistoryFile::kept(const fs::path& file) {
+    using Kept = std::optional<std::pair<TimePoint, TimePoint>>;
+    try {
+        auto database = openedAsItIs(file, patienceToRead);
+        if (!database || database->number("SELECT count(*) FROM minutes") == 0) return Kept{};
+        const auto first = instantOf(database->number("SELECT min(wall) FROM minutes"));
+        const auto last = instantOf(database->number("SELECT max(wall) FROM minutes"));
+        database->trust();
+        return Kept{{first, last}};
+    } catch (const Fault& fault) {
+        return Failure{message("Geschiedenis niet te lezen: %1: %2", {file.string(), fault.words})};
+    }
+}
+
 std::optional<Failure> HistoryFile::keepOpinion(const fs::path& file, std::int64_t run,
                                                 const Event& opinion) {
     const auto failed = [&file](const Message& words) {
@@ -135,6 +154,16 @@ std::optional<Failure> HistoryFile::keepOpinion(const fs::path& file, std::int64
         return std::nullopt;
     } catch (const Fault& fault) {
         return failed(fault.words);
+    }
+}
+
+std::optional<Failure> HistoryFile::remove(const fs::path& file) {
+    try {
+        removeAll(file);
+        return std::nullopt;
+    } catch (const Fault& fault) {
+        return Failure{
+            message("Geschiedenis niet te verwijderen: %1: %2", {file.string(), fault.words})};
     }
 }
 

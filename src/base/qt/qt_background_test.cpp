@@ -1,4 +1,4 @@
-#include "update/qt/qt_background.h"
+#include "base/qt/qt_background.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Long work on a thread of Qt's pool; what follows it on the thread that asked, by its event loop.
 #pragma once
 
-#include "update/background.h"
+#include "base/background.h"
 
 #include <QObject>
 #include <QThreadPool>
