@@ -53,7 +53,7 @@ Keeper::Keeper(Surroundings surroundings)
         around_.monitor.phase().onChange([this](const Phase& next) { phaseEntered(next); }));
 }
 
-Keeper::~Keeper() { setKeeping(false); }
+Keeper::~Keeper() { setKeeping(false); } // NOLINT(bugprone-exception-escape)
 
 void Keeper::setKeeping(bool keeps) {
     if (std::exchange(keeps_, keeps) == keeps) return;
@@ -69,6 +69,7 @@ PreferenceValue Keeper::value(const auto& setting) const { return trace::valueOf
 
 PreferenceValue Keeper::value(const std::vector<KeyDevice>& keys) const {
     std::vector<KeyDevice> nameless;
+    nameless.reserve(keys.size());
     for (const KeyDevice& key : keys)
         nameless.push_back({.id = idOf(around_.rowOf(key.id)),
                             .name = {},

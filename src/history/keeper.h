@@ -36,7 +36,7 @@ public:
     explicit Keeper(Surroundings surroundings);
 
     /// Hands over the minute so far.
-    ~Keeper();
+    ~Keeper(); // NOLINT(bugprone-exception-escape)
 
     Keeper(const Keeper&) = delete;
     Keeper& operator=(const Keeper&) = delete;

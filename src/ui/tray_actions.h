@@ -32,7 +32,8 @@ struct TrayActions {
     std::function<void(Seconds)> pause;
     std::function<void()> pauseUntilMorning;
     std::function<void()> resume;
-    std::function<void()> couple; ///< opens the window for it
+    std::function<void()> couple;  ///< opens the window for it
+    std::function<void()> insight; ///< opens that window
     std::function<void()> quit;
 };
 

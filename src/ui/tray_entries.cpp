@@ -13,6 +13,7 @@ std::vector<TrayEntry> trayEntries(const TrayActions& actions) {
             {message("Pauzeer 1 uur"), pausing(Seconds{3600})},
             {message("Pauzeer tot 06:00"), actions.pauseUntilMorning},
             {message("Apparaat koppelen"), actions.couple},
+            {message("Inzicht"), actions.insight},
             {message("Stop"), actions.quit}};
 }
 

@@ -20,17 +20,19 @@ TEST(TrayEntries, EachDoesWhatItSays) {
          .pauseUntilMorning = note("morning"),
          .resume = note("resume"),
          .couple = note("couple"),
+         .insight = note("insight"),
          .quit = note("quit")});
     std::vector<std::string> labels;
     for (const TrayEntry& entry : entries) {
         labels.push_back(entry.label.builtIn());
         entry.action();
     }
-    EXPECT_EQ(labels, (std::vector<std::string>{"Open Wegslot", "Nu locken", "Hervat",
-                                                "Pauzeer 15 minuten", "Pauzeer 1 uur",
-                                                "Pauzeer tot 06:00", "Apparaat koppelen", "Stop"}));
+    EXPECT_EQ(labels,
+              (std::vector<std::string>{"Open Wegslot", "Nu locken", "Hervat", "Pauzeer 15 minuten",
+                                        "Pauzeer 1 uur", "Pauzeer tot 06:00", "Apparaat koppelen",
+                                        "Inzicht", "Stop"}));
     EXPECT_EQ(done, (std::vector<std::string>{"open", "lock", "resume", "900", "3600", "morning",
-                                              "couple", "quit"}));
+                                              "couple", "insight", "quit"}));
 }
 
 TEST(TrayEntries, OnlyAPauseCanBeResumed) {

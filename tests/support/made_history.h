@@ -63,6 +63,7 @@ public:
     /// The keys, with their thresholds.
     void setKeys(TimePoint at, const std::vector<std::pair<history::Row, double>>& keys) {
         std::vector<KeyDevice> list;
+        list.reserve(keys.size());
         for (const auto& [row, threshold] : keys)
             list.push_back({.id = history::idOf(row),
                             .name = {},

@@ -90,7 +90,7 @@ TEST_F(TrayMenuTest, HasItsEntries) {
     const std::string whole = "0:children-display=submenu [1:label=Open Wegslot] "
                               "[2:label=Nu locken] [4:label=Pauzeer 15 minuten] "
                               "[5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] "
-                              "[7:label=Apparaat koppelen] [8:label=Stop]";
+                              "[7:label=Apparaat koppelen] [8:label=Inzicht] [9:label=Stop]";
     EXPECT_EQ(layout(0, -1), whole);
     EXPECT_EQ(layout(0, 1), whole);
 }
@@ -113,7 +113,7 @@ TEST_F(TrayMenuTest, APauseCanBeEndedThereAndTheDesktopIsToldToReadTheMenuAnew) 
     EXPECT_EQ(layout(0, -1, "label"),
               "0: [1:label=Open Wegslot] [2:label=Nu locken] [3:label=Hervat] "
               "[4:label=Pauzeer 15 minuten] [5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] "
-              "[7:label=Apparaat koppelen] [8:label=Stop]");
+              "[7:label=Apparaat koppelen] [8:label=Inzicht] [9:label=Stop]");
     EXPECT_EQ(revision, 2U);
     EXPECT_EQ(event(3, "clicked"), "");
     item->show(near);
@@ -127,10 +127,10 @@ TEST_F(TrayMenuTest, AClickHitsWhatWasReadThoughTheMenuIsAnotherByThen) {
     item->show(paused);
     layout(0, -1);
     item->show(near);
-    for (const int id : {3, 4, 5, 6, 7, 8})
+    for (const int id : {3, 4, 5, 6, 7, 8, 9})
         EXPECT_EQ(event(id, "clicked"), "") << id;
     EXPECT_EQ(done, (Texts{"resume", "pause 900", "pause 3600", "pause until morning", "couple",
-                           "quit"}));
+                           "insight", "quit"}));
 }
 
 TEST_F(TrayMenuTest, GivesAsMuchAsIsAskedFor) {
@@ -139,25 +139,25 @@ TEST_F(TrayMenuTest, GivesAsMuchAsIsAskedFor) {
     EXPECT_EQ(layout(0, -1, "label"),
               "0: [1:label=Open Wegslot] [2:label=Nu locken] [4:label=Pauzeer 15 minuten] "
               "[5:label=Pauzeer 1 uur] [6:label=Pauzeer tot 06:00] [7:label=Apparaat koppelen] "
-              "[8:label=Stop]");
-    EXPECT_EQ(layout(0, -1, "icon-data"), "0: [1:] [2:] [4:] [5:] [6:] [7:] [8:]");
-    for (const int unknown : {-1, 9, 1000000})
+              "[8:label=Inzicht] [9:label=Stop]");
+    EXPECT_EQ(layout(0, -1, "icon-data"), "0: [1:] [2:] [4:] [5:] [6:] [7:] [8:] [9:]");
+    for (const int unknown : {-1, 10, 1000000})
         EXPECT_EQ(layout(unknown, -1), invalid) << unknown;
 }
 
 TEST_F(TrayMenuTest, EachEntryActsOncePerClick) {
     EXPECT_EQ(event(1, "clicked"), "");
     EXPECT_EQ(event(2, "clicked"), "");
-    EXPECT_EQ(event(8, "clicked"), "");
+    EXPECT_EQ(event(9, "clicked"), "");
     EXPECT_EQ(event(2, "clicked"), "");
     EXPECT_EQ(done, (Texts{"open menu ", "lock", "quit", "lock"}));
 }
 
 TEST_F(TrayMenuTest, EachClickIsLoggedWithWhoMadeIt) {
     const CapturedLog log;
-    event(8, "clicked");
-    event(8, "hovered");
-    eventGroup({{2, "clicked"}, {9, "clicked"}});
+    event(9, "clicked");
+    event(9, "hovered");
+    eventGroup({{2, "clicked"}, {10, "clicked"}});
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
     const std::string who = " gekozen in het menu van het icoon, gevraagd door bus_tests (" + self;
     ASSERT_EQ(log.messages.size(), 2U);
@@ -167,14 +167,14 @@ TEST_F(TrayMenuTest, EachClickIsLoggedWithWhoMadeIt) {
 
 TEST_F(TrayMenuTest, OnlyClicksAct) {
     for (const char* const what : {"hovered", "opened", "closed", "", "Clicked"})
-        for (const int id : {0, 1, 2, 3, 4, 5, 6, 7, 8})
+        for (const int id : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9})
             EXPECT_EQ(event(id, what), "") << what;
     EXPECT_EQ(event(0, "clicked"), "");
     EXPECT_EQ(done, Texts{});
 }
 
 TEST_F(TrayMenuTest, UnknownEntriesAreAnError) {
-    for (const int unknown : {-1, 9, 2147483647})
+    for (const int unknown : {-1, 10, 2147483647})
         EXPECT_EQ(event(unknown, "clicked"), invalid) << unknown;
     EXPECT_EQ(TrayHost::error(client->menu("Event")), invalid);
     EXPECT_EQ(TrayHost::error(client->menu("Dance")), "org.freedesktop.DBus.Error.UnknownMethod");
@@ -183,14 +183,14 @@ TEST_F(TrayMenuTest, UnknownEntriesAreAnError) {
 
 TEST_F(TrayMenuTest, ClicksInAGroupActInTheirOrder) {
     const Answer answer =
-        eventGroup({{1, "hovered"}, {2, "clicked"}, {9, "clicked"}, {1, "clicked"}});
+        eventGroup({{1, "hovered"}, {2, "clicked"}, {10, "clicked"}, {1, "clicked"}});
     EXPECT_EQ(TrayHost::error(answer), "");
-    EXPECT_EQ(integers(answer), std::vector{9});
+    EXPECT_EQ(integers(answer), std::vector{10});
     EXPECT_EQ(done, (Texts{"lock", "open menu "}));
 }
 
 TEST_F(TrayMenuTest, AGroupOfUnknownEntriesIsAnErrorAndAnEmptyOneIsNot) {
-    EXPECT_EQ(TrayHost::error(eventGroup({{9, "clicked"}, {-3, "clicked"}})), invalid);
+    EXPECT_EQ(TrayHost::error(eventGroup({{10, "clicked"}, {-3, "clicked"}})), invalid);
     EXPECT_EQ(integers(eventGroup({})), std::vector<int>{});
     EXPECT_EQ(done, Texts{});
 }
@@ -203,17 +203,17 @@ TEST_F(TrayMenuTest, NothingIsToBeReadAgainBeforeItShows) {
     EXPECT_EQ(again, 0);
     EXPECT_EQ(
         TrayHost::error(client->menu(
-            "AboutToShow", [](sd_bus_message* call) { sd_bus_message_append(call, "i", 9); })),
+            "AboutToShow", [](sd_bus_message* call) { sd_bus_message_append(call, "i", 10); })),
         invalid);
 
     const Answer group = client->menu("AboutToShowGroup", [](sd_bus_message* call) {
-        sd_bus_message_append(call, "ai", 3, 0, 9, 2);
+        sd_bus_message_append(call, "ai", 3, 0, 10, 2);
     });
     EXPECT_EQ(integers(group), std::vector<int>{});
-    EXPECT_EQ(integers(group), std::vector{9});
+    EXPECT_EQ(integers(group), std::vector{10});
     EXPECT_EQ(TrayHost::error(client->menu(
                   "AboutToShowGroup",
-                  [](sd_bus_message* call) { sd_bus_message_append(call, "ai", 1, 9); })),
+                  [](sd_bus_message* call) { sd_bus_message_append(call, "ai", 1, 10); })),
               invalid);
 }
 
@@ -233,10 +233,12 @@ TEST_F(TrayMenuTest, PropertiesAreGivenInGroupsAndAlone) {
         }
         return text;
     };
-    EXPECT_EQ(group({7, 8, 1}), "7:label=Apparaat koppelen;8:label=Stop;1:label=Open Wegslot;");
-    EXPECT_EQ(group({}), "0:children-display=submenu;1:label=Open Wegslot;2:label=Nu locken;"
-                         "4:label=Pauzeer 15 minuten;5:label=Pauzeer 1 uur;"
-                         "6:label=Pauzeer tot 06:00;7:label=Apparaat koppelen;8:label=Stop;");
+    EXPECT_EQ(group({7, 8, 9, 1}),
+              "7:label=Apparaat koppelen;8:label=Inzicht;9:label=Stop;1:label=Open Wegslot;");
+    EXPECT_EQ(group({}),
+              "0:children-display=submenu;1:label=Open Wegslot;2:label=Nu locken;"
+              "4:label=Pauzeer 15 minuten;5:label=Pauzeer 1 uur;"
+              "6:label=Pauzeer tot 06:00;7:label=Apparaat koppelen;8:label=Inzicht;9:label=Stop;");
 
     const auto alone = [this](int id, const char* name) {
         const Answer answer = client->menu("GetProperty", [&](sd_bus_message* call) {
@@ -253,7 +255,7 @@ TEST_F(TrayMenuTest, PropertiesAreGivenInGroupsAndAlone) {
     EXPECT_EQ(alone(2, "visible"), "1");
     EXPECT_EQ(alone(3, "visible"), "0");
     EXPECT_EQ(alone(2, "mood"), invalid);
-    EXPECT_EQ(alone(9, "label"), invalid);
+    EXPECT_EQ(alone(10, "label"), invalid);
 }
 
 TEST_F(TrayMenuTest, SaysWhichFormItHas) {

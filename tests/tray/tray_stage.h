@@ -117,6 +117,7 @@ struct TrayStage : testing::Test {
                 .pauseUntilMorning = [this] { done.emplace_back("pause until morning"); },
                 .resume = [this] { done.emplace_back("resume"); },
                 .couple = [this] { done.emplace_back("couple"); },
+                .insight = [this] { done.emplace_back("insight"); },
                 .quit = [this] { done.emplace_back("quit"); }};
     }
     /// One colour all over: opaque, the symbol's length, the colour's blue and 7.

@@ -33,6 +33,7 @@ public:
           icon_(appearance_, sessionBus_, model.monitor(), clock, scheduler,
                 {.open = [this](const TrayClick& click) { panel_.toggle(click); },
                  .couple = [] {},
+                 .insight = [] {},
                  .quit = [] { QCoreApplication::quit(); }}) {
         panel_.open();
     }

@@ -81,6 +81,7 @@ RunningApplication::RunningApplication(const Setting& setting)
       icon_(appearance_, trayBus_, model_.monitor(), setting.clock, setting.scheduler,
             {.open = [this](const TrayClick& click) { panel_.toggle(click); },
              .couple = [this] { assistant_.open(); },
+             .insight = [this] { openInsight(); },
              .quit = quit}),
       clockTime_(localClockTime(setting.clock)),
       control_(world_.sessionBus,
@@ -172,6 +173,12 @@ std::optional<Failure> RunningApplication::addIdentity(const std::string& name,
     const KnownIdentity known{.key = identity->key, .name = name, .fixedId = identity->id};
     if (auto failure = world_.identitiesFile.change({}, {&known, 1})) return failure;
     return pastedKeys_.reread();
+}
+
+/// A program of its own: what it draws and judges anew is in nobody's way here.
+void RunningApplication::openInsight() {
+    if (const auto failure = opener_.start({ownProgram().string(), "insight"}))
+        Log::write("Inzicht openen mislukt: " + failure->message.builtIn());
 }
 
 void RunningApplication::openLog() {

@@ -56,6 +56,7 @@ private:
     /// closed when the recording ends, or at once if it is refused: while there is another, and
     /// where it is neither file nor pipe.
     [[nodiscard]] std::optional<Failure> record(int descriptor, bool anonymous);
+    void openInsight();
     void openLog();
     [[nodiscard]] std::optional<Failure> couple();
     [[nodiscard]] std::optional<Failure> addIdentity(const std::string& name,

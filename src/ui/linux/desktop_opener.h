@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace wegslot {
 
@@ -19,6 +20,9 @@ public:
 
     /// Nothing when the desktop has been asked; it says itself what it cannot open.
     [[nodiscard]] std::optional<Failure> open(const std::filesystem::path& file);
+
+    /// Starts a program with its arguments, and waits for nothing. The failure says why not.
+    [[nodiscard]] std::optional<Failure> start(const std::vector<std::string>& words);
 
 private:
     Processes& processes_;

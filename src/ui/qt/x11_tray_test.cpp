@@ -42,6 +42,7 @@ struct X11TrayTest : testing::Test {
                   .pauseUntilMorning = [this] { done.emplace_back("morning"); },
                   .resume = [this] { done.emplace_back("resume"); },
                   .couple = [this] { done.emplace_back("couple"); },
+                  .insight = [this] { done.emplace_back("insight"); },
                   .quit = [this] { done.emplace_back("quit"); }}};
 };
 
@@ -50,16 +51,22 @@ struct X11TrayTest : testing::Test {
 TEST_F(X11TrayTest, IsNotThereWithoutAnXServer) { EXPECT_FALSE(X11Tray::isThere()); }
 
 TEST_F(X11TrayTest, HasTheEntriesOfTheItemsMenu) {
-    const Texts always{"Open Wegslot",  "Nu locken",         "Pauzeer 15 minuten",
-                       "Pauzeer 1 uur", "Pauzeer tot 06:00", "Apparaat koppelen",
+    const Texts always{"Open Wegslot",
+                       "Nu locken",
+                       "Pauzeer 15 minuten",
+                       "Pauzeer 1 uur",
+                       "Pauzeer tot 06:00",
+                       "Apparaat koppelen",
+                       "Inzicht",
                        "Stop"};
     EXPECT_EQ(chosen(), always);
-    EXPECT_EQ(done, (Texts{"open", "lock", "pause", "pause", "morning", "couple", "quit"}));
+    EXPECT_EQ(done,
+              (Texts{"open", "lock", "pause", "pause", "morning", "couple", "insight", "quit"}));
     done.clear();
     tray.show({"pause.circle", brand::navy, "Gepauzeerd tot 14:30", true});
     EXPECT_EQ(chosen().at(2), "Hervat");
-    EXPECT_EQ(done,
-              (Texts{"open", "lock", "resume", "pause", "pause", "morning", "couple", "quit"}));
+    EXPECT_EQ(done, (Texts{"open", "lock", "resume", "pause", "pause", "morning", "couple",
+                           "insight", "quit"}));
     tray.show({"lock.open", brand::navy, "Je bent in de buurt"});
     EXPECT_EQ(chosen(), always);
 }
