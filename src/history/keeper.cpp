@@ -120,7 +120,7 @@ void Keeper::judged(const KeyStates& states) {
         const TimePoint at = std::max(kept(around_.monitor.judgedAt()), since);
         beginMinute(at);
         judgedAt_ = at;
-        if (const auto touch = inputs_.newTouch()) note(std::min(kept(*touch), at), trace::Input{});
+        askForInput(since);
         for (const auto& [id, state] : states) {
             const Row row = around_.rowOf(id);
             KeyMinute& key = minute_->keys[row];
@@ -137,6 +137,15 @@ void Keeper::judged(const KeyStates& states) {
         minute_->judged.push_back(at);
     }
     coreIsFresh_ = false;
+}
+
+void Keeper::askForInput(TimePoint since) {
+    const TimePoint asked = around_.clock.now();
+    if (asked < asksAgainAt_) return;
+    const auto touch = inputs_.newTouch();
+    if (around_.clock.now() - asked >= slowAnswer) asksAgainAt_ = later(asked, restraint);
+    if (!touch) return;
+    note(std::clamp(kept(*touch), since, std::max(since, beforeJudgement())), trace::Input{});
 }
 
 void Keeper::phaseEntered(const Phase& next) {

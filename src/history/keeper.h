@@ -32,6 +32,11 @@ public:
     /// How often it tells anew how things stand, so that what is older can be forgotten.
     static constexpr Nanoseconds standingInterval = std::chrono::hours{1};
 
+    /// How long it leaves a service alone that took `slowAnswer` or longer to tell of idle time:
+    /// the judgement waits for it, and the history is not worth that each second.
+    static constexpr Nanoseconds restraint = std::chrono::minutes{1};
+    static constexpr Nanoseconds slowAnswer = std::chrono::milliseconds{50};
+
     /// To be made before the monitor judges for the first time; keeps nothing until it is told to.
     explicit Keeper(Surroundings surroundings);
 
@@ -47,6 +52,7 @@ public:
 private:
     void followSettings();
     void judged(const KeyStates& states);
+    void askForInput(TimePoint since);
     void phaseEntered(const Phase& next);
     void happened(Happening what);
     void happenedAt(TimePoint instant, Happening what);
@@ -69,6 +75,7 @@ private:
     TimePoint judgedAt_; ///< as it is kept
     TimePoint toldAt_;   ///< the last of what is kept
     TimePoint standingAt_;
+    TimePoint asksAgainAt_; ///< for input
     std::map<Row, TimePoint> heardUntil_;
     std::vector<Subscription> subscriptions_;
 };

@@ -49,7 +49,7 @@ struct TrayMenuTest : TrayStage {
             sd_bus_message_append(call, "ii", parent, depth);
             sd_bus_message_append(call, "as", property == nullptr ? 0 : 1, property);
         });
-        if (const auto error = TrayHost::error(answer); !error.empty()) return error;
+        if (auto error = TrayHost::error(answer); !error.empty()) return error;
         sd_bus_message_read_basic(answer.get(), 'u', &revision);
         return described(answer.get());
     }
