@@ -28,7 +28,6 @@ bool tellsHowThingsStand(const Minute& minute) {
 
 /// Replays the samples of one key in step with the instants.
 struct Listener {
-    Row row;
     SignalHistory samples;
     std::optional<TimePoint> last;
 
@@ -70,7 +69,7 @@ public:
 private:
     void addKey(Row row, const KeyMinute& kept, std::size_t before) {
         Stretch::Key& key = stretch_.keys[row];
-        Listener& listener = listeners_.try_emplace(row, Listener{row, {}, {}}).first->second;
+        Listener& listener = listeners_.try_emplace(row).first->second;
         key.heard.resize(before);
         key.states.resize(before);
         std::size_t next = 0;
